@@ -1,0 +1,42 @@
+// Everything that depends on what characters are, rather than bytes. Text is UTF-8; bytes that are not are taken as
+// U+FFFD. All functions are pure and callable from any thread; text of plain ASCII takes a short way past ICU.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace kestrio::text {
+
+/// Canonical equivalence: whether two texts are the same to a reader, however their accents are encoded.
+bool equivalent(std::string_view a, std::string_view b);
+bool equivalent(const std::optional<std::string>& a, const std::optional<std::string>& b);
+
+/// Equal for all texts that are `equivalent`.
+std::size_t hash(std::string_view text);
+
+/// How many user-perceived characters (grapheme clusters) the text has.
+std::size_t characterCount(std::string_view text);
+
+/// The first `count` user-perceived characters.
+std::string prefix(std::string_view text, std::size_t count);
+
+/// The text made for comparing: decomposed, without case. With `diacritics` ignored, without accents too.
+enum class Ignoring { caseOnly, caseAndDiacritics };
+std::string folded(std::string_view text, Ignoring ignoring);
+
+/// Whether `needle` occurs in `text`. An empty needle occurs nowhere.
+bool contains(std::string_view text, std::string_view needle, Ignoring ignoring);
+
+/// A copy without zero-width spaces, direction marks, embeddings, overrides, isolates and byte order marks. The
+/// joiners U+200C and U+200D stay: some scripts and many emoji need them.
+std::string withoutInvisibleMarks(std::string_view text);
+
+/// The bytes as UTF-8, with U+FFFD in place of each ill-formed piece and of U+0000. For texts from other programs.
+std::string fromUntrustedBytes(std::string_view bytes);
+
+/// A copy without white space at both ends, by the Unicode property.
+std::string_view trimmed(std::string_view text);
+
+} // namespace kestrio::text
