@@ -2,6 +2,7 @@
 // U+FFFD. All functions are pure and callable from any thread; text of plain ASCII takes a short way past ICU.
 #pragma once
 
+#include <concepts>
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -11,7 +12,12 @@ namespace kestrio::text {
 
 /// Canonical equivalence: whether two texts are the same to a reader, however their accents are encoded.
 bool equivalent(std::string_view a, std::string_view b);
-bool equivalent(const std::optional<std::string>& a, const std::optional<std::string>& b);
+
+/// An absent text is equivalent to an absent one alone. (A template, so that plain texts do not turn into optionals.)
+template <std::same_as<std::optional<std::string>> Optional>
+bool equivalent(const Optional& a, const Optional& b) {
+    return a.has_value() == b.has_value() && (!a || equivalent(std::string_view(*a), std::string_view(*b)));
+}
 
 /// Equal for all texts that are `equivalent`.
 std::size_t hash(std::string_view text);
@@ -36,7 +42,7 @@ std::string withoutInvisibleMarks(std::string_view text);
 /// The bytes as UTF-8, with U+FFFD in place of each ill-formed piece and of U+0000. For texts from other programs.
 std::string fromUntrustedBytes(std::string_view bytes);
 
-/// A copy without white space at both ends, by the Unicode property.
+/// The part of the text between white space at both ends, by the Unicode property. Points into the argument.
 std::string_view trimmed(std::string_view text);
 
 } // namespace kestrio::text

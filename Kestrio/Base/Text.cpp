@@ -1,0 +1,219 @@
+#include "Kestrio/Base/Text.h"
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <unicode/brkiter.h>
+#include <unicode/bytestream.h>
+#include <unicode/casemap.h>
+#include <unicode/edits.h>
+#include <unicode/normalizer2.h>
+#include <unicode/uchar.h>
+#include <unicode/utext.h>
+#include <unicode/utf8.h>
+#include <utility>
+
+namespace kestrio::text {
+namespace {
+
+bool isASCII(std::string_view text) {
+    return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
+icu::StringPiece piece(std::string_view text) {
+    return {text.data(), static_cast<std::int32_t>(text.size())};
+}
+
+/// The normal form under `normalizer`, or the text as it stands when ICU has no data.
+std::string normalized(const icu::Normalizer2* normalizer, std::string_view text) {
+    std::string result;
+    icu::StringByteSink<std::string> sink(&result);
+    UErrorCode error = U_ZERO_ERROR;
+    normalizer->normalizeUTF8(0, piece(text), sink, nullptr, error);
+    return U_SUCCESS(error) ? result : std::string(text);
+}
+
+std::string composed(std::string_view text) {
+    UErrorCode error = U_ZERO_ERROR;
+    const auto* normalizer = icu::Normalizer2::getNFCInstance(error);
+    return U_SUCCESS(error) ? normalized(normalizer, text) : std::string(text);
+}
+
+std::string decomposed(std::string_view text) {
+    UErrorCode error = U_ZERO_ERROR;
+    const auto* normalizer = icu::Normalizer2::getNFDInstance(error);
+    return U_SUCCESS(error) ? normalized(normalizer, text) : std::string(text);
+}
+
+/// Calls `visit(codePoint, bytes)` for each code point; `codePoint` is negative for an ill-formed piece.
+template <class Visit>
+void forEachCodePoint(std::string_view text, Visit visit) {
+    const auto* data = reinterpret_cast<const std::uint8_t*>(text.data());
+    const auto length = static_cast<std::int32_t>(text.size());
+    for (std::int32_t at = 0; at < length;) {
+        const auto start = at;
+        UChar32 codePoint = 0;
+        U8_NEXT(data, at, length, codePoint);
+        visit(codePoint, text.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(at - start)));
+    }
+}
+
+bool isInvisibleMark(UChar32 c) {
+    return c == 0x200B || c == 0x200E || c == 0x200F || (c >= 0x202A && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069) ||
+           c == 0xFEFF;
+}
+
+bool isMark(UChar32 c) {
+    return c >= 0 && u_charType(c) == U_NON_SPACING_MARK;
+}
+
+/// Whether the text begins in the middle of a decomposed character, with one of its accents.
+bool beginsWithMark(std::string_view text) {
+    bool mark = false;
+    forEachCodePoint(text.substr(0, 4), [&, first = true](UChar32 c, std::string_view) mutable {
+        mark |= std::exchange(first, false) && isMark(c);
+    });
+    return mark;
+}
+
+/// Finds the boundaries of user-perceived characters; making one costs far more than using it.
+icu::BreakIterator* characterBreaks() {
+    thread_local const std::unique_ptr<icu::BreakIterator> iterator = [] {
+        UErrorCode error = U_ZERO_ERROR;
+        std::unique_ptr<icu::BreakIterator> made(
+            icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), error));
+        return U_SUCCESS(error) ? std::move(made) : nullptr;
+    }();
+    return iterator.get();
+}
+
+/// Calls `visit(end)` with the byte offset at which each user-perceived character ends, until it answers false.
+template <class Visit>
+void forEachCharacterEnd(std::string_view text, Visit visit) {
+    auto* breaks = characterBreaks();
+    if (!breaks)
+        return;
+    UErrorCode error = U_ZERO_ERROR;
+    UText source = UTEXT_INITIALIZER;
+    utext_openUTF8(&source, text.data(), static_cast<std::int64_t>(text.size()), &error);
+    breaks->setText(&source, error);
+    if (U_SUCCESS(error))
+        for (auto end = breaks->next(); end != icu::BreakIterator::DONE && visit(static_cast<std::size_t>(end));)
+            end = breaks->next();
+    utext_close(&source);
+}
+
+/// In ASCII every byte is a character, but for a carriage return and its line feed, which are one together.
+bool bytesAreCharacters(std::string_view text) {
+    return isASCII(text) && text.find('\r') == std::string_view::npos;
+}
+
+} // namespace
+
+bool equivalent(std::string_view a, std::string_view b) {
+    if (a == b)
+        return true;
+    if (isASCII(a) && isASCII(b))
+        return false;
+    return composed(a) == composed(b);
+}
+
+std::size_t hash(std::string_view text) {
+    // Composing can turn other characters into ASCII, never ASCII into others: the short way agrees with the long.
+    return isASCII(text) ? std::hash<std::string_view>()(text) : std::hash<std::string>()(composed(text));
+}
+
+std::size_t characterCount(std::string_view text) {
+    if (bytesAreCharacters(text))
+        return text.size();
+    std::size_t count = 0;
+    forEachCharacterEnd(text, [&](std::size_t) {
+        ++count;
+        return true;
+    });
+    return count;
+}
+
+std::string prefix(std::string_view text, std::size_t count) {
+    if (count == 0)
+        return {};
+    if (text.size() <= count) // no character is shorter than a byte
+        return std::string(text);
+    if (bytesAreCharacters(text.substr(0, count + 1))) // with one more, which might have been an accent
+        return std::string(text.substr(0, count));
+    std::size_t length = 0;
+    std::size_t seen = 0;
+    forEachCharacterEnd(text, [&](std::size_t end) {
+        length = end;
+        return ++seen < count;
+    });
+    return std::string(text.substr(0, length));
+}
+
+std::string folded(std::string_view text, Ignoring ignoring) {
+    if (isASCII(text)) {
+        std::string result(text);
+        std::transform(result.begin(), result.end(), result.begin(),
+                       [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+        return result;
+    }
+    std::string caseless;
+    icu::StringByteSink<std::string> sink(&caseless);
+    UErrorCode error = U_ZERO_ERROR;
+    icu::CaseMap::utf8Fold(0, piece(decomposed(text)), sink, nullptr, error);
+    const auto result = decomposed(U_SUCCESS(error) ? std::string_view(caseless) : text);
+    if (ignoring == Ignoring::caseOnly)
+        return result;
+    std::string bare;
+    forEachCodePoint(result, [&](UChar32 c, std::string_view bytes) {
+        if (!isMark(c))
+            bare += bytes;
+    });
+    return bare;
+}
+
+bool contains(std::string_view text, std::string_view needle, Ignoring ignoring) {
+    if (needle.empty())
+        return false;
+    const auto within = folded(text, ignoring);
+    const auto wanted = folded(needle, ignoring);
+    for (auto at = within.find(wanted); at != std::string::npos; at = within.find(wanted, at + 1))
+        if (!beginsWithMark(std::string_view(within).substr(at + wanted.size())))
+            return true;
+    return false;
+}
+
+std::string withoutInvisibleMarks(std::string_view text) {
+    if (isASCII(text))
+        return std::string(text);
+    std::string result;
+    result.reserve(text.size());
+    forEachCodePoint(text, [&](UChar32 c, std::string_view bytes) {
+        if (!isInvisibleMark(c))
+            result += bytes;
+    });
+    return result;
+}
+
+std::string fromUntrustedBytes(std::string_view bytes) {
+    std::string result;
+    result.reserve(bytes.size());
+    forEachCodePoint(bytes, [&](UChar32 c, std::string_view piece) { result += c <= 0 ? "\uFFFD" : piece; });
+    return result;
+}
+
+std::string_view trimmed(std::string_view text) {
+    std::optional<std::size_t> first;
+    std::size_t end = 0;
+    std::size_t at = 0;
+    forEachCodePoint(text, [&](UChar32 c, std::string_view bytes) {
+        if (c < 0 || !u_isUWhiteSpace(c)) {
+            first = first.value_or(at);
+            end = at + bytes.size();
+        }
+        at += bytes.size();
+    });
+    return first ? text.substr(*first, end - *first) : std::string_view();
+}
+
+} // namespace kestrio::text

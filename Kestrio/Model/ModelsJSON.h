@@ -1,0 +1,18 @@
+// The records as JSON for scripts: the field names of the records, dates as seconds since 1970, enumerations by their
+// raw value, and null for what is absent.
+#pragma once
+
+#include "Kestrio/Model/Models.h"
+
+#include <nlohmann/json_fwd.hpp>
+
+namespace kestrio {
+
+nlohmann::ordered_json toJSON(const ActivitySample& sample);
+nlohmann::ordered_json toJSON(const LiveActivity& live);
+nlohmann::ordered_json toJSON(const ActivitySession& session);
+
+/// Absent when a required field is missing or of another type. Unknown fields are passed over.
+std::optional<LiveActivity> liveActivityFromJSON(const nlohmann::ordered_json& json);
+
+} // namespace kestrio
