@@ -5,7 +5,10 @@ import importlib.machinery
 import importlib.util
 import json
 import pathlib
+import sys
 import unittest
+
+sys.dont_write_bytecode = True  # what is loaded here has no place in the source tree
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 
