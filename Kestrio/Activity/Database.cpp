@@ -1,0 +1,254 @@
+#include "Kestrio/Activity/Database.h"
+
+#include "Kestrio/Base/Files.h"
+#include "Kestrio/Base/Log.h"
+#include "Kestrio/Base/Text.h"
+
+namespace kestrio {
+namespace {
+
+namespace fs = std::filesystem;
+using sqlite::Statement;
+using sqlite::Step;
+
+/// How long a statement waits for another connection's lock.
+constexpr int busyTimeoutMilliseconds = 3000;
+
+/// A session that began this long before a range can still be found reaching into it, without giving up the index.
+constexpr Seconds reachBack{43'200};
+
+constexpr auto schema = "CREATE TABLE IF NOT EXISTS sessions (\n"
+                        "    id        INTEGER PRIMARY KEY AUTOINCREMENT,\n"
+                        "    start     REAL NOT NULL,\n"
+                        "    end       REAL NOT NULL,\n"
+                        "    bundle_id TEXT NOT NULL,\n"
+                        "    app_name  TEXT NOT NULL,\n"
+                        "    title     TEXT NOT NULL DEFAULT '',\n"
+                        "    url       TEXT,\n"
+                        "    domain    TEXT,\n"
+                        "    project   TEXT,\n"
+                        "    kind      INTEGER NOT NULL DEFAULT 0\n"
+                        ");\n"
+                        "CREATE INDEX IF NOT EXISTS sessions_start ON sessions(start);";
+
+void logSQLError(const std::string& message) {
+    logLine("Kestrio SQL error: " + message);
+}
+
+ActivitySession decode(const Statement& row) {
+    ActivitySession session;
+    session.id = row.integer(0);
+    session.start = row.date(1);
+    session.end = row.date(2);
+    session.bundleID = row.text(3).value_or("unknown");
+    session.appName = text::withoutInvisibleMarks(row.text(4).value_or("Unknown"));
+    session.title = text::withoutInvisibleMarks(row.text(5).value_or(""));
+    session.url = row.text(6);
+    session.domain = row.text(7);
+    session.project = row.text(8);
+    session.kind = sessionKind(row.integer(9)).value_or(SessionKind::focus);
+    return session;
+}
+
+} // namespace
+
+fs::path Database::directory(const fs::path& base) {
+    const auto target = base / "Kestrio";
+    std::error_code error;
+    if (fs::exists(fs::symlink_status(target, error)))
+        return target;
+    for (const char* earlier : {"TindraDesk", "Timeweft"}) {
+        if (!fs::exists(base / earlier, error))
+            continue;
+        fs::rename(base / earlier, target, error);
+        if (error)
+            logLine("Kestrio: couldn't move the old data folder: " + error.message());
+        break;
+    }
+    return target;
+}
+
+Database::Database(const fs::path& file, Queue& queue, Access access) : file_(file), queue_(queue) {
+    if (access == Access::readWrite) {
+        if (const auto error = makePrivateFolder(file.parent_path()))
+            throw DatabaseError::open(*error);
+        if (const auto error = makePrivateFile(file)) // SQLite gives its sidecars the mode of the file
+            throw DatabaseError::open(*error);
+    }
+    std::exception_ptr failure;
+    queue_.sync([&] {
+        try {
+            openConnection(access);
+            if (access == Access::readWrite)
+                migrate();
+        } catch (const DatabaseError&) {
+            connection_.reset();
+            failure = std::current_exception();
+        }
+    });
+    if (failure)
+        std::rethrow_exception(failure);
+}
+
+void Database::openConnection(Access access) {
+    const int flags = access == Access::readWrite ? SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE : SQLITE_OPEN_READONLY;
+    sqlite3* raw = nullptr;
+    const int result = sqlite3_open_v2(file_.c_str(), &raw, flags | SQLITE_OPEN_FULLMUTEX, nullptr);
+    connection_.reset(raw);
+    if (result != SQLITE_OK)
+        throw DatabaseError::open(sqlite::errorMessage(raw));
+    sqlite3_busy_timeout(raw, busyTimeoutMilliseconds);
+}
+
+void Database::migrate() {
+    for (const char* sql : {"PRAGMA journal_mode = WAL", "PRAGMA synchronous = NORMAL", schema})
+        if (const auto error = sqlite::execute(connection_.get(), sql))
+            throw DatabaseError::execute(*error);
+    // A file from before there were kinds: all its rows are focus rows.
+    if (!columns("sessions").contains("kind"))
+        if (const auto error =
+                sqlite::execute(connection_.get(), "ALTER TABLE sessions ADD COLUMN kind INTEGER NOT NULL DEFAULT 0"))
+            logSQLError(*error);
+}
+
+std::set<std::string> Database::columns(const std::string& table) {
+    std::set<std::string> names;
+    auto statement = prepare("PRAGMA table_info(" + table + ")");
+    while (statement.step() == Step::row)
+        if (auto name = statement.text(1))
+            names.insert(std::move(*name));
+    return names;
+}
+
+Statement Database::prepare(std::string_view sql) {
+    Statement statement(connection_.get(), sql);
+    if (!statement.isValid())
+        logSQLError(sqlite::errorMessage(connection_.get()));
+    return statement;
+}
+
+std::optional<std::int64_t> Database::insert(const ActivitySample& sample, Date start, Date end) {
+    return queue_.sync([&] { return insertOnQueue(sample, start, end); });
+}
+
+std::optional<std::int64_t> Database::insertOnQueue(const ActivitySample& sample, Date start, Date end) {
+    auto statement =
+        prepare("INSERT INTO sessions (start, end, bundle_id, app_name, title, url, domain, project, kind)\n"
+                "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)");
+    statement.bind(1, start);
+    statement.bind(2, end);
+    statement.bind(3, std::string_view(sample.bundleID));
+    statement.bind(4, std::string_view(sample.appName));
+    statement.bind(5, std::string_view(sample.title));
+    statement.bind(6, sample.url);
+    statement.bind(7, sample.domain);
+    statement.bind(8, sample.project);
+    statement.bind(9, rawValue(sample.kind));
+    if (statement.step() != Step::done)
+        return std::nullopt;
+    return sqlite3_last_insert_rowid(connection_.get());
+}
+
+bool Database::updateEnd(std::int64_t id, Date end) {
+    return queue_.sync([&] { return updateEndOnQueue(id, end); });
+}
+
+bool Database::updateEndOnQueue(std::int64_t id, Date end) {
+    auto statement = prepare("UPDATE sessions SET end = ? WHERE id = ?");
+    statement.bind(1, end);
+    statement.bind(2, id);
+    return statement.step() == Step::done;
+}
+
+std::vector<ActivitySession> Database::sessions(Date from, Date to) {
+    return queue_.sync([&] {
+        auto statement = prepare("SELECT id, start, end, bundle_id, app_name, title, url, domain, project, kind\n"
+                                 "FROM sessions\n"
+                                 "WHERE start >= ? AND start < ? AND end > ?\n"
+                                 "ORDER BY start");
+        statement.bind(1, from - reachBack);
+        statement.bind(2, to);
+        statement.bind(3, from);
+        std::vector<ActivitySession> found;
+        while (statement.step() == Step::row)
+            found.push_back(decode(statement));
+        return found;
+    });
+}
+
+std::string Database::lastError() {
+    return queue_.sync([&] { return sqlite::errorMessage(connection_.get()); });
+}
+
+void Database::deleteSessions(Date before) {
+    queue_.sync([&] {
+        executeOnQueue("DELETE FROM sessions WHERE end < ?", before);
+        shrinkOnQueue();
+    });
+}
+
+void Database::deleteAll() {
+    queue_.sync([&] {
+        executeOnQueue("DELETE FROM sessions", std::nullopt);
+        shrinkOnQueue();
+    });
+}
+
+void Database::executeOnQueue(const char* sql, std::optional<Date> parameter) {
+    auto statement = prepare(sql);
+    if (parameter)
+        statement.bind(1, *parameter);
+    if (statement.isValid() && statement.step() == Step::failed)
+        logSQLError(sqlite::errorMessage(connection_.get()));
+}
+
+void Database::shrinkOnQueue() {
+    // Neither has to succeed: the rows are gone already. The checkpoint takes the deleted rows out of the sidecar too.
+    sqlite::execute(connection_.get(), "VACUUM");
+    sqlite::execute(connection_.get(), "PRAGMA wal_checkpoint(TRUNCATE)");
+}
+
+std::int64_t Database::sessionCount() {
+    return queue_.sync([&] {
+        auto statement = prepare("SELECT COUNT(*) FROM sessions");
+        return statement.step() == Step::row ? statement.integer(0) : std::int64_t{0};
+    });
+}
+
+std::optional<Date> Database::earliestStart() {
+    return queue_.sync([&]() -> std::optional<Date> {
+        auto statement = prepare("SELECT MIN(start) FROM sessions");
+        if (statement.step() != Step::row || statement.isNull(0))
+            return std::nullopt;
+        return statement.date(0);
+    });
+}
+
+std::int64_t Database::fileSize() {
+    std::int64_t bytes = 0;
+    for (const char* suffix : {"", "-wal", "-shm"}) {
+        std::error_code error;
+        const auto size = fs::file_size(file_.string() + suffix, error);
+        if (!error)
+            bytes += static_cast<std::int64_t>(size);
+    }
+    return bytes;
+}
+
+std::vector<NamedTotal> Database::totals(const char* sql, std::int32_t limit) {
+    return queue_.sync([&] {
+        auto statement = prepare(sql);
+        statement.bind(1, std::int64_t{limit});
+        std::vector<NamedTotal> found;
+        while (statement.step() == Step::row) {
+            auto id = statement.text(0);
+            if (!id)
+                continue;
+            auto name = statement.text(1).value_or(*id);
+            found.push_back({std::move(*id), std::move(name), Seconds(statement.real(2))});
+        }
+        return found;
+    });
+}
+
+} // namespace kestrio

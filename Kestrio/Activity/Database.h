@@ -1,0 +1,96 @@
+// The single owner of `activity.sqlite`, the file of finished and open sessions.
+//
+// A thin, synchronous layer: one connection, one serial queue, statements prepared per call. Every operation waits on
+// the queue and may be called from any thread but the queue itself. After opening nothing throws: a failure gives the
+// empty result, because losing one write of a session must not disturb tracking.
+#pragma once
+
+#include "Kestrio/Activity/SessionStore.h"
+#include "Kestrio/Base/Queue.h"
+#include "Kestrio/Base/Sqlite.h"
+
+#include <filesystem>
+#include <set>
+#include <stdexcept>
+#include <vector>
+
+namespace kestrio {
+
+/// Thrown at opening alone.
+class DatabaseError : public std::runtime_error {
+public:
+    static DatabaseError open(const std::string& message) {
+        return DatabaseError("Could not open database: " + message);
+    }
+    static DatabaseError execute(const std::string& message) { return DatabaseError("Database error: " + message); }
+
+private:
+    using std::runtime_error::runtime_error;
+};
+
+/// The time spent on one application or site, over all kinds of session together.
+struct NamedTotal {
+    std::string id;
+    std::string name;
+    Seconds duration{};
+
+    friend bool operator==(const NamedTotal&, const NamedTotal&) = default;
+};
+
+class Database final : public SessionStore {
+public:
+    enum class Access {
+        readWrite, // the agent: makes the file, brings old ones up to date
+        readOnly,  // the faces: look at a file that the agent writes
+    };
+
+    /// The folder for the program's data below the person's data folder. A folder that an earlier version left under
+    /// an earlier name is moved here once; one log line when that fails, and the new folder is used all the same.
+    static std::filesystem::path directory(const std::filesystem::path& base);
+
+    static constexpr auto fileName = "activity.sqlite";
+
+    /// Opens the file; made, with its folder, when missing, or brought up to date. Throws `DatabaseError`. The queue
+    /// must outlive the database.
+    Database(const std::filesystem::path& file, Queue& queue, Access access = Access::readWrite);
+
+    std::optional<std::int64_t> insert(const ActivitySample& sample, Date start, Date end) override;
+    bool updateEnd(std::int64_t id, Date end) override;
+    std::vector<ActivitySession> sessions(Date from, Date to) override;
+    std::string lastError() override;
+
+    /// Removes the sessions that ended before the date; one that crosses it stays whole. The file shrinks at once.
+    void deleteSessions(Date before);
+    void deleteAll();
+
+    std::int64_t sessionCount();
+    /// Absent when there is no session.
+    std::optional<Date> earliestStart();
+    /// Bytes of the file and its two sidecars; one that cannot be read counts 0.
+    std::int64_t fileSize();
+
+    /// The two statements for `totals`.
+    static constexpr auto appTotals = "SELECT bundle_id, MAX(app_name), SUM(end - start) AS total FROM sessions\n"
+                                      "GROUP BY bundle_id ORDER BY total DESC LIMIT ?";
+    static constexpr auto domainTotals = "SELECT domain, domain, SUM(end - start) AS total FROM sessions\n"
+                                         "WHERE domain IS NOT NULL GROUP BY domain ORDER BY total DESC LIMIT ?";
+    std::vector<NamedTotal> totals(const char* sql, std::int32_t limit);
+
+private:
+    void openConnection(Access access);
+    void migrate();
+    std::set<std::string> columns(const std::string& table);
+    std::optional<std::int64_t> insertOnQueue(const ActivitySample& sample, Date start, Date end);
+    bool updateEndOnQueue(std::int64_t id, Date end);
+    void executeOnQueue(const char* sql, std::optional<Date> parameter);
+    void shrinkOnQueue();
+
+    /// The statement, or one that is not valid and a line in the log.
+    sqlite::Statement prepare(std::string_view sql);
+
+    const std::filesystem::path file_;
+    Queue& queue_;
+    sqlite::Connection connection_; // on the queue
+};
+
+} // namespace kestrio
