@@ -161,7 +161,7 @@ std::string folded(std::string_view text, Ignoring ignoring) {
     icu::StringByteSink<std::string> sink(&caseless);
     UErrorCode error = U_ZERO_ERROR;
     icu::CaseMap::utf8Fold(0, piece(decomposed(text)), sink, nullptr, error);
-    const auto result = decomposed(U_SUCCESS(error) ? std::string_view(caseless) : text);
+    auto result = decomposed(U_SUCCESS(error) ? std::string_view(caseless) : text);
     if (ignoring == Ignoring::caseOnly)
         return result;
     std::string bare;
