@@ -73,8 +73,8 @@ Descriptor connectedTo(const std::string& name) {
     const auto length = offsetof(sockaddr_un, sun_path) + name.size() + (abstract ? 0 : 1);
     Descriptor descriptor(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
     // Never in progress: a local socket connects at once, or its queue is full and it does not.
-    if (!descriptor || connect(descriptor.number(), reinterpret_cast<const sockaddr*>(&address),
-                               static_cast<socklen_t>(length)) != 0)
+    if (!descriptor ||
+        connect(descriptor.number(), reinterpret_cast<const sockaddr*>(&address), static_cast<socklen_t>(length)) != 0)
         return {};
     return descriptor;
 }
