@@ -352,7 +352,13 @@ std::optional<Date> LogindWatch::sessionStart() {
 std::optional<Date> LogindWatch::askSessionStart() {
     const SystemClock clock;
     const auto deadline = clock.uptime() + BusConnection::callDeadline;
-    const auto left = [&] { return microseconds(std::max(deadline - clock.uptime(), Seconds(0.001))); };
+    // One deadline for all of the calls. None at all is left of it once it is over, and a call then asks nobody.
+    const auto left = [&] {
+        const auto rest = deadline - clock.uptime();
+        if (rest < Seconds(0.001))
+            throw sdbus::Error("org.freedesktop.DBus.Error.NoReply", "the deadline is over");
+        return microseconds(rest);
+    };
     sdbus::ObjectPath path;
     const auto ask = [&](const char* method, const auto& argument) {
         return bus_->perform([&](sdbus::IConnection&) {

@@ -1,5 +1,6 @@
 #include "Kestrio/Base/LoopQueue.h"
 #include "Kestrio/Platform/Linux/BusConnection.h"
+#include "Tests/Platform/Linux/ServedBus.h"
 #include "Tests/Support/Eventually.h"
 #include "Tests/Support/PrivateBus.h"
 
@@ -51,8 +52,8 @@ struct BusConnectionTest : testing::Test {
 /// A service with one method, which emits a signal before it answers, and one that never answers.
 class Service {
 public:
-    explicit Service(const std::string& address) : bus_(sdbus::createSessionBusConnectionWithAddress(address)) {
-        object_ = sdbus::createObject(*bus_, "/service");
+    explicit Service(const std::string& address) : bus_(address) {
+        object_ = sdbus::createObject(bus_.connection(), "/service");
         object_->registerSignal("Said").onInterface("dev.test").withParameters<std::int32_t>();
         object_->registerMethod("Say").onInterface("dev.test").implementedAs([this](const std::int32_t& number) {
             object_->emitSignal("Said").onInterface("dev.test").withArguments(number);
@@ -62,18 +63,17 @@ public:
             .onInterface("dev.test")
             .implementedAs([this](sdbus::Result<std::int32_t>&& result) { unanswered_.push_back(std::move(result)); });
         object_->finishRegistration();
-        bus_->requestName("dev.test.Service");
-        bus_->enterEventLoopAsync();
+        bus_.serve("dev.test.Service");
     }
     ~Service() {
-        bus_->leaveEventLoop();
+        bus_.stop();
         unanswered_.clear();
         object_.reset();
     }
     void say(std::int32_t number) { object_->emitSignal("Said").onInterface("dev.test").withArguments(number); }
 
 private:
-    std::unique_ptr<sdbus::IConnection> bus_;
+    ServedBus bus_;
     std::unique_ptr<sdbus::IObject> object_;
     std::vector<sdbus::Result<std::int32_t>> unanswered_;
 };

@@ -5,6 +5,7 @@
 #include "Tests/Support/PrivateBus.h"
 
 #include <algorithm>
+#include <atomic>
 #include <gtest/gtest.h>
 #include <mutex>
 
@@ -18,23 +19,26 @@ using enum SessionEvent;
 class MockScreenSaver {
 public:
     MockScreenSaver(const std::string& address, const std::string& name, const std::string& path, bool active)
-        : name_(name), bus_(sdbus::createSessionBusConnectionWithAddress(address)) {
-        object_ = sdbus::createObject(*bus_, path);
-        object_->registerMethod("GetActive").onInterface(name).implementedAs([active] { return active; });
+        : name_(name), active_(active), bus_(address) {
+        object_ = sdbus::createObject(bus_.connection(), path);
+        object_->registerMethod("GetActive").onInterface(name).implementedAs([this] { return active_.load(); });
         object_->registerSignal("ActiveChanged").onInterface(name).withParameters<bool>();
         object_->finishRegistration();
-        bus_->requestName(name);
-        bus_->enterEventLoopAsync();
+        bus_.serve(name);
     }
     ~MockScreenSaver() {
-        bus_->leaveEventLoop();
+        bus_.stop();
         object_.reset();
     }
-    void setActive(bool active) { object_->emitSignal("ActiveChanged").onInterface(name_).withArguments(active); }
+    void setActive(bool active) {
+        active_ = active;
+        object_->emitSignal("ActiveChanged").onInterface(name_).withArguments(active);
+    }
 
 private:
     const std::string name_;
-    std::unique_ptr<sdbus::IConnection> bus_;
+    std::atomic<bool> active_;
+    ServedBus bus_;
     std::unique_ptr<sdbus::IObject> object_;
 };
 

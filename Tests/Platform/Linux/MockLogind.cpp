@@ -17,30 +17,25 @@ constexpr const char* userPath = "/org/freedesktop/login1/user/_1000";
 } // namespace
 
 MockLogind::MockLogind(const std::string& busAddress, const Script& script)
-    : script_(script),
-      locked_(script.locked),
-      active_(script.active),
-      bus_(sdbus::createSessionBusConnectionWithAddress(busAddress)) {
+    : script_(script), locked_(script.locked), active_(script.active), bus_(busAddress) {
     serveManager();
     serveUser();
     serveSession();
-    bus_->requestName("org.freedesktop.login1");
-    bus_->enterEventLoopAsync();
+    bus_.serve("org.freedesktop.login1");
 }
 
 MockLogind::~MockLogind() {
-    bus_->leaveEventLoop();
+    bus_.stop();
     unanswered_.clear();
     session_.reset();
     user_.reset();
     manager_.reset();
-    bus_.reset();
     for (const int pipe : lockPipes_)
         close(pipe);
 }
 
 void MockLogind::serveManager() {
-    manager_ = sdbus::createObject(*bus_, "/org/freedesktop/login1");
+    manager_ = sdbus::createObject(bus_.connection(), "/org/freedesktop/login1");
     const auto answer = [this](bool known) {
         return [this, known](sdbus::Result<sdbus::ObjectPath>&& result, auto) {
             if (script_.silent) {
@@ -65,9 +60,15 @@ void MockLogind::serveManager() {
                                                                  std::string identifier) {
             inner(std::move(result), identifier);
         });
-    manager_->registerMethod("GetUser").onInterface(managerInterface).implementedAs([](const std::uint32_t&) {
-        return sdbus::ObjectPath(userPath);
-    });
+    manager_->registerMethod("GetUser")
+        .onInterface(managerInterface)
+        .implementedAs([this](sdbus::Result<sdbus::ObjectPath>&& result, std::uint32_t) {
+            const std::lock_guard guard(mutex_);
+            if (script_.silent)
+                unanswered_.push_back(std::move(result));
+            else
+                result.returnResults(sdbus::ObjectPath(userPath));
+        });
     manager_->registerMethod("Inhibit")
         .onInterface(managerInterface)
         .implementedAs(
@@ -84,7 +85,7 @@ void MockLogind::serveManager() {
 }
 
 void MockLogind::serveUser() {
-    user_ = sdbus::createObject(*bus_, userPath);
+    user_ = sdbus::createObject(bus_.connection(), userPath);
     user_->registerProperty("Display").onInterface(userInterface).withGetter([this] {
         return script_.hasDisplaySession
                    ? sdbus::Struct<std::string, sdbus::ObjectPath>("c7", sdbus::ObjectPath(sessionPath))
@@ -94,7 +95,7 @@ void MockLogind::serveUser() {
 }
 
 void MockLogind::serveSession() {
-    session_ = sdbus::createObject(*bus_, sessionPath);
+    session_ = sdbus::createObject(bus_.connection(), sessionPath);
     session_->registerProperty("LockedHint").onInterface(sessionInterface).withGetter([this] {
         return locked_.load();
     });

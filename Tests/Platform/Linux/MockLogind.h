@@ -1,6 +1,8 @@
 // A logind that a test directs, on a private bus, served by a thread of its own.
 #pragma once
 
+#include "Tests/Platform/Linux/ServedBus.h"
+
 #include <atomic>
 #include <memory>
 #include <mutex>
@@ -53,7 +55,7 @@ private:
     std::vector<int> lockPipes_;
     std::vector<std::string> inhibitions_;
     std::vector<sdbus::Result<sdbus::ObjectPath>> unanswered_;
-    std::unique_ptr<sdbus::IConnection> bus_;
+    ServedBus bus_;
     std::unique_ptr<sdbus::IObject> manager_;
     std::unique_ptr<sdbus::IObject> user_;
     std::unique_ptr<sdbus::IObject> session_;
