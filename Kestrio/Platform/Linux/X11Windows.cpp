@@ -228,10 +228,13 @@ void X11Windows::note(const xcb_generic_event_t& event) {
         noteProperty(reinterpret_cast<const xcb_property_notify_event_t&>(event));
     } else if (type == XCB_DESTROY_NOTIFY) {
         const auto window = reinterpret_cast<const xcb_destroy_notify_event_t&>(event).window;
-        if (window == manager_) {
+        if (window == manager_)
             managerStale_ = true;
-            followSoon();
-        }
+        else if (window == current_)
+            activeStale_ = detailsStale_ = true; // not every window manager takes back what it said of the last one
+        else
+            return;
+        followSoon();
     }
 }
 
@@ -240,13 +243,16 @@ void X11Windows::noteProperty(const xcb_property_notify_event_t& event) {
     if (!server)
         return;
     const auto& atoms = server->atoms;
+    if (event.atom == atoms.netSupportingWmCheck) {
+        managerStale_ = true;
+        followSoon();
+        return;
+    }
     if (event.window == server->root) {
         if (event.atom == atoms.netActiveWindow)
             activeStale_ = true;
         else if (event.atom == atoms.netClientList)
             managedStale_ = true;
-        else if (event.atom == atoms.netSupportingWmCheck)
-            managerStale_ = true;
         else
             return;
         followSoon();
@@ -319,7 +325,8 @@ void X11Windows::refreshManager(Operation& operation) {
         operation.reply<xcb_get_property_reply_t>(ask(xcb, server.root, server.atoms.netSupportingWmCheck, 1));
     std::optional<xcb_window_t> manager = firstWord(named);
     if (operation && manager) {
-        select(xcb, *manager, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+        // One that is just starting names its window on the root window first.
+        select(xcb, *manager, XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
         const Property itself =
             operation.reply<xcb_get_property_reply_t>(ask(xcb, *manager, server.atoms.netSupportingWmCheck, 1));
         if (firstWord(itself) != manager)
@@ -395,7 +402,7 @@ void X11Windows::activate(Operation& operation, std::optional<xcb_window_t> wind
         if (before != 0)
             select(xcb, before, XCB_EVENT_MASK_NO_EVENT);
         if (current_ != 0)
-            select(xcb, current_, XCB_EVENT_MASK_PROPERTY_CHANGE);
+            select(xcb, current_, XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     }
     detailsStale_ = true;
     std::optional<X11Window> read;
