@@ -300,12 +300,11 @@ std::optional<X11Window> X11Windows::active() {
     return operation ? active_ : std::nullopt;
 }
 
-const std::vector<X11Window>& X11Windows::managed() {
-    static const std::vector<X11Window> none;
+const std::vector<X11Window>* X11Windows::managed() {
     Operation operation(connection_);
     if (operation)
         refreshManaged(operation);
-    return operation ? managed_ : none;
+    return operation ? &managed_ : nullptr;
 }
 
 bool X11Windows::hasServer() {

@@ -1,3 +1,4 @@
+#include "Kestrio/Platform/Linux/DetachedProgram.h"
 #include "Kestrio/Platform/Linux/X11InputIdle.h"
 #include "Kestrio/Platform/Linux/X11WindowTitles.h"
 #include "Kestrio/Platform/Linux/X11Workspace.h"
@@ -9,6 +10,7 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <string_view>
+#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 #include <xcb/xtest.h>
@@ -488,6 +490,7 @@ TEST_F(X11, aStoppedServerIsAnEmptyAnswerUntilItGoesOn) {
     client.map(window);
     ASSERT_TRUE(comesToFront("org.example.alpha"));
     ASSERT_EQ(readers->title(getpid()), "before");
+    ASSERT_TRUE(readers->isRunning("org.example.alpha"));
     display.stop();
     EXPECT_EQ(readers->idle(), std::nullopt);
     // Each costing 0.4 s would run this test into its limit.
@@ -505,6 +508,22 @@ TEST_F(X11, aStoppedServerIsAnEmptyAnswerUntilItGoesOn) {
     EXPECT_TRUE(readers->isRunning("org.example.alpha"));
     client.setText(window, "_NET_WM_NAME", "UTF8_STRING", "after");
     EXPECT_EQ(readers->title(getpid()), "after");
+}
+
+TEST_F(X11, silenceIsNotRememberedAsAnAnswer) {
+    ASSERT_TRUE(display.startWindowManager());
+    const auto alpha = application("alpha");
+    ASSERT_TRUE(comesToFront("org.example.alpha"));
+    readers->listen();
+    display.stop();
+    EXPECT_EQ(readers->idle(), std::nullopt); // what needs an answer shows the silence
+    EXPECT_TRUE(readers->running().empty());
+    EXPECT_EQ(readers->front(), std::nullopt);
+    display.continueOn();
+    EXPECT_TRUE(comesTrue([&] { return readers->isRunning("org.example.alpha"); }));
+    EXPECT_EQ(readers->frontID(), "org.example.alpha");
+    EXPECT_EQ(readers->count(WorkspaceNotice::terminated), 0);
+    EXPECT_TRUE(readers->fronts().empty());
 }
 
 TEST_F(X11, aServerThatNeverAnswersDoesNotHoldUpTheFirstQuestion) {
@@ -589,6 +608,23 @@ TEST_F(X11, aProcessThatOutlivesItsWindowsIsEndedAndOneThatRefusesIsNot) {
     EXPECT_TRUE(comesTrue([&] { return !staying.isRunning(); }));
     EXPECT_TRUE(refusing.isRunning());
     EXPECT_TRUE(readers->isRunning("org.example.beta"));
+}
+
+TEST(DetachedProgram, runsOnItsOwnAndLeavesNothingToWaitFor) {
+    const TemporaryFolder folder;
+    const auto file = folder.path() / "a file";
+    ASSERT_TRUE(startDetached({"touch", file}));
+    EXPECT_TRUE(comesTrue([&] { return std::filesystem::exists(file); }));
+    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
+}
+
+TEST(DetachedProgram, thatCannotBeStartedIsSaid) {
+    const TemporaryFolder folder;
+    const auto data = folder.write("data", "no program");
+    std::filesystem::permissions(data, std::filesystem::perms::owner_all);
+    EXPECT_FALSE(startDetached({"no-such-program-anywhere"}));
+    EXPECT_FALSE(startDetached({"/nowhere/program"}));
+    EXPECT_FALSE(startDetached({data}));
 }
 
 } // namespace
