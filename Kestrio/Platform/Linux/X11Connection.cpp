@@ -191,7 +191,9 @@ void* X11Connection::await(unsigned sequence) {
             return reply;
         }
         const auto left = deadline_ - clock_.uptime();
-        if (left <= Seconds(0) || !isReadable(left))
+        if (left > Seconds(0))
+            isReadable(left); // a signal may cut it short
+        else
             stalled_ = true;
     }
     xcb_discard_reply(server_->xcb, sequence);
