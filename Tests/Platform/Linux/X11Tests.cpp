@@ -448,6 +448,21 @@ TEST_F(X11, aWindowThatIsGoneIsNotInFront) {
     EXPECT_TRUE(readers->isRunning("org.example.alpha"));
 }
 
+TEST_F(X11, aWindowThatWithdrewIsNotInFront) {
+    ASSERT_TRUE(display.startWindowManager());
+    const Client client(display.name());
+    const auto window = client.create("alpha");
+    client.map(window);
+    ASSERT_TRUE(comesToFront("org.example.alpha"));
+    readers->listen();
+    xcb_unmap_window(client.xcb(), window);
+    client.flush();
+    EXPECT_TRUE(comesToFront("none"));
+    EXPECT_TRUE(comesTrue([&] { return readers->fronts() == std::vector<std::string>{"none"}; }));
+    client.map(window);
+    EXPECT_TRUE(comesToFront("org.example.alpha"));
+}
+
 TEST_F(X11, withoutAWindowManagerTheFocusDecides) {
     const Client client(display.name());
     EXPECT_EQ(readers->frontID(), "none");
