@@ -1,5 +1,6 @@
 #include "Kestrio/Activity/ActivityMonitor.h"
 
+#include "Kestrio/Activity/LiveRows.h"
 #include "Kestrio/Base/Text.h"
 
 #include <algorithm>
@@ -146,24 +147,11 @@ std::vector<ActivitySession> ActivityMonitor::sessions(DateInterval interval) {
     return host_.queue.sync([&] {
         std::int64_t nextID = -1;
         auto found = writer_.sessions(interval, nextID);
-        const auto add = [&](const LiveActivity& candidate) {
-            if (candidate.lastSeen <= interval.start || candidate.start >= interval.end)
-                return;
-            if (!candidate.rowID) {
-                if (candidate.lastSeen > candidate.start)
-                    found.push_back(activitySession(nextID--, candidate.sample, candidate.start, candidate.lastSeen));
-                return;
-            }
-            const auto row = std::find_if(found.begin(), found.end(),
-                                          [&](const ActivitySession& stored) { return stored.id == *candidate.rowID; });
-            if (row != found.end())
-                row->end = std::max(row->end, candidate.lastSeen);
-        };
         if (current_)
-            add(*current_);
+            joinLive(found, *current_, interval, nextID);
         for (const auto& session : alongside_.open())
             if (session.lastSeen - session.start >= AlongsideSessions::minimum)
-                add(session);
+                joinLive(found, session, interval, nextID);
         return found;
     });
 }
@@ -343,7 +331,8 @@ void ActivityMonitor::flush(Date now) {
 }
 
 void ActivityMonitor::publish(TrackingState state) {
-    Published next{current_, alongside_.open(), state, pausedUntilValue_, writer_.waiting()};
+    Published next{current_,          alongside_.open(), state,
+                   pausedUntilValue_, writer_.waiting(), host_.windowTitles.isGranted()};
     std::stable_sort(next.alongside.begin(), next.alongside.end(), [](const LiveActivity& a, const LiveActivity& b) {
         return a.sample.kind != b.sample.kind ? rawValue(a.sample.kind) < rawValue(b.sample.kind) : a.start < b.start;
     });

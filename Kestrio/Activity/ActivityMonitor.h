@@ -96,6 +96,7 @@ public:
         TrackingState state = TrackingState::tracking;
         std::optional<Date> pausedUntil;
         std::size_t unsaved = 0; // closed sessions that wait for the store to take them
+        bool windowTitlesGranted = false;
 
         friend bool operator==(const Published&, const Published&) = default;
     };

@@ -1,0 +1,61 @@
+// What a face (a window, the command line) may ask of the running agent.
+//
+// Served by the agent on the session bus, and answered within this process for tests. A call may fail at any time: the
+// agent may have ended, or hang. Every call ends within `callDeadline`.
+#pragma once
+
+#include "Kestrio/Base/Subscription.h"
+#include "Kestrio/Model/Models.h"
+
+#include <functional>
+#include <nlohmann/json_fwd.hpp>
+#include <optional>
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+namespace kestrio {
+
+/// Everything that lives in the agent's memory.
+struct AgentStatus {
+    TrackingState state = TrackingState::tracking;
+    std::optional<Date> pausedUntil; // `distantFuture`: until somebody resumes
+    std::optional<LiveActivity> live;
+    std::vector<LiveActivity> alongside;
+    std::int64_t unsaved = 0; // closed sessions that wait for the disk to take them
+    bool isAccessibilityGranted = false;
+    std::string version;
+    pid_t processIdentifier = 0;
+    std::string dataFolder;
+    Date startedAt;
+
+    friend bool operator==(const AgentStatus&, const AgentStatus&) = default;
+};
+
+nlohmann::ordered_json toJSON(const AgentStatus& status);
+/// Absent when a field is missing or of another type: the agent is of another version.
+std::optional<AgentStatus> agentStatusFromJSON(const nlohmann::ordered_json& json);
+
+class Background {
+public:
+    static constexpr Seconds callDeadline{5.0};
+
+    /// Why an action could not be done, in words for the person; absent when it was done.
+    using Failure = std::optional<std::string>;
+
+    virtual ~Background() = default;
+
+    /// Absent when the agent does not answer.
+    virtual std::optional<AgentStatus> status() = 0;
+
+    /// Pauses for a length above 0, or with an absent one until somebody resumes.
+    virtual Failure pause(std::optional<Seconds> length) = 0;
+    virtual Failure resume() = 0;
+    virtual Failure openDashboard() = 0;
+
+    /// `receiver` hears of every published change, within two seconds of it, until the token is dropped or the agent
+    /// ends.
+    virtual Subscription observe(std::function<void(const AgentStatus&)> receiver) = 0;
+};
+
+} // namespace kestrio

@@ -1,0 +1,118 @@
+#include "Kestrio/Link/BackgroundClient.h"
+
+#include "Kestrio/Link/BusNames.h"
+
+#include <cerrno>
+#include <nlohmann/json.hpp>
+#include <poll.h>
+#include <sdbus-c++/sdbus-c++.h>
+
+namespace kestrio {
+namespace {
+
+std::chrono::microseconds deadline() {
+    return std::chrono::duration_cast<std::chrono::microseconds>(Background::callDeadline);
+}
+
+std::optional<AgentStatus> parse(const std::string& text) {
+    return agentStatusFromJSON(nlohmann::ordered_json::parse(text, nullptr, false));
+}
+
+} // namespace
+
+std::unique_ptr<BackgroundClient> BackgroundClient::connect(const std::string& busAddress) {
+    try {
+        auto connection = sdbus::createSessionBusConnectionWithAddress(busAddress);
+        connection->setMethodCallTimeout(deadline());
+        bool isThere = false;
+        sdbus::createProxy(*connection, "org.freedesktop.DBus", "/org/freedesktop/DBus")
+            ->callMethod("NameHasOwner")
+            .onInterface("org.freedesktop.DBus")
+            .withArguments(std::string(busNames::service))
+            .storeResultsTo(isThere);
+        if (!isThere)
+            return nullptr;
+        return std::unique_ptr<BackgroundClient>(new BackgroundClient(std::move(connection)));
+    } catch (const sdbus::Error&) {
+        return nullptr;
+    }
+}
+
+BackgroundClient::BackgroundClient(std::unique_ptr<sdbus::IConnection> connection)
+    : connection_(std::move(connection)),
+      proxy_(sdbus::createProxy(*connection_, busNames::service, busNames::object)),
+      receiver_(std::make_shared<std::function<void(const AgentStatus&)>>()) {
+    proxy_->uponSignal("Changed")
+        .onInterface(busNames::interface)
+        .call([receiver = receiver_](const std::string& json) {
+            if (const auto status = parse(json); status && *receiver)
+                (*receiver)(*status);
+        });
+    proxy_->finishRegistration();
+}
+
+BackgroundClient::~BackgroundClient() = default;
+
+std::optional<AgentStatus> BackgroundClient::status() {
+    try {
+        std::string json;
+        proxy_->callMethod("Status").onInterface(busNames::interface).withTimeout(deadline()).storeResultsTo(json);
+        return parse(json);
+    } catch (const sdbus::Error&) {
+        return std::nullopt;
+    }
+}
+
+template <class... Arguments>
+Background::Failure BackgroundClient::call(const char* method, Arguments... arguments) {
+    try {
+        auto request = proxy_->createMethodCall(busNames::interface, method);
+        (void)(request << ... << arguments);
+        proxy_->callMethod(request, static_cast<std::uint64_t>(deadline().count()));
+        return std::nullopt;
+    } catch (const sdbus::Error& error) {
+        return error.getMessage().empty() ? error.getName() : error.getMessage();
+    }
+}
+
+Background::Failure BackgroundClient::pause(std::optional<Seconds> length) {
+    return length ? call("Pause", length->count()) : call("PauseIndefinitely");
+}
+
+Background::Failure BackgroundClient::resume() {
+    return call("Resume");
+}
+
+Background::Failure BackgroundClient::openDashboard() {
+    return call("OpenDashboard");
+}
+
+Subscription BackgroundClient::observe(std::function<void(const AgentStatus&)> receiver) {
+    *receiver_ = std::move(receiver);
+    if (call("Watch"))
+        *receiver_ = nullptr;
+    return Subscription([held = receiver_] { *held = nullptr; });
+}
+
+bool BackgroundClient::run() {
+    try {
+        const auto leaving = connection_->addMatch(
+            std::string("type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
+                        "member='NameOwnerChanged',arg0='") +
+                busNames::service + "',arg2=''",
+            [this](sdbus::Message&) { agentEnded_ = true; });
+        while (!agentEnded_) {
+            while (connection_->processPendingRequest()) {
+            }
+            const auto data = connection_->getEventLoopPollData();
+            pollfd descriptor{data.fd, data.events, 0};
+            if (agentEnded_ || (poll(&descriptor, 1, data.getPollTimeout()) < 0 && errno != EINTR))
+                break;
+        }
+    } catch (const sdbus::Error&) {
+        return false; // the bus went
+    }
+    return agentEnded_;
+}
+
+} // namespace kestrio

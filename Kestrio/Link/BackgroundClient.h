@@ -1,0 +1,44 @@
+// A face's side of `Background`: asks the agent over the session bus. Single-threaded; the calls block up to their
+// deadline. Changes arrive while `run` runs.
+#pragma once
+
+#include "Kestrio/Link/Background.h"
+
+#include <functional>
+#include <memory>
+
+namespace sdbus {
+class IConnection;
+class IProxy;
+} // namespace sdbus
+
+namespace kestrio {
+
+class BackgroundClient final : public Background {
+public:
+    /// Null when there is no bus at the address or no agent on it. Does not start one.
+    static std::unique_ptr<BackgroundClient> connect(const std::string& busAddress);
+    ~BackgroundClient() override;
+
+    std::optional<AgentStatus> status() override;
+    Failure pause(std::optional<Seconds> length) override;
+    Failure resume() override;
+    Failure openDashboard() override;
+    Subscription observe(std::function<void(const AgentStatus&)> receiver) override;
+
+    /// Delivers changes on the calling thread until the agent ends (true) or the bus does (false).
+    bool run();
+
+private:
+    explicit BackgroundClient(std::unique_ptr<sdbus::IConnection> connection);
+
+    template <class... Arguments>
+    Failure call(const char* method, Arguments... arguments);
+
+    std::unique_ptr<sdbus::IConnection> connection_;
+    std::unique_ptr<sdbus::IProxy> proxy_;
+    std::shared_ptr<std::function<void(const AgentStatus&)>> receiver_;
+    bool agentEnded_ = false;
+};
+
+} // namespace kestrio

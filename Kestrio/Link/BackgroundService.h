@@ -1,0 +1,55 @@
+// The agent on the session bus: small typed methods and properties for people's scripts, JSON for the bulky readings.
+//
+//   Pause(d seconds)      pauses for so long         PauseIndefinitely()   until somebody resumes
+//   Resume()              goes on recording          OpenDashboard()
+//   Status() -> s         everything that lives in memory, as JSON
+//   Watch()               from now on `Changed` is sent, until the caller leaves the bus
+//   State s, PausedUntil d (seconds since 1970, 0 when not paused), Version s      properties, with change notices
+//
+// Belongs to the main queue, whose loop serves the connection.
+#pragma once
+
+#include "Kestrio/Link/LocalBackground.h"
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+
+namespace sdbus {
+class IConnection;
+class IObject;
+} // namespace sdbus
+
+namespace kestrio {
+
+class BackgroundService {
+public:
+    /// Runs something that sends on the connection; false when that failed.
+    using Perform = std::function<bool(const std::function<void(sdbus::IConnection&)>&)>;
+
+    /// Null when the bus would not have the name or the object: somebody else has the name already. Everything handed
+    /// over must outlive the service.
+    static std::unique_ptr<BackgroundService> offer(sdbus::IConnection& connection, Perform perform,
+                                                    LocalBackground& background);
+    ~BackgroundService();
+
+private:
+    struct Watcher;
+
+    BackgroundService(Perform perform, LocalBackground& background);
+
+    void registerObject(sdbus::IConnection& connection);
+    void watch(sdbus::IConnection& connection);
+    void tellState();
+    void tell(const AgentStatus& status);
+
+    const Perform perform_;
+    LocalBackground& background_;
+    std::unique_ptr<sdbus::IObject> object_;
+    std::map<std::string, std::unique_ptr<Watcher>> watchers_; // by unique bus name
+    Subscription changes_;                                     // while somebody watches
+    Subscription stateChanges_;
+};
+
+} // namespace kestrio

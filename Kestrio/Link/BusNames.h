@@ -1,0 +1,14 @@
+// How the agent is found on the session bus.
+#pragma once
+
+namespace kestrio::busNames {
+
+/// The well-known name; also the guard against a second agent of the same session.
+inline constexpr auto service = "dev.haldorvinter.Kestrio";
+inline constexpr auto object = "/dev/haldorvinter/Kestrio";
+inline constexpr auto interface = "dev.haldorvinter.Kestrio";
+
+inline constexpr auto errorFailed = "dev.haldorvinter.Kestrio.Error.Failed";
+inline constexpr auto errorInvalid = "dev.haldorvinter.Kestrio.Error.InvalidArgument";
+
+} // namespace kestrio::busNames

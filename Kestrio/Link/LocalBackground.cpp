@@ -1,0 +1,76 @@
+#include "Kestrio/Link/LocalBackground.h"
+
+namespace kestrio {
+
+LocalBackground::LocalBackground(AppModel& model, Facts facts, OpenDashboard openDashboard)
+    : model_(model), facts_(std::move(facts)), openDashboard_(std::move(openDashboard)) {
+    const auto soon = [this](const auto&) { tellSoon(); };
+    tokens_.push_back(model_.live().observe(soon));
+    tokens_.push_back(model_.liveAlongside().observe(soon));
+    tokens_.push_back(model_.unsaved().observe(soon));
+    tokens_.push_back(model_.isAccessibilityGranted().observe(soon));
+    const auto state = [this](const auto&) {
+        stateChanged_.emit();
+        tellSoon();
+    };
+    tokens_.push_back(model_.trackingState().observe(state));
+    tokens_.push_back(model_.pausedUntil().observe(state));
+}
+
+std::optional<AgentStatus> LocalBackground::status() {
+    const auto look = model_.showLive(); // takes over what is open at this moment
+    AgentStatus status;
+    status.state = model_.trackingState().value();
+    status.pausedUntil = model_.pausedUntil().value();
+    status.live = model_.live().value();
+    status.alongside = model_.liveAlongside().value();
+    status.unsaved = static_cast<std::int64_t>(model_.unsaved().value());
+    status.isAccessibilityGranted = model_.isAccessibilityGranted().value();
+    status.version = facts_.version;
+    status.processIdentifier = facts_.processIdentifier;
+    status.dataFolder = facts_.dataFolder;
+    status.startedAt = facts_.startedAt;
+    return status;
+}
+
+Background::Failure LocalBackground::pause(std::optional<Seconds> length) {
+    if (length && !(*length > Seconds(0) && *length <= distantFuture - model_.clock().now()))
+        return "a pause must last longer than 0 seconds, and end before the year 4001";
+    model_.pause(length);
+    return std::nullopt;
+}
+
+Background::Failure LocalBackground::resume() {
+    model_.resume();
+    return std::nullopt;
+}
+
+Background::Failure LocalBackground::openDashboard() {
+    return openDashboard_();
+}
+
+Subscription LocalBackground::observe(std::function<void(const AgentStatus&)> receiver) {
+    auto look = std::make_shared<Subscription>(model_.showLive());
+    auto token = std::make_shared<Subscription>(changed_.subscribe(std::move(receiver)));
+    return Subscription([look, token] {
+        token->cancel();
+        look->cancel();
+    });
+}
+
+Subscription LocalBackground::observeState(std::function<void()> receiver) {
+    return stateChanged_.subscribe(std::move(receiver));
+}
+
+/// One poll changes several values one after the other; observers hear of them together.
+void LocalBackground::tellSoon() {
+    if (telling_.isActive() || !changed_.hasReceivers())
+        return;
+    telling_ = model_.queue().after(Seconds(0), [this] {
+        telling_.cancel();
+        if (const auto now = status())
+            changed_.emit(*now);
+    });
+}
+
+} // namespace kestrio

@@ -1,0 +1,50 @@
+// The agent's side of `Background`: answers from the running program's model. Belongs to the main queue, like the
+// model.
+#pragma once
+
+#include "Kestrio/Base/Signal.h"
+#include "Kestrio/Link/Background.h"
+#include "Kestrio/Shell/AppModel.h"
+
+namespace kestrio {
+
+class LocalBackground final : public Background {
+public:
+    struct Facts {
+        std::string version;
+        pid_t processIdentifier;
+        std::string dataFolder;
+        Date startedAt;
+    };
+
+    /// Brings up the dashboard; says what is missing when it cannot.
+    using OpenDashboard = std::function<Failure()>;
+
+    /// The model must outlive this.
+    LocalBackground(AppModel& model, Facts facts, OpenDashboard openDashboard);
+
+    std::optional<AgentStatus> status() override;
+    Failure pause(std::optional<Seconds> length) override;
+    Failure resume() override;
+    Failure openDashboard() override;
+    Subscription observe(std::function<void(const AgentStatus&)> receiver) override;
+
+    /// Runs work on the queue after what runs now.
+    void afterwards(Queue::Work work) { model_.queue().async(std::move(work)); }
+
+    /// Called on the queue after the state or the end of a pause changed.
+    Subscription observeState(std::function<void()> receiver);
+
+private:
+    void tellSoon();
+
+    AppModel& model_;
+    const Facts facts_;
+    const OpenDashboard openDashboard_;
+    Signal<AgentStatus> changed_;
+    Signal<> stateChanged_;
+    Subscription telling_;
+    std::vector<Subscription> tokens_;
+};
+
+} // namespace kestrio
