@@ -62,7 +62,7 @@ std::optional<std::string> identifier(const std::optional<RunningApplication>& f
 
 } // namespace
 
-ActivityMonitor::ActivityMonitor(Host host, SessionStore& store, HostApplications applications,
+ActivityMonitor::ActivityMonitor(Host host, SessionStore& store, const HostApplications& applications,
                                  Collaborators collaborators)
     : host_(host),
       collaborators_(std::move(collaborators)),

@@ -101,7 +101,7 @@ public:
         friend bool operator==(const Published&, const Published&) = default;
     };
 
-    ActivityMonitor(Host host, SessionStore& store, HostApplications applications, Collaborators collaborators);
+    ActivityMonitor(Host host, SessionStore& store, const HostApplications& applications, Collaborators collaborators);
     ~ActivityMonitor();
     ActivityMonitor(const ActivityMonitor&) = delete;
     ActivityMonitor& operator=(const ActivityMonitor&) = delete;

@@ -13,7 +13,7 @@
 namespace kestrio::AppInfo {
 namespace {
 
-std::string orElse(std::string text, const char* fallback) {
+std::string orElse(const std::string& text, const char* fallback) {
     return text.empty() ? fallback : text;
 }
 

@@ -10,8 +10,8 @@ Subscription ScriptedSessionEvents::observe(std::function<void(const SessionNoti
             if (const auto listening = weak.lock())
                 (*listening)({event});
         });
-    auto token = std::make_shared<Subscription>(
-        happened_.subscribe([weak = std::weak_ptr(shared)](const SessionNotice& notice) {
+    auto token =
+        std::make_shared<Subscription>(happened_.subscribe([weak = std::weak_ptr(shared)](const SessionNotice& notice) {
             if (const auto listening = weak.lock())
                 (*listening)(notice);
         }));
