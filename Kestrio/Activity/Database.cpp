@@ -71,9 +71,9 @@ fs::path Database::directory(const fs::path& base) {
 Database::Database(const fs::path& file, Queue& queue, Access access) : file_(file), queue_(queue) {
     if (access == Access::readWrite) {
         if (const auto error = makePrivateFolder(file.parent_path()))
-            throw DatabaseError::open(*error);
+            throw DatabaseError::open(file.parent_path().string() + ": " + error.message());
         if (const auto error = makePrivateFile(file)) // SQLite gives its sidecars the mode of the file
-            throw DatabaseError::open(*error);
+            throw DatabaseError::open(file.string() + ": " + error.message());
     }
     std::exception_ptr failure;
     queue_.sync([&] {

@@ -1,7 +1,6 @@
 #include "Kestrio/Base/Files.h"
 
 #include <cerrno>
-#include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -9,49 +8,45 @@
 namespace kestrio {
 namespace {
 
-std::string failure(const std::filesystem::path& path, int error) {
-    return path.string() + ": " + std::strerror(error);
+std::error_code lastError() {
+    return {errno, std::generic_category()};
 }
 
-/// Takes the group's and the others' access away; what the owner may do stays as it is.
-bool keepOwnersAccessOnly(int descriptor) {
+/// Opens, and takes the group's and the others' access away; what the owner may do stays as it is.
+std::error_code keepOwnersAccessOnly(const std::filesystem::path& path, int flags) {
+    const int descriptor = open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK, 0600);
+    if (descriptor < 0)
+        return lastError();
+    std::error_code error;
     struct stat status {};
     if (fstat(descriptor, &status) != 0)
-        return false;
-    return (status.st_mode & 0077) == 0 || fchmod(descriptor, status.st_mode & 0700) == 0;
+        error = lastError();
+    else if ((status.st_mode & 0077) != 0 && fchmod(descriptor, status.st_mode & 0700) != 0)
+        error = lastError();
+    close(descriptor);
+    return error;
 }
 
 } // namespace
 
-std::optional<std::string> makePrivateFolder(const std::filesystem::path& folder) {
-    if (mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST) {
-        const auto parent = folder.parent_path();
-        if (errno != ENOENT || parent.empty() || parent == folder)
-            return failure(folder, errno);
-        struct stat status {};
-        if (stat(parent.c_str(), &status) != 0) // a parent that is there keeps its mode
-            if (auto error = makePrivateFolder(parent))
-                return error;
-        if (mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST)
-            return failure(folder, errno);
-    }
-    const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0)
-        return failure(folder, errno);
-    const bool isPrivate = keepOwnersAccessOnly(descriptor);
-    const int error = errno;
-    close(descriptor);
-    return isPrivate ? std::nullopt : std::optional(failure(folder, error));
+std::error_code makeFolder(const std::filesystem::path& folder) {
+    std::error_code ignored;
+    if (folder.empty() || std::filesystem::is_directory(folder, ignored))
+        return {};
+    if (folder.has_relative_path() && folder.parent_path() != folder)
+        if (const auto error = makeFolder(folder.parent_path()))
+            return error;
+    return mkdir(folder.c_str(), 0700) == 0 || errno == EEXIST ? std::error_code() : lastError();
 }
 
-std::optional<std::string> makePrivateFile(const std::filesystem::path& file) {
-    const int descriptor = open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600);
-    if (descriptor < 0)
-        return failure(file, errno);
-    const bool isPrivate = keepOwnersAccessOnly(descriptor);
-    const int error = errno;
-    close(descriptor);
-    return isPrivate ? std::nullopt : std::optional(failure(file, error));
+std::error_code makePrivateFolder(const std::filesystem::path& folder) {
+    if (const auto error = makeFolder(folder))
+        return error;
+    return keepOwnersAccessOnly(folder, O_RDONLY | O_DIRECTORY);
+}
+
+std::error_code makePrivateFile(const std::filesystem::path& file) {
+    return keepOwnersAccessOnly(file, O_RDWR | O_CREAT);
 }
 
 } // namespace kestrio

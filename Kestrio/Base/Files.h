@@ -1,18 +1,19 @@
 // Files and folders that nobody but their owner may read. Callable from any thread; each takes a few system calls.
+// Each answers with the system's error, or none.
 #pragma once
 
 #include <filesystem>
-#include <optional>
-#include <string>
+#include <system_error>
 
 namespace kestrio {
 
-/// Makes the folder with its parents where they are missing, and takes everybody else's access to the folder itself
-/// away. Absent when it is there and private, else what stood in the way, with the path.
-std::optional<std::string> makePrivateFolder(const std::filesystem::path& folder);
+/// Makes the folder, with those above it, for its owner alone. What is there already stays as it is.
+std::error_code makeFolder(const std::filesystem::path& folder);
 
-/// Makes an empty file where there is none, and takes everybody else's access away. The contents of a file that is
-/// there are not touched. Absent when all went well, else what stood in the way, with the path.
-std::optional<std::string> makePrivateFile(const std::filesystem::path& file);
+/// The same, and takes everybody else's access to the folder itself away, whoever made it.
+std::error_code makePrivateFolder(const std::filesystem::path& folder);
+
+/// Makes an empty file where there is none, and takes everybody else's access away. The contents stay as they are.
+std::error_code makePrivateFile(const std::filesystem::path& file);
 
 } // namespace kestrio

@@ -44,7 +44,7 @@ mode_t mode(const fs::path& path) {
 class DatabaseTest : public testing::Test {
 protected:
     TemporaryFolder folder;
-    fs::path file = folder / "Kestrio" / "activity.sqlite";
+    fs::path file = folder.path() / "Kestrio" / "activity.sqlite";
     VirtualTime time{noon};
     VirtualQueue queue{time, "Kestrio.database"};
 
@@ -327,25 +327,25 @@ protected:
     TemporaryFolder base;
 
     void make(const std::string& name) {
-        fs::create_directories(base / name);
-        std::ofstream(base / name / "activity.sqlite") << name;
-        std::ofstream(base / name / "anything") << "else";
+        fs::create_directories(base.path() / name);
+        std::ofstream(base.path() / name / "activity.sqlite") << name;
+        std::ofstream(base.path() / name / "anything") << "else";
     }
 };
 
 TEST_F(DataFolder, isReturnedWithoutBeingMade) {
-    EXPECT_EQ(Database::directory(base.path()), base / "Kestrio");
-    EXPECT_FALSE(fs::exists(base / "Kestrio"));
+    EXPECT_EQ(Database::directory(base.path()), base.path() / "Kestrio");
+    EXPECT_FALSE(fs::exists(base.path() / "Kestrio"));
 }
 
 TEST_F(DataFolder, ofAnEarlierNameIsMovedWhole) {
     for (const char* earlier : {"TindraDesk", "Timeweft"}) {
         make(earlier);
-        EXPECT_EQ(Database::directory(base.path()), base / "Kestrio");
-        EXPECT_EQ(contents(base / "Kestrio" / "activity.sqlite"), earlier);
-        EXPECT_EQ(contents(base / "Kestrio" / "anything"), "else");
-        EXPECT_FALSE(fs::exists(base / earlier));
-        fs::remove_all(base / "Kestrio");
+        EXPECT_EQ(Database::directory(base.path()), base.path() / "Kestrio");
+        EXPECT_EQ(contents(base.path() / "Kestrio" / "activity.sqlite"), earlier);
+        EXPECT_EQ(contents(base.path() / "Kestrio" / "anything"), "else");
+        EXPECT_FALSE(fs::exists(base.path() / earlier));
+        fs::remove_all(base.path() / "Kestrio");
     }
 }
 
@@ -353,24 +353,24 @@ TEST_F(DataFolder, theNewerOfTwoEarlierNamesIsMovedAlone) {
     make("TindraDesk");
     make("Timeweft");
     Database::directory(base.path());
-    EXPECT_EQ(contents(base / "Kestrio" / "activity.sqlite"), "TindraDesk");
-    EXPECT_TRUE(fs::exists(base / "Timeweft"));
-    EXPECT_FALSE(fs::exists(base / "TindraDesk"));
+    EXPECT_EQ(contents(base.path() / "Kestrio" / "activity.sqlite"), "TindraDesk");
+    EXPECT_TRUE(fs::exists(base.path() / "Timeweft"));
+    EXPECT_FALSE(fs::exists(base.path() / "TindraDesk"));
 }
 
 TEST_F(DataFolder, thatIsThereIsLeftAlone) {
     make("Kestrio");
     make("TindraDesk");
     Database::directory(base.path());
-    EXPECT_EQ(contents(base / "Kestrio" / "activity.sqlite"), "Kestrio");
-    EXPECT_TRUE(fs::exists(base / "TindraDesk"));
+    EXPECT_EQ(contents(base.path() / "Kestrio" / "activity.sqlite"), "Kestrio");
+    EXPECT_TRUE(fs::exists(base.path() / "TindraDesk"));
 }
 
 TEST_F(DataFolder, evenAFileOfTheNameCountsAsThere) {
-    std::ofstream(base / "Kestrio") << "x";
+    std::ofstream(base.path() / "Kestrio") << "x";
     make("TindraDesk");
-    EXPECT_EQ(Database::directory(base.path()), base / "Kestrio");
-    EXPECT_TRUE(fs::exists(base / "TindraDesk"));
+    EXPECT_EQ(Database::directory(base.path()), base.path() / "Kestrio");
+    EXPECT_TRUE(fs::exists(base.path() / "TindraDesk"));
 }
 
 } // namespace

@@ -23,7 +23,7 @@ struct MonitorBench {
     VirtualTime time{origin};
     VirtualQueue databaseQueue{time, "Kestrio.database"};
     VirtualQueue queue{time, "Kestrio.monitor"};
-    Database database{folder / "activity.sqlite", databaseQueue};
+    Database database{folder.path() / "activity.sqlite", databaseQueue};
     FaultyStore store{database};
     ScriptedWorkspace workspace;
     ScriptedWindowTitles titles;

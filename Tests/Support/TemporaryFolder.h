@@ -1,9 +1,6 @@
-// A fresh folder for one test, removed with everything in it afterwards.
+// A folder of a test's own, removed with everything in it.
 #pragma once
 
-#include "Kestrio/Base/Mistake.h"
-
-#include <cstdlib>
 #include <filesystem>
 #include <string>
 
@@ -11,24 +8,20 @@ namespace kestrio {
 
 class TemporaryFolder {
 public:
-    TemporaryFolder() {
-        auto name = (std::filesystem::temp_directory_path() / "kestrio-test-XXXXXX").string();
-        if (!mkdtemp(name.data()))
-            programmersMistake("no temporary folder can be made");
-        path_ = name;
-    }
-    ~TemporaryFolder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
+    TemporaryFolder();
+    ~TemporaryFolder();
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
     const std::filesystem::path& path() const { return path_; }
-    std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
 
 private:
     std::filesystem::path path_;
 };
+
+/// The file's content; empty when there is none.
+std::string fileText(const std::filesystem::path& file);
+
+void writeFile(const std::filesystem::path& file, const std::string& text);
 
 } // namespace kestrio
