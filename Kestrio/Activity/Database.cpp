@@ -53,7 +53,7 @@ ActivitySession decode(const Statement& row) {
 } // namespace
 
 fs::path Database::directory(const fs::path& base) {
-    const auto target = base / "Kestrio";
+    auto target = base / "Kestrio";
     std::error_code error;
     if (fs::exists(fs::symlink_status(target, error)))
         return target;

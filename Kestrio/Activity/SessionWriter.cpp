@@ -60,16 +60,17 @@ void SessionWriter::retryIfDue(Date now) {
 
 std::vector<ActivitySession> SessionWriter::sessions(DateInterval range, std::int64_t& nextID) {
     auto found = store_.sessions(range.start, range.end);
-    for (const auto& [session, end] : waiting_) {
+    for (const auto& write : waiting_) {
+        const auto& session = write.session;
         if (!session.rowID) {
-            if (end > range.start && session.start < range.end)
-                found.push_back(activitySession(nextID--, session.sample, session.start, end));
+            if (write.end > range.start && session.start < range.end)
+                found.push_back(activitySession(nextID--, session.sample, session.start, write.end));
             continue;
         }
         const auto row = std::find_if(found.begin(), found.end(),
                                       [id = *session.rowID](const ActivitySession& stored) { return stored.id == id; });
         if (row != found.end())
-            row->end = end;
+            row->end = write.end;
     }
     return found;
 }

@@ -19,9 +19,9 @@ std::error_code keepOwnersAccessOnly(const std::filesystem::path& path, int flag
         return lastError();
     std::error_code error;
     struct stat status {};
-    if (fstat(descriptor, &status) != 0)
-        error = lastError();
-    else if ((status.st_mode & 0077) != 0 && fchmod(descriptor, status.st_mode & 0700) != 0)
+    const bool isKnown = fstat(descriptor, &status) == 0;
+    const bool isOpenToOthers = isKnown && (status.st_mode & 0077) != 0;
+    if (!isKnown || (isOpenToOthers && fchmod(descriptor, status.st_mode & 0700) != 0 && errno != EPERM))
         error = lastError();
     close(descriptor);
     return error;

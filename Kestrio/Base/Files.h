@@ -10,7 +10,7 @@ namespace kestrio {
 /// Makes the folder, with those above it, for its owner alone. What is there already stays as it is.
 std::error_code makeFolder(const std::filesystem::path& folder);
 
-/// The same, and takes everybody else's access to the folder itself away, whoever made it.
+/// The same, and takes everybody else's access to the folder itself away, if it is ours to do so.
 std::error_code makePrivateFolder(const std::filesystem::path& folder);
 
 /// Makes an empty file where there is none, and takes everybody else's access away. The contents stay as they are.

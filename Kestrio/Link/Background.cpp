@@ -44,7 +44,7 @@ std::optional<AgentStatus> agentStatusFromJSON(const JSON& json) {
         status.unsaved = json.at("unsaved").get<std::int64_t>();
         status.isAccessibilityGranted = json.at("isAccessibilityGranted").get<bool>();
         status.version = json.at("version").get<std::string>();
-        status.processIdentifier = json.at("processIdentifier").get<pid_t>();
+        status.processIdentifier = json.at("processIdentifier").get<std::int64_t>();
         status.dataFolder = json.at("dataFolder").get<std::string>();
         status.startedAt = Date(json.at("startedAt").get<double>());
         return status;

@@ -11,7 +11,6 @@
 #include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
-#include <sys/types.h>
 #include <vector>
 
 namespace kestrio {
@@ -25,7 +24,7 @@ struct AgentStatus {
     std::int64_t unsaved = 0; // closed sessions that wait for the disk to take them
     bool isAccessibilityGranted = false;
     std::string version;
-    pid_t processIdentifier = 0;
+    std::int64_t processIdentifier = 0;
     std::string dataFolder;
     Date startedAt;
 

@@ -2,9 +2,7 @@
 
 #include "Kestrio/Link/BusNames.h"
 
-#include <cerrno>
 #include <nlohmann/json.hpp>
-#include <poll.h>
 #include <sdbus-c++/sdbus-c++.h>
 
 namespace kestrio {
@@ -95,24 +93,23 @@ Subscription BackgroundClient::observe(std::function<void(const AgentStatus&)> r
 }
 
 bool BackgroundClient::run() {
+    bool agentEnded = false;
     try {
         const auto leaving = connection_->addMatch(
             std::string("type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
                         "member='NameOwnerChanged',arg0='") +
                 busNames::service + "',arg2=''",
-            [this](sdbus::Message&) { agentEnded_ = true; });
-        while (!agentEnded_) {
-            while (connection_->processPendingRequest()) {
-            }
-            const auto data = connection_->getEventLoopPollData();
-            pollfd descriptor{data.fd, data.events, 0};
-            if (agentEnded_ || (poll(&descriptor, 1, data.getPollTimeout()) < 0 && errno != EINTR))
-                break;
-        }
+            [&](sdbus::Message&) {
+                agentEnded = true;
+                connection_->leaveEventLoop();
+            });
+        if (!status()) // gone before the rule was there
+            return true;
+        connection_->enterEventLoop();
     } catch (const sdbus::Error&) {
         return false; // the bus went
     }
-    return agentEnded_;
+    return agentEnded;
 }
 
 } // namespace kestrio

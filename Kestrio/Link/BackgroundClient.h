@@ -38,7 +38,6 @@ private:
     std::unique_ptr<sdbus::IConnection> connection_;
     std::unique_ptr<sdbus::IProxy> proxy_;
     std::shared_ptr<std::function<void(const AgentStatus&)>> receiver_;
-    bool agentEnded_ = false;
 };
 
 } // namespace kestrio

@@ -12,7 +12,7 @@ class LocalBackground final : public Background {
 public:
     struct Facts {
         std::string version;
-        pid_t processIdentifier;
+        std::int64_t processIdentifier;
         std::string dataFolder;
         Date startedAt;
     };

@@ -13,8 +13,8 @@
 namespace kestrio::AppInfo {
 namespace {
 
-std::string orElse(const std::string& text, const char* fallback) {
-    return text.empty() ? fallback : text;
+std::string orElse(const char* text, const char* fallback) {
+    return *text ? text : fallback;
 }
 
 } // namespace

@@ -1,17 +1,11 @@
 // What the program says about itself and the machine it runs on, for people who ask for support.
 #pragma once
 
-#include <cstdint>
+#include "Kestrio/Platform/HostFacts.h"
+
 #include <string>
 
 namespace kestrio {
-
-/// What a host knows about itself; an empty text for what it does not.
-struct HostFacts {
-    std::string system;               // "Debian GNU/Linux 12 (bookworm), Linux 6.1.0"
-    std::string chip;                 // the processor's name as it gives it
-    std::uint64_t physicalMemory = 0; // bytes
-};
 
 namespace AppInfo {
 

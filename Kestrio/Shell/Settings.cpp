@@ -113,7 +113,7 @@ ParsedSetting parseText(const KnownSetting& setting, std::string_view text) {
 }
 
 /// The parser's own words say where the text goes wrong; its prefix in brackets is for programmers.
-std::string withoutPrefix(std::string message) {
+std::string withoutPrefix(const std::string& message) {
     const auto end = message.find("] ");
     return message.starts_with('[') && end != std::string::npos ? message.substr(end + 2) : message;
 }

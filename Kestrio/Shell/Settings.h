@@ -63,6 +63,8 @@ struct ChoiceCase {
     const char* rawText;
     const char* label;
 };
+template <class Choice>
+ChoiceCase(Choice, const char*, const char*) -> ChoiceCase<Choice>;
 
 /// Specialised for each choice: its cases, in order.
 template <class Choice>

@@ -20,6 +20,13 @@ TemporaryFolder::~TemporaryFolder() {
     std::filesystem::remove_all(path_, ignored);
 }
 
+std::filesystem::path TemporaryFolder::write(const std::filesystem::path& relative, const std::string& text) const {
+    auto file = path_ / relative;
+    std::filesystem::create_directories(file.parent_path());
+    writeFile(file, text);
+    return file;
+}
+
 std::string fileText(const std::filesystem::path& file) {
     std::ifstream stream(file, std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};

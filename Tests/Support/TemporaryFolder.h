@@ -15,6 +15,9 @@ public:
 
     const std::filesystem::path& path() const { return path_; }
 
+    /// Writes a file below the folder, making the folders on the way.
+    std::filesystem::path write(const std::filesystem::path& relative, const std::string& text) const;
+
 private:
     std::filesystem::path path_;
 };

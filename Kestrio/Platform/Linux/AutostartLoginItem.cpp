@@ -87,8 +87,8 @@ bool isEnabledEntry(std::string_view desktopEntry) {
     return keys.contains("Exec") && !is("Hidden", "true") && !is("X-GNOME-Autostart-enabled", "false");
 }
 
-AutostartLoginItem::AutostartLoginItem(fs::path folder, fs::path program)
-    : file_(std::move(folder) / "kestrio.desktop"), program_(std::move(program)) {}
+AutostartLoginItem::AutostartLoginItem(const fs::path& folder, fs::path program)
+    : file_(folder / "kestrio.desktop"), program_(std::move(program)) {}
 
 bool AutostartLoginItem::isEnabled() const {
     return isEnabledEntry(read(file_));

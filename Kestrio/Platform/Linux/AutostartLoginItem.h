@@ -14,7 +14,7 @@ namespace kestrio {
 class AutostartLoginItem final : public LoginItem {
 public:
     /// The folder is made when needed. The program is an absolute path.
-    AutostartLoginItem(std::filesystem::path folder, std::filesystem::path program);
+    AutostartLoginItem(const std::filesystem::path& folder, std::filesystem::path program);
 
     bool isEnabled() const override;
     std::optional<std::string> enable() override;

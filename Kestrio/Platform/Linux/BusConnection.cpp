@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <poll.h>
 #include <sdbus-c++/sdbus-c++.h>
+#include <vector>
 
 namespace kestrio {
 namespace {
@@ -25,8 +26,18 @@ struct BusConnection::State : std::enable_shared_from_this<State> {
     void armTimeout();
     void die();
 
+    struct Match {
+        sdbus::Slot slot;
+        // A rule that was dropped while the bus is being served goes only after that, since it may be its own receiver
+        // that dropped it.
+        std::shared_ptr<bool> wanted;
+    };
+
+    void removeUnwantedMatches();
+
     LoopQueue& queue;
     std::unique_ptr<sdbus::IConnection> bus;
+    std::vector<Match> matches; // after the bus, so that they go first
     bool alive = true;
     bool draining = false;
     bool drainAsked = false;
@@ -71,6 +82,7 @@ BusConnection::~BusConnection() {
     state_->watch.cancel();
     state_->timeout.cancel();
     // Work on the queue may still hold the state; the connection itself closes now.
+    state_->matches.clear();
     state_->bus.reset();
 }
 
@@ -98,25 +110,25 @@ bool BusConnection::perform(const std::function<void(sdbus::IConnection&)>& work
 
 std::optional<Subscription> BusConnection::match(const std::string& rule,
                                                  std::function<void(sdbus::Message&)> receiver) {
-    auto guarded = [receiver = std::move(receiver)](sdbus::Message& message) {
+    const auto wanted = std::make_shared<bool>(true);
+    auto guarded = [receiver = std::move(receiver), wanted](sdbus::Message& message) {
         try {
-            receiver(message);
+            if (*wanted)
+                receiver(message);
         } catch (const sdbus::Error&) {
             // A message of another shape than its interface promises is nobody's news.
         }
     };
-    const auto slot = std::make_shared<sdbus::Slot>();
-    if (!perform([&](sdbus::IConnection& bus) { *slot = bus.addMatch(rule, guarded); }))
+    const bool taken = perform([&](sdbus::IConnection& bus) {
+        state_->matches.push_back({bus.addMatch(rule, guarded), wanted});
+    });
+    if (!taken)
         return std::nullopt;
-    return Subscription([slot, weak = std::weak_ptr(state_)] {
+    return Subscription([wanted, weak = std::weak_ptr(state_)] {
+        *wanted = false;
         const auto state = weak.lock();
-        if (!state || !state->bus) {
-            // The bus library counts references; the slot goes together with what is left of the connection.
-            slot->reset();
-            return;
-        }
-        slot->reset();
-        state->drainSoon();
+        if (state && state->alive)
+            state->drainSoon();
     });
 }
 
@@ -147,6 +159,7 @@ void BusConnection::State::drain() {
     // Not within itself: a callback that calls leaves what arrived meanwhile to the drain that runs it.
     if (!alive || draining)
         return;
+    removeUnwantedMatches();
     draining = true;
     try {
         while (alive && bus->processPendingRequest()) {
@@ -158,6 +171,10 @@ void BusConnection::State::drain() {
         draining = false;
         die();
     }
+}
+
+void BusConnection::State::removeUnwantedMatches() {
+    std::erase_if(matches, [](const Match& match) { return !*match.wanted; });
 }
 
 void BusConnection::State::armTimeout() {

@@ -47,8 +47,8 @@ public:
     /// For making proxies and objects, which are dropped before this. Everything that sends goes through `perform`.
     sdbus::IConnection& connection();
 
-    /// Runs work that calls or sends, and sees to what it left behind. False when it failed: an error of the other side,
-    /// a deadline, a dead bus.
+    /// Runs work that calls or sends, and sees to what it left behind. False when it failed: an error of the other
+    /// side, a deadline, a dead bus.
     bool perform(const std::function<void(sdbus::IConnection&)>& work);
 
     /// Calls `receiver` for each message of this rule until the token is dropped. Absent when the bus didn't take the

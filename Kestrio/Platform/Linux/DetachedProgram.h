@@ -1,0 +1,14 @@
+// Starting a program that is none of our business afterwards.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace kestrio {
+
+/// Starts the program with its arguments in a session of its own, without our descriptors, signals and standard
+/// streams; it leaves no zombie. The first argument is looked up in $PATH. False when it cannot be started. Blocks for
+/// a few milliseconds; any thread.
+bool startDetached(const std::vector<std::string>& arguments);
+
+} // namespace kestrio

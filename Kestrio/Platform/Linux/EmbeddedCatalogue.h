@@ -1,0 +1,13 @@
+// The texts of `Catalogue/*.tsv`; the definitions are written at build time.
+#pragma once
+
+#include <string_view>
+
+namespace kestrio::embedded {
+
+extern const std::string_view applications;
+extern const std::string_view lockScreens;
+extern const std::string_view prompts;
+extern const std::string_view essentials;
+
+} // namespace kestrio::embedded

@@ -1,0 +1,240 @@
+#include "Programs/Agent/Agent.h"
+
+#include "Kestrio/Activity/Database.h"
+#include "Kestrio/Base/Log.h"
+#include "Kestrio/Base/Mistake.h"
+#include "Kestrio/Link/BackgroundClient.h"
+#include "Kestrio/Link/BackgroundService.h"
+#include "Kestrio/Link/LocalBackground.h"
+#include "Kestrio/Platform/Linux/AutostartLoginItem.h"
+#include "Kestrio/Platform/Linux/BusConnection.h"
+#include "Kestrio/Platform/Linux/DetachedProgram.h"
+#include "Kestrio/Platform/Linux/FileKeyValueStore.h"
+#include "Kestrio/Platform/Linux/SingleInstance.h"
+#include "Kestrio/Shell/AppInfo.h"
+#include "Kestrio/Shell/AppModel.h"
+#include "Kestrio/Shell/Launch.h"
+#include "Kestrio/Shell/Settings.h"
+#include "Programs/Agent/HostDesktop.h"
+
+#include <csignal>
+#include <cstdio>
+#include <malloc.h>
+#include <sys/signalfd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace kestrio {
+namespace {
+
+namespace fs = std::filesystem;
+
+void say(const std::string& text) {
+    std::fprintf(stderr, "kestrio: %s\n", text.c_str());
+}
+
+fs::path ownProgram() {
+    std::error_code ignored;
+    return fs::read_symlink("/proc/self/exe", ignored);
+}
+
+/// Signals that end the program arrive as readable data on the main queue, never in the middle of anything. Every
+/// thread made later inherits that they are blocked.
+class EndingSignals {
+public:
+    EndingSignals() {
+        sigemptyset(&signals_);
+        for (const int signal : {SIGTERM, SIGINT, SIGHUP})
+            sigaddset(&signals_, signal);
+        pthread_sigmask(SIG_BLOCK, &signals_, nullptr);
+        std::signal(SIGPIPE, SIG_IGN); // a reader that goes away is an error of that write, no more
+        descriptor_ = signalfd(-1, &signals_, SFD_CLOEXEC | SFD_NONBLOCK);
+        if (descriptor_ < 0)
+            programmersMistake("no descriptor left for signals");
+    }
+    ~EndingSignals() { close(descriptor_); }
+    EndingSignals(const EndingSignals&) = delete;
+    EndingSignals& operator=(const EndingSignals&) = delete;
+
+    Subscription observe(LoopQueue& queue, std::function<void()> ended) {
+        return queue.watch(descriptor_, [this, ended = std::move(ended)] {
+            signalfd_siginfo info{};
+            while (read(descriptor_, &info, sizeof info) == sizeof info)
+                ended();
+        });
+    }
+
+private:
+    sigset_t signals_{};
+    int descriptor_ = -1;
+};
+
+class Agent {
+public:
+    Agent(const Locations& locations, const AgentOptions& options) : locations_(locations), options_(options) {}
+
+    int run() {
+        registerDefaults();
+        dataFolder_ = Database::directory(locations_.data);
+        if (const auto status = refuseSecondCopy())
+            return *status;
+        if (!openDatabase())
+            return 1;
+        connectReaders();
+        monitor_.emplace(ActivityMonitor::Host{clock_, monitorQueue_, desktop_->workspace, desktop_->windowTitles,
+                                               desktop_->inputIdle, desktop_->sessionEvents, settings_},
+                         *database_, HostDesktop::hostApplications(), ActivityMonitor::Collaborators());
+        const auto program = ownProgram();
+        loginItem_.emplace(locations_.autostartFolder(), program);
+        model_.emplace(AppModel::Parts{clock_, main_, *monitor_, settings_, *loginItem_, isInstalledCopy(program)});
+        background_.emplace(*model_,
+                            LocalBackground::Facts{AppInfo::version(), getpid(), dataFolder_.string(), clock_.now()},
+                            [this] { return openDashboard(); });
+        if (!offerOnBus())
+            return 0;
+        const auto signals = signals_.observe(main_, [this] { endBySignal(); });
+        if (options_.onChange)
+            changes_ = background_->observe(options_.onChange);
+        model_->start();
+        if (isLaunchedByUser())
+            openDashboard();
+        giveBackMemory_ = main_.after(Seconds(10), [] { malloc_trim(0); });
+        main_.run();
+        return 0;
+    }
+
+    ~Agent() {
+        changes_.cancel();
+        service_.reset();
+        background_.reset();
+        model_.reset();
+        monitor_.reset();
+        monitorQueue_.sync([this] { desktop_.reset(); });
+    }
+    Agent(const Agent&) = delete;
+    Agent& operator=(const Agent&) = delete;
+
+private:
+    void registerDefaults() {
+        std::error_code ignored;
+        std::optional<FileKeyValueStore> old;
+        if (fs::exists(locations_.timeweftSettingsFile(), ignored))
+            old.emplace(locations_.timeweftSettingsFile());
+        AppSettings::registerDefaults(settings_, old ? &*old : nullptr, bundleIdentifier);
+    }
+
+    /// The exit status when another agent runs, or nobody can tell whether one does.
+    std::optional<int> refuseSecondCopy() {
+        auto answer = SingleInstance::acquire(dataFolder_);
+        if (auto* held = std::get_if<SingleInstance>(&answer)) {
+            instance_.emplace(std::move(*held));
+            return std::nullopt;
+        }
+        if (const auto* failed = std::get_if<SingleInstance::Failed>(&answer)) {
+            say(failed->reason);
+            return 1;
+        }
+        const auto process = std::get<SingleInstance::Taken>(answer).processIdentifier;
+        say("Kestrio is already running" + (process ? " (process " + std::to_string(*process) + ")." : "."));
+        if (!options_.isLoginItem && !options_.onChange)
+            if (const auto address = BusConnection::address(BusConnection::Bus::session))
+                if (const auto running = BackgroundClient::connect(*address))
+                    running->openDashboard();
+        return 0;
+    }
+
+    bool openDatabase() {
+        try {
+            database_.emplace(dataFolder_ / Database::fileName, databaseQueue_);
+            return true;
+        } catch (const DatabaseError& error) {
+            say((dataFolder_ / Database::fileName).string() + ": " + error.what());
+            return false;
+        }
+    }
+
+    void connectReaders() {
+        monitorQueue_.sync(
+            [this] { desktop_ = std::make_unique<HostDesktop>(monitorQueue_, clock_, processEnvironment); });
+    }
+
+    /// False when another agent of this session has the name already; this one then leaves it alone.
+    bool offerOnBus() {
+        sessionBus_ = BusConnection::open(main_, BusConnection::Bus::session);
+        if (!sessionBus_)
+            return true; // the lock in the data folder is guard enough
+        sessionBus_->onDeath([this] {
+            // The person's session is over, and this program with it.
+            endBySignal();
+        });
+        service_ = BackgroundService::offer(
+            sessionBus_->connection(), [this](const auto& work) { return sessionBus_->perform(work); }, *background_);
+        if (service_ || !sessionBus_->isAlive())
+            return true;
+        say("Kestrio is already running in this session, with its data elsewhere.");
+        return false;
+    }
+
+    bool isLaunchedByUser() {
+        if (options_.onChange)
+            return false; // in the foreground of a terminal
+        const auto sessionStart = monitorQueue_.sync([this] { return desktop_->sessionEvents.sessionStart(); });
+        return !isLoginLaunch(options_.isLoginItem, sessionStart, clock_.now(), clock_.uptime());
+    }
+
+    static bool isInstalledCopy(const fs::path& program) {
+        return isInstalled(program, processEnvironment("HOME").value_or(""));
+    }
+
+    Background::Failure openDashboard() {
+        const auto window = ownProgram().parent_path() / "kestrio-window";
+        std::error_code ignored;
+        if (!fs::exists(window, ignored))
+            return "the dashboard is not part of this installation";
+        if (!startDetached({window.string()}))
+            return "the dashboard could not be started";
+        return std::nullopt;
+    }
+
+    /// The path without promise of time: what is open is saved first.
+    void endBySignal() {
+        if (monitor_)
+            monitor_->stop();
+        main_.stop();
+    }
+
+    const Locations locations_;
+    const AgentOptions options_;
+    const SystemClock clock_;
+    EndingSignals signals_; // before any thread
+    MainQueue main_;
+    FileKeyValueStore settings_{locations_.settingsFile(), &main_};
+    fs::path dataFolder_;
+    std::optional<SingleInstance> instance_;
+    WorkerQueue databaseQueue_{"Kestrio.database"};
+    std::optional<Database> database_;
+    WorkerQueue monitorQueue_{"Kestrio.monitor"};
+    std::unique_ptr<HostDesktop> desktop_; // on the monitor queue
+    std::optional<ActivityMonitor> monitor_;
+    std::optional<AutostartLoginItem> loginItem_;
+    std::optional<AppModel> model_;
+    std::optional<LocalBackground> background_;
+    std::unique_ptr<BusConnection> sessionBus_;
+    std::unique_ptr<BackgroundService> service_;
+    Subscription changes_;
+    Subscription giveBackMemory_;
+};
+
+} // namespace
+
+int runAgent(const AgentOptions& options) {
+    umask(077); // whatever is made here is nobody else's business
+    const auto places = locations(processEnvironment);
+    if (!places) {
+        say("neither KESTRIO_HOME nor HOME is set to a folder; there is no place to keep anything.");
+        return 1;
+    }
+    return Agent(*places, options).run();
+}
+
+} // namespace kestrio
