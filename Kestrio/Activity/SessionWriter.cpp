@@ -68,7 +68,7 @@ std::vector<ActivitySession> SessionWriter::sessions(DateInterval range, std::in
             continue;
         }
         const auto row = std::find_if(found.begin(), found.end(),
-                                      [&](const ActivitySession& stored) { return stored.id == *session.rowID; });
+                                      [id = *session.rowID](const ActivitySession& stored) { return stored.id == id; });
         if (row != found.end())
             row->end = write.end;
     }

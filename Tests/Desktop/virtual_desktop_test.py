@@ -114,6 +114,15 @@ class VirtualDesktop(unittest.TestCase):
     def test_input_and_output_are_the_commands(self):
         self.assertEqual(self.run_tool("tr", "a-z", "A-Z", input="hello").stdout, "HELLO")
 
+    def test_the_command_starts_with_the_signals_as_they_are_outside(self):
+        look = ["grep", "Sig[BI]", "/proc/self/status"]
+        outside = subprocess.run(look, capture_output=True, text=True).stdout
+        self.assertEqual(self.run_tool(*look).stdout, outside)
+
+    def test_a_long_tmpdir_does_not_matter(self):
+        with tempfile.TemporaryDirectory(suffix="x" * 120) as folder:
+            self.assertEqual(self.run_tool("true", env=os.environ | {"TMPDIR": folder}).returncode, 0)
+
     def test_every_service_answers_when_the_command_starts(self):
         script = """
             xprop -root _NET_SUPPORTING_WM_CHECK | grep -q 'window id' && echo window manager
