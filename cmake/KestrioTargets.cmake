@@ -2,6 +2,10 @@
 
 add_library(KestrioOptions INTERFACE)
 target_compile_options(KestrioOptions INTERFACE -Wall -Wextra -Wconversion -Wshadow)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+    # False alarms at the joining of texts: https://gcc.gnu.org/bugzilla/show_bug.cgi?id=105651
+    target_compile_options(KestrioOptions INTERFACE -Wno-restrict)
+endif()
 if(KESTRIO_WERROR)
     target_compile_options(KestrioOptions INTERFACE -Werror)
 endif()
