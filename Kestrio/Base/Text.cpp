@@ -108,6 +108,20 @@ bool bytesAreCharacters(std::string_view text) {
     return isASCII(text) && text.find('\r') == std::string_view::npos;
 }
 
+std::size_t columnsOf(UChar32 c) {
+    if (c < 0)
+        return 1;
+    switch (u_charType(c)) {
+    case U_NON_SPACING_MARK:
+    case U_ENCLOSING_MARK:
+    case U_FORMAT_CHAR:
+    case U_CONTROL_CHAR: return 0;
+    default: break;
+    }
+    const auto width = u_getIntPropertyValue(c, UCHAR_EAST_ASIAN_WIDTH);
+    return width == U_EA_WIDE || width == U_EA_FULLWIDTH ? 2 : 1;
+}
+
 } // namespace
 
 bool equivalent(std::string_view a, std::string_view b) {
@@ -214,6 +228,32 @@ std::string_view trimmed(std::string_view text) {
         at += bytes.size();
     });
     return first ? text.substr(*first, end - *first) : std::string_view();
+}
+
+std::size_t columns(std::string_view text) {
+    std::size_t total = 0;
+    forEachCodePoint(text, [&](UChar32 c, std::string_view) { total += columnsOf(c); });
+    return total;
+}
+
+std::string fittedToColumns(std::string_view text, std::size_t most) {
+    std::string harmless;
+    forEachCodePoint(withoutInvisibleMarks(text), [&](UChar32 c, std::string_view bytes) {
+        harmless += c < 0 ? "\uFFFD" : u_charType(c) == U_CONTROL_CHAR ? " " : bytes;
+    });
+    if (columns(harmless) <= most)
+        return harmless;
+    if (most == 0)
+        return {};
+    std::string_view kept;
+    forEachCharacterEnd(harmless, [&](std::size_t end) {
+        const auto longer = std::string_view(harmless).substr(0, end);
+        const bool fits = columns(longer) < most; // with one left for the ellipsis
+        if (fits)
+            kept = longer;
+        return fits;
+    });
+    return std::string(kept) + "…";
 }
 
 } // namespace kestrio::text

@@ -45,4 +45,11 @@ std::string fromUntrustedBytes(std::string_view bytes);
 /// The part of the text between white space at both ends, by the Unicode property. Points into the argument.
 std::string_view trimmed(std::string_view text);
 
+/// How many columns a terminal needs for the text: none for marks, two for the wide characters of East Asia and emoji.
+std::size_t columns(std::string_view text);
+
+/// The text in at most so many columns, with "…" at the end where something was cut, and with nothing in it that a
+/// terminal would obey: control characters become blanks, direction marks go.
+std::string fittedToColumns(std::string_view text, std::size_t most);
+
 } // namespace kestrio::text

@@ -72,34 +72,34 @@ struct ChoiceCases;
 
 template <>
 struct ChoiceCases<SystemMenuStyle> {
-    static constexpr std::array cases{
-        ChoiceCase{SystemMenuStyle::iconAndPercent, "iconAndPercent", "Icon and CPU %"},
-        ChoiceCase{SystemMenuStyle::icon, "icon", "Icon only"},
-        ChoiceCase{SystemMenuStyle::percent, "percent", "CPU % only"},
-        ChoiceCase{SystemMenuStyle::hidden, "hidden", "Hidden"},
-    };
+    static constexpr auto cases = std::to_array<ChoiceCase<SystemMenuStyle>>({
+        {SystemMenuStyle::iconAndPercent, "iconAndPercent", "Icon and CPU %"},
+        {SystemMenuStyle::icon, "icon", "Icon only"},
+        {SystemMenuStyle::percent, "percent", "CPU % only"},
+        {SystemMenuStyle::hidden, "hidden", "Hidden"},
+    });
 };
 
 template <>
 struct ChoiceCases<AppearanceMode> {
-    static constexpr std::array cases{
-        ChoiceCase{AppearanceMode::system, "system", "Match System"},
-        ChoiceCase{AppearanceMode::light, "light", "Light"},
-        ChoiceCase{AppearanceMode::dark, "dark", "Dark"},
-    };
+    static constexpr auto cases = std::to_array<ChoiceCase<AppearanceMode>>({
+        {AppearanceMode::system, "system", "Match System"},
+        {AppearanceMode::light, "light", "Light"},
+        {AppearanceMode::dark, "dark", "Dark"},
+    });
 };
 
 template <>
 struct ChoiceCases<SettingsTab> {
-    static constexpr std::array cases{
-        ChoiceCase{SettingsTab::general, "general", "General"},
-        ChoiceCase{SettingsTab::categories, "categories", "Categories"},
-        ChoiceCase{SettingsTab::projects, "projects", "Projects"},
-        ChoiceCase{SettingsTab::optimization, "optimization", "Optimization"},
-        ChoiceCase{SettingsTab::permissions, "permissions", "Permissions"},
-        ChoiceCase{SettingsTab::data, "data", "Data"},
-        ChoiceCase{SettingsTab::about, "about", "About"},
-    };
+    static constexpr auto cases = std::to_array<ChoiceCase<SettingsTab>>({
+        {SettingsTab::general, "general", "General"},
+        {SettingsTab::categories, "categories", "Categories"},
+        {SettingsTab::projects, "projects", "Projects"},
+        {SettingsTab::optimization, "optimization", "Optimization"},
+        {SettingsTab::permissions, "permissions", "Permissions"},
+        {SettingsTab::data, "data", "Data"},
+        {SettingsTab::about, "about", "About"},
+    });
 };
 
 /// All cases, in order.

@@ -1,5 +1,6 @@
 #include "Tests/Support/VirtualDisplay.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdlib>
@@ -44,19 +45,52 @@ std::vector<char*> pointers(std::vector<std::string>& texts) {
     return result;
 }
 
-/// Whether a window manager has put its mark on the root window.
-bool isManaged(xcb_connection_t* xcb) {
-    constexpr char name[] = "_NET_SUPPORTING_WM_CHECK";
+/// The windows that a window manager says it manages.
+std::vector<xcb_window_t> managedWindows(xcb_connection_t* xcb, xcb_window_t root) {
+    constexpr char name[] = "_NET_CLIENT_LIST";
+    std::vector<xcb_window_t> windows;
     auto* atom = xcb_intern_atom_reply(xcb, xcb_intern_atom(xcb, 0, sizeof name - 1, name), nullptr);
     if (!atom)
-        return false;
-    const auto root = xcb_setup_roots_iterator(xcb_get_setup(xcb)).data->root;
-    auto* property = xcb_get_property_reply(
-        xcb, xcb_get_property(xcb, 0, root, atom->atom, XCB_GET_PROPERTY_TYPE_ANY, 0, 1), nullptr);
-    const bool result = property && xcb_get_property_value_length(property) > 0;
+        return windows;
+    auto* property =
+        xcb_get_property_reply(xcb, xcb_get_property(xcb, 0, root, atom->atom, XCB_ATOM_WINDOW, 0, 1024), nullptr);
+    if (property) {
+        const auto* first = static_cast<const xcb_window_t*>(xcb_get_property_value(property));
+        windows.assign(first, first + xcb_get_property_value_length(property) / 4);
+    }
     std::free(atom);
     std::free(property);
-    return result;
+    return windows;
+}
+
+/// Polls, for `limit` at most.
+template <class Condition>
+bool comesTrue(std::chrono::milliseconds limit, Condition condition) {
+    const auto deadline = std::chrono::steady_clock::now() + limit;
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() >= deadline)
+            return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+    return true;
+}
+
+/// A window that is mapped while the window manager is still starting may be overlooked by it for ever. So its word
+/// that it is there is not enough: it manages when it takes up a window of ours.
+bool manages(xcb_connection_t* xcb) {
+    const auto root = xcb_setup_roots_iterator(xcb_get_setup(xcb)).data->root;
+    const auto window = xcb_generate_id(xcb);
+    xcb_create_window(xcb, XCB_COPY_FROM_PARENT, window, root, 0, 0, 10, 10, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+                      XCB_COPY_FROM_PARENT, 0, nullptr);
+    xcb_map_window(xcb, window);
+    const auto isListed = [&] {
+        const auto windows = managedWindows(xcb, root);
+        return std::find(windows.begin(), windows.end(), window) != windows.end();
+    };
+    const bool taken = comesTrue(std::chrono::milliseconds(100), isListed);
+    xcb_destroy_window(xcb, window);
+    xcb_flush(xcb);
+    return taken && comesTrue(patience, [&] { return !isListed(); });
 }
 
 } // namespace
@@ -151,13 +185,7 @@ bool VirtualDisplay::startServer(std::vector<std::string> arguments) {
 bool VirtualDisplay::startWindowManager() {
     windowManager_ = start({"openbox", "--sm-disable"});
     auto* xcb = xcb_connect(name_.c_str(), nullptr);
-    const auto deadline = std::chrono::steady_clock::now() + patience;
-    bool found = false;
-    while (!xcb_connection_has_error(xcb) && !found && std::chrono::steady_clock::now() < deadline) {
-        found = isManaged(xcb);
-        if (!found)
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
+    const bool found = !xcb_connection_has_error(xcb) && comesTrue(patience, [&] { return manages(xcb); });
     xcb_disconnect(xcb);
     return found;
 }

@@ -108,16 +108,17 @@ bool saysOK(const Descriptor& descriptor, Uptime deadline) {
 
 } // namespace
 
-bool busAnswers(const std::string& addresses, Seconds deadline) {
+std::optional<std::string> answeringBus(const std::string& addresses, Seconds deadline) {
     const auto end = SystemClock().uptime() + deadline;
     std::string_view rest(addresses);
     while (!rest.empty()) {
-        const auto name = socketName(takeUntil(rest, ';'));
+        const auto address = takeUntil(rest, ';');
+        const auto name = socketName(address);
         const auto descriptor = name ? connectedTo(*name) : Descriptor();
         if (descriptor && saysOK(descriptor, end))
-            return true;
+            return std::string(address);
     }
-    return false;
+    return std::nullopt;
 }
 
 } // namespace kestrio

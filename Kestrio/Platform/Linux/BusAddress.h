@@ -6,12 +6,14 @@
 
 #include "Kestrio/Base/Date.h"
 
+#include <optional>
 #include <string>
 
 namespace kestrio {
 
-/// Whether one of the addresses (separated by semicolons, as in `DBUS_SESSION_BUS_ADDRESS`) lets us in. Addresses that
-/// are not local sockets are not tried and count as no answer: a program of one person on one computer has none.
-bool busAnswers(const std::string& addresses, Seconds deadline);
+/// The first of the addresses (separated by semicolons, as in `DBUS_SESSION_BUS_ADDRESS`) that lets us in. Absent when
+/// none does within the deadline, which is for all of them together. Addresses that are not local sockets are not
+/// tried: a program of one person on one computer has none.
+std::optional<std::string> answeringBus(const std::string& addresses, Seconds deadline);
 
 } // namespace kestrio

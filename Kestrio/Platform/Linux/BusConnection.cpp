@@ -56,11 +56,12 @@ std::optional<std::string> BusConnection::address(Bus bus) {
 }
 
 std::unique_ptr<BusConnection> BusConnection::open(LoopQueue& queue, const std::string& address) {
-    if (!busAnswers(address, callDeadline))
+    const auto answering = answeringBus(address, callDeadline);
+    if (!answering)
         return nullptr;
     const auto state = std::make_shared<State>(queue);
     try {
-        state->bus = sdbus::createSessionBusConnectionWithAddress(address);
+        state->bus = sdbus::createSessionBusConnectionWithAddress(*answering);
         state->bus->setMethodCallTimeout(std::chrono::duration_cast<std::chrono::microseconds>(callDeadline));
         state->begin();
     } catch (const sdbus::Error&) {

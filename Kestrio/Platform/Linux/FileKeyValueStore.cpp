@@ -293,7 +293,6 @@ void FileKeyValueStore::State::noteChanges() {
 std::optional<Announcement> FileKeyValueStore::State::takeAnnouncement() {
     std::vector<std::string> keys(changed.begin(), changed.end());
     changed.clear();
-    std::erase_if(observers, [](const auto& observer) { return !observer->active; });
     if (keys.empty() || observers.empty())
         return std::nullopt;
     Announcement announcement{std::move(keys), observers};
@@ -469,7 +468,13 @@ Subscription FileKeyValueStore::observe(std::function<void(const std::string& ke
     state_->takeAnnouncement(); // what changed before is for the earlier observers
     state_->changed.clear();
     state_->observers.push_back(observer);
-    return Subscription([observer] { observer->active = false; });
+    return Subscription([observer, weak = std::weak_ptr(state_)] {
+        observer->active = false;
+        if (const auto state = weak.lock()) {
+            const std::lock_guard guarding(state->mutex);
+            std::erase(state->observers, observer);
+        }
+    });
 }
 
 } // namespace kestrio

@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <ctime>
-#include <limits>
 #include <sys/timerfd.h>
 #include <unistd.h>
 #include <utility>
@@ -37,9 +36,10 @@ SuspendWatch::SuspendWatch(LoopQueue& queue, std::function<void()> report)
 }
 
 bool SuspendWatch::arm() const {
-    // A timer that never fires: only its being called off, because the clock was set, is of interest.
+    // A timer that never fires (in the year 2255): only its being called off, because the clock was set, is of
+    // interest.
     itimerspec never{};
-    never.it_value.tv_sec = std::numeric_limits<std::int32_t>::max();
+    never.it_value.tv_sec = 9'000'000'000;
     constexpr int onSet = TFD_TIMER_ABSTIME | TFD_TIMER_CANCEL_ON_SET;
     return timerfd_settime(timer_.number(), onSet, &never, nullptr) == 0;
 }

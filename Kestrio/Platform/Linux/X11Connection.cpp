@@ -8,6 +8,7 @@
 #include <pthread.h>
 #include <signal.h>
 #include <string_view>
+#include <system_error>
 #include <thread>
 #include <utility>
 #include <xcb/dpms.h>
@@ -113,6 +114,17 @@ struct X11Connection::Attempt {
     bool isFinished = false;
     std::unique_ptr<X11Server> server;
 
+    /// Null when there is no thread to be had.
+    static std::shared_ptr<Attempt> start(const std::string& display) {
+        auto attempt = std::make_shared<Attempt>();
+        try {
+            std::thread([attempt, display] { run(attempt, display); }).detach();
+        } catch (const std::system_error&) {
+            return nullptr;
+        }
+        return attempt;
+    }
+
     static void run(const std::shared_ptr<Attempt>& attempt, const std::string& display) {
         sigset_t all;
         sigfillset(&all);
@@ -179,7 +191,9 @@ void* X11Connection::await(unsigned sequence) {
             return reply;
         }
         const auto left = deadline_ - clock_.uptime();
-        if (left <= Seconds(0) || !isReadable(left))
+        if (left > Seconds(0))
+            isReadable(left); // a signal may cut it short
+        else
             stalled_ = true;
     }
     xcb_discard_reply(server_->xcb, sequence);
@@ -195,8 +209,9 @@ void X11Connection::connectIfDue() {
         if (lastAttempt_ && now - *lastAttempt_ < betweenAttempts)
             return;
         lastAttempt_ = now;
-        attempt_ = std::make_shared<Attempt>();
-        std::thread([attempt = attempt_, display = display_] { Attempt::run(attempt, display); }).detach();
+        attempt_ = Attempt::start(display_);
+        if (!attempt_)
+            return;
     }
     std::unique_lock guard(attempt_->mutex);
     // Whoever starts an attempt waits for it; an attempt that outlasted this is only looked at.

@@ -83,6 +83,9 @@ public:
     /// The server, answering or not; null while there is none. Connects to nothing.
     const X11Server* server() const { return server_.get(); }
 
+    /// Whether there is a server that does not answer at the moment.
+    bool isSilent() const { return server_ && !answers(); }
+
     /// `receiver` sees each event of the server, as soon as it is read, possibly in the middle of somebody's operation:
     /// it may note what it saw and put work on the queue, and asks nothing of the server itself.
     Subscription observeEvents(std::function<void(const xcb_generic_event_t&)> receiver);

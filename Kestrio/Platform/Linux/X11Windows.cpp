@@ -50,6 +50,10 @@ bool contains(std::span<const std::uint32_t> words, std::uint32_t word) {
     return std::find(words.begin(), words.end(), word) != words.end();
 }
 
+bool has(const std::vector<X11Window>& windows, xcb_window_t id) {
+    return std::any_of(windows.begin(), windows.end(), [id](const X11Window& window) { return window.id == id; });
+}
+
 void select(xcb_connection_t* xcb, xcb_window_t window, std::uint32_t events) {
     xcb_change_window_attributes(xcb, window, XCB_CW_EVENT_MASK, &events);
 }
@@ -209,6 +213,7 @@ void X11Windows::forget() {
     managerStale_ = activeStale_ = detailsStale_ = managedStale_ = true;
     manager_.reset();
     current_ = focus_ = focusTop_ = 0;
+    isUnmapped_ = false;
     active_.reset();
     title_.reset();
     managed_.clear();
@@ -226,12 +231,22 @@ void X11Windows::note(const xcb_generic_event_t& event) {
     const auto type = event.response_type & 0x7F;
     if (type == XCB_PROPERTY_NOTIFY) {
         noteProperty(reinterpret_cast<const xcb_property_notify_event_t&>(event));
+    } else if (type == XCB_UNMAP_NOTIFY || type == XCB_MAP_NOTIFY) {
+        // Both have the window in the same place.
+        if (reinterpret_cast<const xcb_unmap_notify_event_t&>(event).window != current_)
+            return;
+        isUnmapped_ = type == XCB_UNMAP_NOTIFY;
+        detailsStale_ = true;
+        followSoon();
     } else if (type == XCB_DESTROY_NOTIFY) {
         const auto window = reinterpret_cast<const xcb_destroy_notify_event_t&>(event).window;
-        if (window == manager_) {
+        if (window == manager_)
             managerStale_ = true;
-            followSoon();
-        }
+        else if (window == current_)
+            activeStale_ = detailsStale_ = true; // not every window manager takes back what it said of the last one
+        else
+            return;
+        followSoon();
     }
 }
 
@@ -240,14 +255,18 @@ void X11Windows::noteProperty(const xcb_property_notify_event_t& event) {
     if (!server)
         return;
     const auto& atoms = server->atoms;
+    if (event.atom == atoms.netSupportingWmCheck) {
+        managerStale_ = true;
+        followSoon();
+        return;
+    }
     if (event.window == server->root) {
         if (event.atom == atoms.netActiveWindow)
             activeStale_ = true;
-        else if (event.atom == atoms.netClientList)
+        else if (event.atom == atoms.netClientList) {
             managedStale_ = true;
-        else if (event.atom == atoms.netSupportingWmCheck)
-            managerStale_ = true;
-        else
+            detailsStale_ |= isUnmapped_;
+        } else
             return;
         followSoon();
         return;
@@ -294,12 +313,11 @@ std::optional<X11Window> X11Windows::active() {
     return operation ? active_ : std::nullopt;
 }
 
-const std::vector<X11Window>& X11Windows::managed() {
-    static const std::vector<X11Window> none;
+const std::vector<X11Window>* X11Windows::managed() {
     Operation operation(connection_);
     if (operation)
         refreshManaged(operation);
-    return operation ? managed_ : none;
+    return operation ? &managed_ : nullptr;
 }
 
 bool X11Windows::hasServer() {
@@ -319,7 +337,8 @@ void X11Windows::refreshManager(Operation& operation) {
         operation.reply<xcb_get_property_reply_t>(ask(xcb, server.root, server.atoms.netSupportingWmCheck, 1));
     std::optional<xcb_window_t> manager = firstWord(named);
     if (operation && manager) {
-        select(xcb, *manager, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+        // One that is just starting names its window on the root window first.
+        select(xcb, *manager, XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
         const Property itself =
             operation.reply<xcb_get_property_reply_t>(ask(xcb, *manager, server.atoms.netSupportingWmCheck, 1));
         if (firstWord(itself) != manager)
@@ -392,15 +411,21 @@ void X11Windows::activate(Operation& operation, std::optional<xcb_window_t> wind
     const auto before = std::exchange(current_, window.value_or(0));
     if (before != current_) {
         title_.reset();
+        isUnmapped_ = false;
         if (before != 0)
             select(xcb, before, XCB_EVENT_MASK_NO_EVENT);
         if (current_ != 0)
-            select(xcb, current_, XCB_EVENT_MASK_PROPERTY_CHANGE);
+            select(xcb, current_, XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     }
     detailsStale_ = true;
     std::optional<X11Window> read;
     if (window)
         read = Details(operation, *window).take(operation);
+    if (operation && read && isUnmapped_ && manager_) {
+        refreshManaged(operation);
+        if (!has(managed_, current_)) // withdrawn into a tray, say; one that is only minimised stays listed
+            read.reset();
+    }
     if (!operation)
         return;
     detailsStale_ = false;

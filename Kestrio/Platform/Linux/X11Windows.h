@@ -38,8 +38,9 @@ public:
     /// window of before is the answer until then. Absent too when the server does not answer.
     std::optional<X11Window> active();
 
-    /// The windows under management, the oldest first. Empty without a window manager.
-    const std::vector<X11Window>& managed();
+    /// The windows under management, the oldest first; none without a window manager. Null when there is no server, or
+    /// it does not answer. Holds until the next question.
+    const std::vector<X11Window>* managed();
 
     /// Grows with every change of what `managed` answers.
     std::uint64_t managedVersion() const { return managedVersion_; }
@@ -50,6 +51,9 @@ public:
 
     /// Whether there is a server to ask, answering or not.
     bool hasServer();
+
+    /// Whether there is one that does not answer at the moment.
+    bool isSilent() const { return connection_.isSilent(); }
 
     /// Asks the window manager to close the window, as its own close button does. False when there is none to ask.
     bool close(xcb_window_t window);
@@ -84,6 +88,7 @@ private:
     std::optional<xcb_window_t> manager_; // its check window; absent without a window manager
     bool activeStale_ = true;
     xcb_window_t current_ = 0;        // the one that is active now, 0 for none
+    bool isUnmapped_ = false;         // the current one, since it is that
     bool detailsStale_ = true;        // of the active window
     std::optional<X11Window> active_; // the one that is believed
     xcb_window_t focus_ = 0;          // without a window manager: what had the focus, and its top level

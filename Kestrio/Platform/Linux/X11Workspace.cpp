@@ -11,6 +11,7 @@ namespace kestrio {
 namespace {
 
 constexpr Seconds patienceForEnding{5};
+constexpr Seconds betweenQuestionsToASilentServer{1};
 
 bool isSameProcess(const RunningApplication& a, const RunningApplication& b) {
     if (a.processIdentifier || b.processIdentifier)
@@ -49,12 +50,14 @@ std::optional<RunningApplication> X11Workspace::frontmostApplication() {
     return front_;
 }
 
-const std::vector<RunningApplication>& X11Workspace::running() {
-    const auto& windows = windows_.managed();
+std::vector<RunningApplication> X11Workspace::running() {
+    const auto* windows = windows_.managed();
+    if (!windows)
+        return {};
     if (runningVersion_ == windows_.managedVersion())
         return running_;
     running_.clear();
-    for (const auto& window : windows) {
+    for (const auto& window : *windows) {
         if (!window.isRegular)
             continue;
         if (auto application = applicationOf(window); !has(running_, application))
@@ -80,6 +83,10 @@ Subscription X11Workspace::observe(std::function<void(WorkspaceNotice)> receiver
 void X11Workspace::tellChanges() {
     auto front = frontmostApplication();
     auto applications = running();
+    if (windows_.isSilent()) { // nothing has ended because nobody answers
+        tellingAgain_ = queue_.after(betweenQuestionsToASilentServer, [this] { tellChanges(); });
+        return;
+    }
     const bool isActivated = front != toldFront_;
     const bool isLaunched = hasMore(applications, toldRunning_);
     const bool isTerminated = hasMore(toldRunning_, applications);
@@ -109,7 +116,10 @@ bool X11Workspace::open(const std::string& fileOrAddress) {
 
 bool X11Workspace::terminate(const RunningApplication& application) {
     bool isAsked = false;
-    for (const auto& window : windows_.managed())
+    // By value: what is asked about a window may bring news of all of them.
+    const auto* managed = windows_.managed();
+    const auto windows = managed ? *managed : std::vector<X11Window>();
+    for (const auto& window : windows)
         if (application.processIdentifier ? window.process == application.processIdentifier
                                           : applicationOf(window).bundleIdentifier == application.bundleIdentifier)
             isAsked |= windows_.close(window.id);
@@ -134,8 +144,11 @@ bool X11Workspace::endSoon(pid_t process) {
 
 void X11Workspace::end(pid_t process, std::uint64_t start) {
     std::erase_if(endings_, [&](const Ending& ending) { return ending.process == process && ending.start == start; });
-    const auto& windows = windows_.managed();
-    if (std::any_of(windows.begin(), windows.end(), [&](const auto& window) { return window.process == process; }))
+    const auto* windows = windows_.managed();
+    if (windows &&
+        std::any_of(windows->begin(), windows->end(), [&](const auto& window) { return window.process == process; }))
+        return;
+    if (windows_.isSilent()) // whether it refused cannot be known
         return;
     const auto descriptor = static_cast<int>(syscall(SYS_pidfd_open, process, 0));
     if (descriptor < 0)

@@ -36,7 +36,7 @@ private:
     };
 
     RunningApplication applicationOf(const X11Window& window);
-    const std::vector<RunningApplication>& running();
+    std::vector<RunningApplication> running();
     void tellChanges();
     bool endSoon(pid_t process);
     void end(pid_t process, std::uint64_t start);
@@ -54,6 +54,7 @@ private:
 
     std::optional<RunningApplication> toldFront_;
     std::vector<RunningApplication> toldRunning_;
+    Subscription tellingAgain_;
     std::list<Ending> endings_;
 };
 

@@ -110,6 +110,15 @@ TEST(BusConnection, triesEachOfSeveralAddresses) {
         [&] { return BusConnection::open(queue, "unix:path=/nonexistent/bus;" + bus.address()) != nullptr; }));
 }
 
+TEST(BusConnection, readsEscapesInAnAddress) {
+    WorkerQueue queue("bus");
+    const PrivateBus bus;
+    std::string escaped = "unix:path=";
+    for (const char c : bus.address().substr(std::string("unix:path=").size()))
+        escaped += c == '-' ? std::string("%2D") : std::string(1, c);
+    EXPECT_TRUE(queue.sync([&] { return BusConnection::open(queue, escaped) != nullptr; })) << escaped;
+}
+
 TEST_F(BusConnectionTest, callsAnswer) {
     ASSERT_TRUE(connection);
     EXPECT_TRUE(queue.sync([&] { return ping(); }));

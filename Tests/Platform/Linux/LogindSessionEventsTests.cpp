@@ -6,14 +6,66 @@
 
 #include <algorithm>
 #include <atomic>
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <mutex>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace kestrio {
 namespace {
 
 using Events = std::vector<SessionEvent>;
 using enum SessionEvent;
+
+/// The logind of python3-dbusmock, made by other people: it knows no process's session.
+class StandardMock {
+public:
+    explicit StandardMock(const std::string& address) : bus_(sdbus::createSessionBusConnectionWithAddress(address)) {
+        const pid_t parent = getpid();
+        process_ = fork();
+        if (process_ == 0) {
+            prctl(PR_SET_PDEATHSIG, SIGKILL);
+            if (getppid() != parent)
+                _exit(1);
+            const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC); // it tells of every call
+            dup2(nowhere, STDOUT_FILENO);
+            dup2(nowhere, STDERR_FILENO);
+            setenv("DBUS_SYSTEM_BUS_ADDRESS", address.c_str(), 1);
+            execl("/usr/bin/python3", "python3", "-m", "dbusmock", "--template", "logind", nullptr);
+            _exit(127);
+        }
+    }
+    ~StandardMock() {
+        kill(process_, SIGKILL);
+        waitpid(process_, nullptr, 0);
+    }
+    StandardMock(const StandardMock&) = delete;
+    StandardMock& operator=(const StandardMock&) = delete;
+
+    static bool isInstalled() { return std::system("/usr/bin/python3 -c 'import dbusmock' >/dev/null 2>&1") == 0; }
+
+    template <class... Arguments>
+    bool call(const std::string& path, const std::string& interface, const std::string& method,
+              const Arguments&... arguments) {
+        try {
+            const auto proxy = sdbus::createProxy(*bus_, "org.freedesktop.login1", path);
+            auto message = proxy->createMethodCall(interface, method);
+            (static_cast<void>(message << arguments), ...);
+            proxy->callMethod(message);
+            return true;
+        } catch (const sdbus::Error&) {
+            return false;
+        }
+    }
+
+private:
+    std::unique_ptr<sdbus::IConnection> bus_;
+    pid_t process_ = 0;
+};
 
 /// A screen saver of a desktop, as it speaks on the session bus.
 class MockScreenSaver {
@@ -131,6 +183,31 @@ TEST_F(LogindSessionEventsTest, theMachineWaitsWithSleepingUntilTheHoldIsDropped
     logind->prepareForSleep(true);
     EXPECT_TRUE(hears({willSleep}));
     EXPECT_TRUE(eventually([this] { return logind->delayLocksHeld() == 0; })) << "nobody kept the hold";
+}
+
+TEST_F(LogindSessionEventsTest, understandsALogindThatOtherPeopleMade) {
+    if (!StandardMock::isInstalled())
+        GTEST_SKIP() << "python3-dbusmock is not installed";
+    constexpr const char* session = "/org/freedesktop/login1/session/c7";
+    constexpr const char* sessionInterface = "org.freedesktop.login1.Session";
+    StandardMock mock(systemBus.address());
+    ASSERT_TRUE(eventually([&] {
+        return mock.call("/org/freedesktop/login1", "org.freedesktop.DBus.Mock", "AddSession", "c7", "seat0",
+                         std::uint32_t{1000}, "somebody", true);
+    }));
+    start();
+    subscribe();
+    EXPECT_TRUE(eventually([this] { return sessionStart() == Date(42e-6); }));
+    ASSERT_TRUE(mock.call(session, sessionInterface, "SetLockedHint", true));
+    EXPECT_TRUE(hears({screenIsLocked}));
+    ASSERT_TRUE(mock.call(session, sessionInterface, "Unlock"));
+    EXPECT_TRUE(hears({screenIsUnlocked}));
+    ASSERT_TRUE(mock.call(session, sessionInterface, "Lock"));
+    EXPECT_TRUE(hears({screenIsLocked}));
+    ASSERT_TRUE(mock.call("/org/freedesktop/login1", "org.freedesktop.DBus.Mock", "EmitSignal",
+                          "org.freedesktop.login1.Manager", "PrepareForSleep", "b",
+                          std::vector<sdbus::Variant>{sdbus::Variant(true)}));
+    EXPECT_TRUE(hears({willSleep}));
 }
 
 TEST_F(LogindSessionEventsTest, theHoldIsTakenOnlyWhileSomebodyListens) {

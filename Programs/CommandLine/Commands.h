@@ -1,0 +1,28 @@
+// The commands of `kestrioctl`. Each writes data to standard output and words about it to standard error, and returns
+// the exit status: 0 done, 1 it could not be done, 2 wrong usage.
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace kestrio {
+
+struct SessionsOptions {
+    std::optional<std::string> from;
+    std::optional<std::string> to;
+    bool json = false;
+};
+
+int record();
+int watch(bool json);
+int status(bool json);
+int sessions(const SessionsOptions& options);
+int pause(const std::string& length);
+int resume();
+int listSettings(bool json);
+int getSetting(const std::string& key);
+int setSetting(const std::string& key, const std::string& value);
+int resetSetting(const std::string& key);
+int doctor(bool json);
+
+} // namespace kestrio
