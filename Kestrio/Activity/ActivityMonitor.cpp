@@ -138,6 +138,7 @@ void ActivityMonitor::pause(std::optional<Date> until) {
     host_.queue.async([weak = std::weak_ptr(self_), until] {
         if (const auto self = weak.lock()) {
             (*self)->pausedUntilValue_ = until;
+            ++(*self)->pausesTaken_;
             (*self)->tick();
         }
     });
@@ -332,7 +333,8 @@ void ActivityMonitor::flush(Date now) {
 
 void ActivityMonitor::publish(TrackingState state) {
     Published next{current_,          alongside_.open(), state,
-                   pausedUntilValue_, writer_.waiting(), host_.windowTitles.isGranted()};
+                   pausedUntilValue_, writer_.waiting(), host_.windowTitles.isGranted(),
+                   pausesTaken_};
     std::stable_sort(next.alongside.begin(), next.alongside.end(), [](const LiveActivity& a, const LiveActivity& b) {
         return a.sample.kind != b.sample.kind ? rawValue(a.sample.kind) < rawValue(b.sample.kind) : a.start < b.start;
     });

@@ -16,6 +16,7 @@
 #include "Kestrio/Platform/WindowTitles.h"
 #include "Kestrio/Platform/Workspace.h"
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
@@ -97,6 +98,7 @@ public:
         std::optional<Date> pausedUntil;
         std::size_t unsaved = 0; // closed sessions that wait for the store to take them
         bool windowTitlesGranted = false;
+        std::uint64_t pausesTaken = 0; // how many calls of `pause` this already reckons with
 
         friend bool operator==(const Published&, const Published&) = default;
     };
@@ -161,6 +163,7 @@ private:
     Date lastPassiveEngagement_ = distantPast;
     std::map<std::string, Uptime> awayReasons_; // each with the moment at which it was last announced
     std::optional<Date> pausedUntilValue_;
+    std::uint64_t pausesTaken_ = 0;
     std::set<std::string> appsPlayingVideo_;
     std::set<std::string> appsWatchedAlongside_;
     struct Moment {

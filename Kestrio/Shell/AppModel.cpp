@@ -15,8 +15,11 @@ void AppModel::start() {
 void AppModel::pollStatus() {
     auto published = parts_.monitor.published();
     isAccessibilityGranted_.set(published.windowTitlesGranted);
-    trackingState_.set(published.state);
-    pausedUntil_.set(published.pausedUntil);
+    // What was published before the monitor heard of a pause would undo what the person was just told.
+    if (published.pausesTaken >= pausesAsked_) {
+        trackingState_.set(published.state);
+        pausedUntil_.set(published.pausedUntil);
+    }
     unsaved_.set(published.unsaved);
     if (*lookers_ == 0)
         return;
@@ -26,6 +29,7 @@ void AppModel::pollStatus() {
 
 void AppModel::pause(std::optional<Seconds> length) {
     const auto end = length ? parts_.clock.now() + *length : distantFuture;
+    ++pausesAsked_;
     parts_.monitor.pause(end);
     trackingState_.set(TrackingState::paused);
     pausedUntil_.set(end);
@@ -33,6 +37,7 @@ void AppModel::pause(std::optional<Seconds> length) {
 
 void AppModel::resume() {
     // Which state follows is for the monitor to say, at its next publishing.
+    ++pausesAsked_;
     parts_.monitor.pause(std::nullopt);
     pausedUntil_.set(std::nullopt);
 }

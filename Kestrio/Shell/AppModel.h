@@ -59,6 +59,7 @@ private:
 
     const Parts parts_;
     bool started_ = false;
+    std::uint64_t pausesAsked_ = 0;
     Subscription statusTimer_;
     std::shared_ptr<int> lookers_ = std::make_shared<int>(0);
 

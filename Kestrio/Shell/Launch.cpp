@@ -20,8 +20,9 @@ bool isLoginLaunch(bool saidByLoginItem, std::optional<Date> sessionStart, Date 
     return now - sessionStart.value_or(now - Seconds(uptime.seconds())) < loginGrace;
 }
 
-bool isInstalled(const fs::path& program, const fs::path& home) {
+bool isInstalled(const fs::path& program, const fs::path& personsFolder) {
     const auto path = program.lexically_normal();
+    const auto home = personsFolder.lexically_normal();
     if (liesBelow(path, "/usr") || liesBelow(path, "/opt"))
         return true;
     return home.is_absolute() && home != home.root_path() &&

@@ -183,7 +183,11 @@ private:
     }
 
     static bool isInstalledCopy(const fs::path& program) {
-        return isInstalled(program, processEnvironment("HOME").value_or(""));
+        // The program's path has no links in it; some systems have one in the home folder's.
+        const fs::path home = processEnvironment("HOME").value_or("");
+        std::error_code error;
+        const auto resolved = fs::canonical(home, error);
+        return isInstalled(program, error ? home : resolved);
     }
 
     Background::Failure openDashboard() {

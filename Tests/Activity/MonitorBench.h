@@ -33,12 +33,17 @@ struct MonitorBench {
     ActivityMonitor::Collaborators collaborators;
     std::unique_ptr<ActivityMonitor> monitor;
 
-    /// Makes the monitor and lets it tick at `origin` and every two seconds from there.
-    void start() {
-        time.jumpWallClock(-ActivityMonitor::firstSampleAfter);
+    /// Makes the monitor without starting it.
+    void make() {
         monitor = std::make_unique<ActivityMonitor>(
             ActivityMonitor::Host{time, queue, workspace, titles, input, events, settings}, store,
             ActivityMonitor::HostApplications{{"org.example.locker"}, {"org.example.prompt"}}, collaborators);
+    }
+
+    /// Makes the monitor and lets it tick at `origin` and every two seconds from there.
+    void start() {
+        time.jumpWallClock(-ActivityMonitor::firstSampleAfter);
+        make();
         monitor->start();
         pass(ActivityMonitor::firstSampleAfter.count());
     }

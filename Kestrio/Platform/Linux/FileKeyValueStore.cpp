@@ -12,6 +12,8 @@
 #include <array>
 #include <atomic>
 #include <cerrno>
+#include <chrono>
+#include <cmath>
 #include <cstring>
 #include <ctime>
 #include <fcntl.h>
@@ -20,6 +22,7 @@
 #include <set>
 #include <sys/inotify.h>
 #include <sys/stat.h>
+#include <thread>
 
 namespace kestrio {
 namespace {
@@ -32,6 +35,16 @@ constexpr Seconds lockPatience{3};
 /// The kernel stamps files with the time of its last tick, 10 ms at most. A file that was written so shortly before it
 /// was read may be written again without its stamp changing, so its stamp proves nothing.
 constexpr double stampGrain = 0.05;
+
+/// Editors that write in place empty the file first. What does not parse is damage only when nobody touched it for so
+/// long; until then somebody is most likely in the middle of writing it.
+constexpr double restingTime = 2.0;
+
+/// How long a `set` waits for such a writer: until what they left has been at rest, and a little longer.
+constexpr Seconds writerPatience{2.5};
+
+/// More links in a row than this are a circle.
+constexpr int mostLinks = 40;
 
 /// What tells one state of the file from another.
 struct Stamp {
@@ -50,6 +63,23 @@ Stamp stampOf(const struct stat& status) {
 
 double modified(const Stamp& stamp) {
     return static_cast<double>(stamp.seconds) + static_cast<double>(stamp.nanoseconds) * 1e-9;
+}
+
+double age(const Stamp& stamp) {
+    // As a distance, so that a clock that was set back does no harm.
+    return std::abs(SystemClock().now().seconds() - modified(stamp));
+}
+
+/// What the path leads to. A settings file that is a link, as people who keep such files elsewhere have it, stays one.
+fs::path behindLinks(fs::path path) {
+    std::error_code error;
+    for (int count = 0; count < mostLinks; ++count) {
+        const auto target = fs::read_symlink(path, error);
+        if (error)
+            break;
+        path = path.parent_path() / target;
+    }
+    return path;
 }
 
 struct Missing {};
@@ -118,10 +148,11 @@ fs::path nameAside(const fs::path& file, Date now) {
 
 /// The error's text, or an empty one when the file was put aside.
 std::string putAside(const fs::path& file) {
-    const auto aside = nameAside(file, SystemClock().now());
+    const auto damaged = behindLinks(file);
+    const auto aside = nameAside(damaged, SystemClock().now());
     // RENAME_NOREPLACE would be the plain way, but not every file system knows it. The lock is held: only a person
     // could make that very name in between.
-    if (rename(file.c_str(), aside.c_str()) != 0)
+    if (rename(damaged.c_str(), aside.c_str()) != 0)
         return std::strerror(errno);
     logLine(fmt::format("Kestrio: the settings file was damaged; it is kept as {}", aside.string()));
     return {};
@@ -175,6 +206,7 @@ struct FileKeyValueStore::State : std::enable_shared_from_this<State> {
 
     bool write(const std::string& key, const std::optional<SettingValue>& value);
     bool writeLocked(const std::string& key, const std::optional<SettingValue>& value);
+    void loadAtRest(std::unique_lock<std::mutex>& guard);
     void watchFolder();
     void folderChanged();
 
@@ -187,6 +219,7 @@ struct FileKeyValueStore::State : std::enable_shared_from_this<State> {
     std::optional<Stamp> stamp;     // of the file as it is in `document`; absent when there was none, or to read again
     std::optional<Stamp> leftAlone; // a damaged file that could not be put aside
     std::string unreadable;         // why the file cannot be read at present
+    bool beingWritten = false;      // the file makes no sense, and was touched a moment ago
     std::map<std::string, SettingValue> defaults;
     std::map<std::string, SettingValue> told;
     std::set<std::string> changed;
@@ -202,6 +235,7 @@ void FileKeyValueStore::State::refresh() {
     if (stat(file.c_str(), &status) != 0 && errno == ENOENT) {
         unreadable.clear();
         leftAlone.reset();
+        beingWritten = false;
         if (stamp || document != SettingsDocument())
             adopt({}, std::nullopt);
         return;
@@ -217,13 +251,18 @@ void FileKeyValueStore::State::load(Lock held) {
     auto content = readSettings(file);
     unreadable.clear();
     leftAlone.reset();
+    beingWritten = false;
     if (std::holds_alternative<Missing>(content)) {
         adopt({}, std::nullopt);
     } else if (const auto* failure = std::get_if<Unreadable>(&content)) {
         // What is known stays in force, and the next read tries again.
         unreadable = failure->reason;
         stamp.reset();
-    } else if (const auto* damage = std::get_if<Damaged>(&content)) {
+    } else if (const auto* damage = std::get_if<Damaged>(&content); damage && age(damage->stamp) < restingTime) {
+        // What is known stays in force here too.
+        beingWritten = true;
+        stamp.reset();
+    } else if (damage) {
         handleDamage(damage->stamp, held);
     } else if (auto* loaded = std::get_if<Loaded>(&content)) {
         const double age = begun - modified(loaded->stamp);
@@ -318,9 +357,14 @@ bool FileKeyValueStore::State::write(const std::string& key, const std::optional
 }
 
 bool FileKeyValueStore::State::writeLocked(const std::string& key, const std::optional<SettingValue>& value) {
-    removeLeftovers(file);
-    const std::lock_guard guard(mutex);
-    load(Lock::held);
+    const auto target = behindLinks(file);
+    removeLeftovers(target);
+    std::unique_lock guard(mutex);
+    loadAtRest(guard);
+    if (beingWritten) {
+        logLine("Kestrio: couldn't save a setting: another program is writing the settings file");
+        return false;
+    }
     if (!unreadable.empty() || leftAlone) {
         logLine(fmt::format("Kestrio: couldn't save a setting: the settings file can't be read{}{}",
                             unreadable.empty() ? "" : ": ", unreadable));
@@ -338,12 +382,25 @@ bool FileKeyValueStore::State::writeLocked(const std::string& key, const std::op
         logLine("Kestrio: couldn't save a setting: the settings file would become too large");
         return false;
     }
-    if (const auto error = replaceFile(file, text, 0600)) {
+    if (const auto error = replaceFile(target, text, 0600)) {
         logLine(fmt::format("Kestrio: couldn't save a setting: {}", error.message()));
         return false;
     }
     adopt(std::move(next), std::nullopt);
     return true;
+}
+
+/// Reads the file anew, and again and again while somebody is writing it. The mutex is held but for the waiting.
+void FileKeyValueStore::State::loadAtRest(std::unique_lock<std::mutex>& guard) {
+    const SystemClock clock;
+    const auto deadline = clock.uptime() + writerPatience;
+    load(Lock::held);
+    while (beingWritten && clock.uptime() < deadline) {
+        guard.unlock();
+        std::this_thread::sleep_for(std::chrono::milliseconds(10)); // no notice tells that somebody stopped writing
+        guard.lock();
+        load(Lock::held);
+    }
 }
 
 void FileKeyValueStore::State::watchFolder() {

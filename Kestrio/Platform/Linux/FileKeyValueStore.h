@@ -2,8 +2,9 @@
 //
 // A read compares the file's `stat` with the copy in memory and reads the file again when it changed, so it is right in
 // every process without a loop. A write takes the lock beside the file (`settings.lock`), reads again, changes one key
-// and replaces the file whole. A damaged file is kept aside, and everything then reads as its default; what cannot be
-// read stays untouched.
+// and replaces the file whole; where it is a link, the file that the link leads to. A damaged file is kept aside, and
+// everything then reads as its default; what cannot be read stays untouched. Text that makes no sense is damage only
+// once nobody touched the file for 2 s: until then an editor may be writing it, and the values of before stay in force.
 #pragma once
 
 #include "Kestrio/Platform/KeyValueStore.h"
@@ -25,7 +26,7 @@ public:
 
     std::optional<SettingValue> value(const std::string& key) const override;
 
-    /// May wait 3 s when another process holds the lock.
+    /// May wait 3 s when another process holds the lock, and 2.5 s when somebody is writing the file in place.
     bool set(const std::string& key, std::optional<SettingValue> value) override;
 
     /// Also the keys whose values this version does not understand.

@@ -7,6 +7,8 @@
 #include "Tests/Support/TemporaryFolder.h"
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
@@ -32,6 +34,14 @@ struct FileKeyValueStoreTest : testing::Test {
     void write(const std::string& text) {
         fs::create_directories(folder);
         writeFile(file, text);
+    }
+    /// Lets the file look as if it was last touched `seconds` ago; in the future when that is negative.
+    void touch(int seconds) const {
+        fs::last_write_time(file, fs::file_time_type::clock::now() - std::chrono::seconds(seconds));
+    }
+    void writeLongAgo(const std::string& text) {
+        write(text);
+        touch(10);
     }
     std::vector<fs::path> keptAside() const {
         std::vector<fs::path> found;
@@ -147,7 +157,7 @@ TEST_F(FileKeyValueStoreTest, aDamagedFileIsKeptAsideAndSaidOnce) {
                                    std::string(SettingsDocument::largestSize + 1, ' ')};
     std::size_t count = 0;
     for (const auto& damage : damages) {
-        write(damage);
+        writeLongAgo(damage);
         const ExpectedLog log;
         FileKeyValueStore store(file);
         store.registerDefaults({{"k", std::int64_t{3}}});
@@ -172,7 +182,7 @@ TEST_F(FileKeyValueStoreTest, aDamagedFileIsKeptAsideAndSaidOnce) {
 
 TEST_F(FileKeyValueStoreTest, aWriterThatFindsDamageKeepsItAsideToo) {
     FileKeyValueStore store(file);
-    write("broken");
+    writeLongAgo("broken");
     const ExpectedLog log;
     ASSERT_TRUE(store.set("k", true));
     EXPECT_EQ(log.lines().size(), 1U);
@@ -182,7 +192,7 @@ TEST_F(FileKeyValueStoreTest, aWriterThatFindsDamageKeepsItAsideToo) {
 }
 
 TEST_F(FileKeyValueStoreTest, damageIsLeftToWhoeverHoldsTheLock) {
-    write("broken");
+    writeLongAgo("broken");
     const auto held = lockFile(folder / "settings.lock", Seconds(0));
     const FileKeyValueStore store(file);
     EXPECT_EQ(store.value("k"), std::nullopt);
@@ -190,6 +200,124 @@ TEST_F(FileKeyValueStoreTest, damageIsLeftToWhoeverHoldsTheLock) {
     write(R"({"k":true})");
     EXPECT_TRUE(store.boolean("k"));
     EXPECT_TRUE(keptAside().empty());
+}
+
+TEST_F(FileKeyValueStoreTest, aFileThatSomebodyIsWritingIsNotDamaged) {
+    write(R"({"k":1})");
+    const FileKeyValueStore store(file);
+    ASSERT_EQ(store.integer("k"), 1);
+    for (const char* half : {"", "{", R"({"k":)"}) {
+        write(half);
+        EXPECT_EQ(store.integer("k"), 1) << half;
+        EXPECT_EQ(fileText(file), half);
+        FileKeyValueStore starting(file);
+        starting.registerDefaults({{"k", std::int64_t{3}}});
+        EXPECT_EQ(starting.integer("k"), 3) << half;
+    }
+    write(R"({"k":2})");
+    EXPECT_EQ(store.integer("k"), 2);
+    EXPECT_TRUE(keptAside().empty());
+}
+
+TEST_F(FileKeyValueStoreTest, halfAFileBecomesDamageOnceItIsAtRestInEitherDirectionOfTheClock) {
+    for (const int seconds : {3, -3600, 1'000'000}) {
+        write(R"({"k":1})");
+        const FileKeyValueStore store(file);
+        ASSERT_EQ(store.integer("k"), 1);
+        write("{");
+        EXPECT_EQ(store.integer("k"), 1) << seconds;
+        const auto before = keptAside().size();
+        touch(seconds);
+        const ExpectedLog log;
+        EXPECT_EQ(store.value("k"), std::nullopt) << seconds;
+        EXPECT_EQ(log.lines().size(), 1U) << seconds;
+        EXPECT_EQ(keptAside().size(), before + 1) << seconds;
+    }
+}
+
+TEST_F(FileKeyValueStoreTest, aSetWaitsForWhoeverIsWriting) {
+    write("{");
+    FileKeyValueStore store(file);
+    bool kept = false;
+    std::thread setter([&] { kept = store.set("mine", true); });
+    EXPECT_TRUE(eventually([&] { return !lockFile(folder / "settings.lock", Seconds(0)).descriptor; }));
+    write(R"({"theirs":true})");
+    setter.join();
+    EXPECT_TRUE(kept);
+    EXPECT_EQ(FileKeyValueStore(file).storedKeys(), (Keys{"mine", "theirs"}));
+    EXPECT_TRUE(keptAside().empty());
+}
+
+TEST_F(FileKeyValueStoreTest, aSetIsRefusedInTheEndByAWriterWhoGoesOn) {
+    write(R"({"k":1})");
+    FileKeyValueStore store(file);
+    ASSERT_EQ(store.integer("k"), 1);
+    write("{");
+    std::atomic<bool> over = false;
+    std::thread writer([&] {
+        while (!over)
+            touch(0);
+    });
+    const ExpectedLog log;
+    EXPECT_FALSE(store.set("k", std::int64_t{2}));
+    over = true;
+    writer.join();
+    EXPECT_EQ(log.lines(), Keys{"Kestrio: couldn't save a setting: another program is writing the settings file"});
+    EXPECT_EQ(fileText(file), "{");
+    EXPECT_EQ(store.integer("k"), 1);
+    EXPECT_TRUE(keptAside().empty());
+}
+
+TEST_F(FileKeyValueStoreTest, aLinkStaysALink) {
+    const auto target = top.write("dotfiles/kestrio.json", R"({"k":1})");
+    fs::create_directories(folder);
+    fs::create_symlink("../../dotfiles/kestrio.json", folder / "second.json");
+    fs::create_symlink("second.json", file);
+    FileKeyValueStore store(file);
+    EXPECT_EQ(store.integer("k"), 1);
+    ASSERT_TRUE(store.set("k", std::int64_t{2}));
+    EXPECT_TRUE(fs::is_symlink(file));
+    EXPECT_TRUE(fs::is_symlink(folder / "second.json"));
+    EXPECT_FALSE(fs::is_symlink(target));
+    EXPECT_EQ(fileText(target), "{\n  \"k\": 2\n}\n");
+    EXPECT_EQ(permissions(target), 0600U);
+    EXPECT_EQ(std::distance(fs::directory_iterator(target.parent_path()), fs::directory_iterator()), 1);
+}
+
+TEST_F(FileKeyValueStoreTest, aLinkToNothingGetsItsFile) {
+    const auto target = top.path() / "kestrio.json";
+    fs::create_directories(folder);
+    fs::create_symlink(target, file);
+    FileKeyValueStore store(file);
+    EXPECT_EQ(store.value("k"), std::nullopt);
+    ASSERT_TRUE(store.set("k", true));
+    EXPECT_TRUE(fs::is_symlink(file));
+    EXPECT_EQ(fileText(target), "{\n  \"k\": true\n}\n");
+}
+
+TEST_F(FileKeyValueStoreTest, damageBehindALinkIsKeptAsideWhereItLies) {
+    const auto target = top.path() / "kestrio.json";
+    fs::create_directories(folder);
+    fs::create_symlink(target, file);
+    writeLongAgo("broken");
+    const ExpectedLog log;
+    FileKeyValueStore store(file);
+    ASSERT_TRUE(store.set("k", true));
+    ASSERT_EQ(log.lines().size(), 1U);
+    EXPECT_NE(log.lines().front().find((top.path() / "kestrio.damaged-").string()), std::string::npos);
+    EXPECT_TRUE(fs::is_symlink(file));
+    EXPECT_TRUE(store.boolean("k"));
+}
+
+TEST_F(FileKeyValueStoreTest, aLinkThatGoesRoundInACircleMakesSettingFail) {
+    fs::create_directories(folder);
+    fs::create_symlink("settings.json", file);
+    FileKeyValueStore store(file);
+    EXPECT_EQ(store.value("k"), std::nullopt);
+    const ExpectedLog log;
+    EXPECT_FALSE(store.set("k", true));
+    EXPECT_EQ(log.lines().size(), 1U);
+    EXPECT_TRUE(fs::is_symlink(file));
 }
 
 TEST_F(FileKeyValueStoreTest, aFolderInTheFilesPlaceIsLeftAlone) {
@@ -291,7 +419,7 @@ TEST_F(FileKeyValueStoreTest, inAReadOnlyFolderTheOldValuesStay) {
 }
 
 TEST_F(FileKeyValueStoreTest, damageInAReadOnlyFolderIsSaidOnceAndLeftInPlace) {
-    write("broken");
+    writeLongAgo("broken");
     fs::permissions(top.path(), fs::perms::all);
     fs::permissions(folder.parent_path(), fs::perms::all);
     fs::permissions(folder, readOnlyForAll);
