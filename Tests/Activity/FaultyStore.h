@@ -3,6 +3,8 @@
 
 #include "Kestrio/Activity/SessionStore.h"
 
+#include <functional>
+
 namespace kestrio {
 
 class FaultyStore final : public SessionStore {
@@ -13,11 +15,13 @@ public:
     bool failUpdates = false;
     int inserts = 0;
     int updates = 0;
+    std::function<void(Date start, Date end)> inserting = [](Date, Date) {};
 
     std::optional<std::int64_t> insert(const ActivitySample& sample, Date start, Date end) override {
         if (failInserts)
             return std::nullopt;
         ++inserts;
+        inserting(start, end);
         return real_.insert(sample, start, end);
     }
     bool updateEnd(std::int64_t id, Date end) override {
