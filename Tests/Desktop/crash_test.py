@@ -13,6 +13,7 @@ import time
 from kestrio_desktop import BIN, DEADLINE, TICK, DesktopTest, eventually, main
 
 FLUSH = 15.0  # seconds between two writes of an open session
+SLACK = 2.0  # seconds that a busy machine may need to do what it was told
 NOBODY = 65534
 
 
@@ -38,7 +39,7 @@ class Crash(DesktopTest):
             for row in rows:
                 self.assertGreaterEqual(row["end"], row["start"])
             kept_until = last_end(rows[known:]) or answered
-            self.assertLessEqual(killed - kept_until, FLUSH + TICK + 1, f"killed after {moment} s")
+            self.assertLessEqual(killed - kept_until, FLUSH + TICK + SLACK, f"killed after {moment} s")
 
     def test_sigterm_keeps_everything(self):
         self.open_window("work")
@@ -47,7 +48,7 @@ class Crash(DesktopTest):
         ended = time.time()
         self.assertEqual(self.stop(agent), 0)
         (row,) = self.home.rows()
-        self.assertAlmostEqual(row["end"], ended, delta=0.5)
+        self.assertAlmostEqual(row["end"], ended, delta=TICK)
 
     def test_the_end_of_the_screen_or_a_hanging_one_does_not_stop_the_agent(self):
         folder = self.home.path / "screen"
@@ -62,7 +63,7 @@ class Crash(DesktopTest):
         with os.fdopen(reading) as report:
             self.home.environment["DISPLAY"] = ":" + report.readline().strip()
         self.home.environment.pop("XAUTHORITY", None)
-        window = subprocess.Popen(["xterm", "-T", "there", "-e", "sleep", "1000"], env=self.home.environment)
+        window = subprocess.Popen(["xterm", "-T", "there", "-e", "sleep", "1000"], env=self.home.environment, stderr=subprocess.DEVNULL)
         self.started.append(window)
         agent = self.start_agent()
         eventually(lambda: (self.home.status() or {}).get("live"), "the window is recorded")

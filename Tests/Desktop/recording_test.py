@@ -9,7 +9,7 @@ import time
 
 from kestrio_desktop import BIN, TICK, DesktopTest, eventually, main
 
-SLACK = 0.7  # seconds between an action here and the agent's hearing of it, on a busy machine
+SLACK = TICK  # seconds; a switch is heard of at once, but a busy machine may be late by a tick
 
 
 class Recording(DesktopTest):
