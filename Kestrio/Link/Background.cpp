@@ -35,16 +35,20 @@ std::optional<AgentStatus> agentStatusFromJSON(const JSON& json) {
             status.pausedUntil = Date(json.at("pausedUntil").get<double>());
         if (!json.at("live").is_null() && !(status.live = liveActivityFromJSON(json.at("live"))))
             return std::nullopt;
+        const auto unsaved = integerFromJSON(json.at("unsaved"));
+        const auto process = integerFromJSON(json.at("processIdentifier"));
+        if (!unsaved || !process || !json.at("alongside").is_array())
+            return std::nullopt;
+        status.unsaved = *unsaved;
+        status.processIdentifier = *process;
         for (const auto& element : json.at("alongside")) {
             auto session = liveActivityFromJSON(element);
             if (!session)
                 return std::nullopt;
             status.alongside.push_back(std::move(*session));
         }
-        status.unsaved = json.at("unsaved").get<std::int64_t>();
         status.isAccessibilityGranted = json.at("isAccessibilityGranted").get<bool>();
         status.version = json.at("version").get<std::string>();
-        status.processIdentifier = json.at("processIdentifier").get<std::int64_t>();
         status.dataFolder = json.at("dataFolder").get<std::string>();
         status.startedAt = Date(json.at("startedAt").get<double>());
         return status;

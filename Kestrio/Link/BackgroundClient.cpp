@@ -69,7 +69,8 @@ Background::Failure BackgroundClient::call(const char* method, Arguments... argu
         proxy_->callMethod(request, static_cast<std::uint64_t>(deadline().count()));
         return std::nullopt;
     } catch (const sdbus::Error& error) {
-        return error.getMessage().empty() ? error.getName() : error.getMessage();
+        // What the agent itself says is for the person; what the library says is not.
+        return error.getName().starts_with(busNames::errorPrefix) ? error.getMessage() : "Kestrio does not answer";
     }
 }
 

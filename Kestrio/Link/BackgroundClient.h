@@ -16,7 +16,8 @@ namespace kestrio {
 
 class BackgroundClient final : public Background {
 public:
-    /// Null when there is no bus at the address or no agent on it. Does not start one.
+    /// Null when there is no bus at the address or no agent on it. Does not start one. What listens at the address is
+    /// taken for a bus that answers: whoever does not know that asks it first, with a deadline of their own.
     static std::unique_ptr<BackgroundClient> connect(const std::string& busAddress);
     ~BackgroundClient() override;
 

@@ -16,6 +16,21 @@ struct BackgroundService::Watcher {
 
 namespace {
 
+/// A path may hold any bytes; what is no text in it must not keep the rest from being told.
+std::string text(const AgentStatus& status) {
+    return toJSON(status).dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+}
+
+bool isOnBus(sdbus::IConnection& connection, const std::string& name) {
+    bool answer = false;
+    sdbus::createProxy(connection, "org.freedesktop.DBus", "/org/freedesktop/DBus")
+        ->callMethod("NameHasOwner")
+        .onInterface("org.freedesktop.DBus")
+        .withArguments(name)
+        .storeResultsTo(answer);
+    return answer;
+}
+
 /// The failure of an action as the bus tells it.
 void require(const Background::Failure& failure, const char* name = busNames::errorFailed) {
     if (failure)
@@ -56,7 +71,7 @@ void BackgroundService::registerObject(sdbus::IConnection& connection) {
     });
     object_->registerMethod("Status").onInterface(interface).withOutputParamNames("json").implementedAs([this] {
         const auto status = background_.status();
-        return status ? toJSON(*status).dump() : std::string();
+        return status ? text(*status) : std::string();
     });
     object_->registerMethod("Watch").onInterface(interface).implementedAs([this, &connection] { watch(connection); });
     object_->registerProperty("State").onInterface(interface).withGetter(
@@ -81,19 +96,26 @@ void BackgroundService::watch(sdbus::IConnection& connection) {
                                                sender + "',arg2=''",
                                            [this, sender](sdbus::Message&) {
                                                // The rule is in use right now; what it stands in goes a moment later.
-                                               background_.afterwards([this, sender] {
-                                                   watchers_.erase(sender);
-                                                   if (watchers_.empty())
-                                                       changes_.cancel();
+                                               background_.afterwards([weak = std::weak_ptr(self_), sender] {
+                                                   if (const auto self = weak.lock())
+                                                       (*self)->forget(sender);
                                                });
                                            });
+    if (!isOnBus(connection, sender))
+        return; // left before the rule was there
     watchers_.emplace(sender, std::move(watcher));
     if (!changes_.isActive())
         changes_ = background_.observe([this](const AgentStatus& status) { tell(status); });
 }
 
+void BackgroundService::forget(const std::string& watcher) {
+    watchers_.erase(watcher);
+    if (watchers_.empty())
+        changes_.cancel();
+}
+
 void BackgroundService::tell(const AgentStatus& status) {
-    const auto json = toJSON(status).dump();
+    const auto json = text(status);
     perform_([&](sdbus::IConnection&) { object_->emitSignal("Changed").onInterface(interface).withArguments(json); });
 }
 

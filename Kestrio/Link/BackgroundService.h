@@ -41,6 +41,7 @@ private:
 
     void registerObject(sdbus::IConnection& connection);
     void watch(sdbus::IConnection& connection);
+    void forget(const std::string& watcher);
     void tellState();
     void tell(const AgentStatus& status);
 
@@ -50,6 +51,7 @@ private:
     std::map<std::string, std::unique_ptr<Watcher>> watchers_; // by unique bus name
     Subscription changes_;                                     // while somebody watches
     Subscription stateChanges_;
+    std::shared_ptr<BackgroundService*> self_ = std::make_shared<BackgroundService*>(this); // work holds it weakly
 };
 
 } // namespace kestrio

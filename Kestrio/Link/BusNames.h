@@ -8,6 +8,7 @@ inline constexpr auto service = "dev.haldorvinter.Kestrio";
 inline constexpr auto object = "/dev/haldorvinter/Kestrio";
 inline constexpr auto interface = "dev.haldorvinter.Kestrio";
 
+inline constexpr auto errorPrefix = "dev.haldorvinter.Kestrio.Error.";
 inline constexpr auto errorFailed = "dev.haldorvinter.Kestrio.Error.Failed";
 inline constexpr auto errorInvalid = "dev.haldorvinter.Kestrio.Error.InvalidArgument";
 

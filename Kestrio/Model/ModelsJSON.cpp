@@ -49,10 +49,19 @@ JSON toJSON(const ActivitySession& session) {
     return json;
 }
 
+std::optional<std::int64_t> integerFromJSON(const JSON& json) {
+    if (!json.is_number_integer())
+        return std::nullopt;
+    if (json.is_number_unsigned() && json.get<std::uint64_t>() > static_cast<std::uint64_t>(INT64_MAX))
+        return std::nullopt;
+    return json.get<std::int64_t>();
+}
+
 std::optional<LiveActivity> liveActivityFromJSON(const JSON& json) {
     try {
         const auto& sample = json.at("sample");
-        const auto kind = sessionKind(sample.at("kind").get<std::int64_t>());
+        const auto rawKind = integerFromJSON(sample.at("kind"));
+        const auto kind = rawKind ? sessionKind(*rawKind) : std::nullopt;
         if (!kind)
             return std::nullopt;
         LiveActivity live;
@@ -66,7 +75,8 @@ std::optional<LiveActivity> liveActivityFromJSON(const JSON& json) {
         live.start = Date(json.at("start").get<double>());
         live.lastSeen = Date(json.at("lastSeen").get<double>());
         if (const auto row = json.find("rowID"); row != json.end() && !row->is_null())
-            live.rowID = row->get<std::int64_t>();
+            if (!(live.rowID = integerFromJSON(*row)))
+                return std::nullopt;
         return live;
     } catch (const JSON::exception&) {
         return std::nullopt;

@@ -7,6 +7,7 @@
 #include "Kestrio/Link/BackgroundService.h"
 #include "Kestrio/Link/LocalBackground.h"
 #include "Kestrio/Platform/Linux/AutostartLoginItem.h"
+#include "Kestrio/Platform/Linux/BusAddress.h"
 #include "Kestrio/Platform/Linux/BusConnection.h"
 #include "Kestrio/Platform/Linux/DetachedProgram.h"
 #include "Kestrio/Platform/Linux/FileKeyValueStore.h"
@@ -137,10 +138,16 @@ private:
         const auto process = std::get<SingleInstance::Taken>(answer).processIdentifier;
         say("Kestrio is already running" + (process ? " (process " + std::to_string(*process) + ")." : "."));
         if (!options_.isLoginItem && !options_.onChange)
-            if (const auto address = BusConnection::address(BusConnection::Bus::session))
-                if (const auto running = BackgroundClient::connect(*address))
-                    running->openDashboard();
+            showRunningAgent();
         return 0;
+    }
+
+    static void showRunningAgent() {
+        const auto said = BusConnection::address(BusConnection::Bus::session);
+        const auto address = said ? answeringBus(*said, BusConnection::callDeadline) : std::nullopt;
+        const auto running = address ? BackgroundClient::connect(*address) : nullptr;
+        if (running)
+            running->openDashboard();
     }
 
     bool openDatabase() {

@@ -15,8 +15,10 @@
 #include "Programs/CommandLine/Terminal.h"
 
 #include <algorithm>
+#include <csignal>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
+#include <unistd.h>
 
 namespace kestrio {
 namespace {
@@ -145,7 +147,8 @@ int record() {
         if (line.size() < 8 || line.substr(8) == last)
             return;
         last = line.substr(8);
-        print(line + "\n");
+        if (!tryToPrint(line + "\n"))
+            kill(getpid(), SIGTERM); // nobody reads any more: end in order, with everything saved
     };
     return runAgent(options);
 }
@@ -159,7 +162,8 @@ int watch(bool json) {
     const SystemClock clock;
     std::string last;
     const auto show = [&](const AgentStatus& status) {
-        const auto line = json ? toJSON(status).dump() : statusLine(status, clock.now(), calendar, style);
+        const auto line = json ? toJSON(status).dump(-1, ' ', false, JSON::error_handler_t::replace)
+                               : statusLine(status, clock.now(), calendar, style);
         const auto telling = json || line.size() < 8 ? line : line.substr(8);
         if (std::exchange(last, telling) != telling)
             print(line + "\n");
@@ -183,14 +187,17 @@ int status(bool json) {
         const auto sessions = sessionsOf(database, status, today);
         const auto focused = focusedTime(sessions, today);
         if (json) {
-            JSON object = status ? toJSON(*status) : JSON::object();
+            JSON object = toJSON(status.value_or(AgentStatus()));
+            if (!status)
+                for (auto& [key, value] : object.items())
+                    value = nullptr;
             object["running"] = status.has_value();
             object["focusedToday"] = focused.count();
             object["sessionCount"] = database ? JSON(database->sessionCount()) : JSON(0);
             object["fileSize"] = database ? JSON(database->fileSize()) : JSON(0);
             const auto earliest = database ? database->earliestStart() : std::nullopt;
             object["earliestStart"] = earliest ? JSON(earliest->seconds()) : JSON();
-            print(object.dump(2) + "\n");
+            printJSON(object);
             return status ? done : failed;
         }
         std::string text;
@@ -217,11 +224,13 @@ int sessions(const SessionsOptions& options) {
     const auto places = placesOrExit();
     const auto calendar = Calendar::current();
     const auto now = SystemClock().now();
-    const auto from = parseMoment(options.from.value_or("today"), now, calendar);
+    const auto fromText = options.from.value_or("today");
+    const auto from = parseMoment(fromText, now, calendar);
     const auto to =
         options.to ? parseMoment(*options.to, now, calendar) : std::max(now, from.value_or(now)) + Seconds(1);
     if (!from || !to) {
-        complain(fmt::format("{} is no moment that I understand; try {}", !from ? "--from" : "--to", momentForms));
+        complain(fmt::format("{} \"{}\" is no moment that I understand; try {}", !from ? "--from" : "--to",
+                             text::fittedToColumns(!from ? fromText : *options.to, 60), momentForms));
         return wrongUsage;
     }
     if (*to <= *from) {
@@ -239,7 +248,7 @@ int sessions(const SessionsOptions& options) {
             auto array = JSON::array();
             for (const auto& session : found)
                 array.push_back(toJSON(session));
-            print(array.dump(2) + "\n");
+            printJSON(array);
         } else if (found.empty()) {
             complain("nothing was recorded in that time");
         } else {
@@ -249,16 +258,17 @@ int sessions(const SessionsOptions& options) {
     });
 }
 
-int pause(const std::string& length) {
+int pause(const std::optional<std::string>& length) {
     const auto calendar = Calendar::current();
     const auto now = SystemClock().now();
     std::optional<Seconds> seconds;
     if (length == "until-tomorrow") {
         seconds = calendar.day(now).end - now;
-    } else if (!length.empty()) {
-        seconds = parseLength(length);
+    } else if (length) {
+        seconds = parseLength(*length);
         if (!seconds) {
-            complain("\"" + length + "\" is no length of time; try 30m, 1h or until-tomorrow");
+            complain("\"" + text::fittedToColumns(*length, 60) +
+                     "\" is no length of time; try 30m, 1h or until-tomorrow");
             return wrongUsage;
         }
     }
@@ -294,13 +304,13 @@ int listSettings(bool json) {
     JSON object;
     for (const auto& setting : knownSettings())
         object[setting.key] = settingJSON(store->value(setting.key));
-    print(object.dump(2) + "\n");
+    printJSON(object);
     return done;
 }
 
 int getSetting(const std::string& key) {
     if (!knownSetting(key)) {
-        complain("there is no setting \"" + key + "\"; see: kestrioctl settings list");
+        complain("there is no setting \"" + text::fittedToColumns(key, 60) + "\"; see: kestrioctl settings list");
         return wrongUsage;
     }
     const auto value = openSettings(placesOrExit())->value(key);
@@ -323,7 +333,7 @@ int setSetting(const std::string& key, const std::string& value) {
 
 int resetSetting(const std::string& key) {
     if (!knownSetting(key)) {
-        complain("there is no setting \"" + key + "\"; see: kestrioctl settings list");
+        complain("there is no setting \"" + text::fittedToColumns(key, 60) + "\"; see: kestrioctl settings list");
         return wrongUsage;
     }
     return openSettings(placesOrExit())->set(key, std::nullopt) ? done : failed;

@@ -17,7 +17,8 @@ int record();
 int watch(bool json);
 int status(bool json);
 int sessions(const SessionsOptions& options);
-int pause(const std::string& length);
+/// Until somebody resumes, when no length is given.
+int pause(const std::optional<std::string>& length);
 int resume();
 int listSettings(bool json);
 int getSetting(const std::string& key);

@@ -235,7 +235,7 @@ int doctor(bool json) {
         auto array = nlohmann::ordered_json::array();
         for (const auto& finding : findings)
             array.push_back(toJSON(finding));
-        print(array.dump(2) + "\n");
+        printJSON(array);
     } else {
         print(findingsText(findings, outputStyle()));
     }

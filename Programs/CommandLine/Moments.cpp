@@ -73,7 +73,7 @@ std::optional<Date> parseMoment(std::string_view untrimmed, Date now, const Cale
         if (const auto length = parseLength(text.substr(1)))
             return now - *length;
     if (constexpr std::string_view ago = " ago"; text.size() > ago.size() && text.ends_with(ago))
-        if (const auto length = parseLength(text.substr(0, text.size() - ago.size())))
+        if (const auto length = parseLength(text::trimmed(text.substr(0, text.size() - ago.size()))))
             return now - *length;
 
     std::cmatch parts;

@@ -1,5 +1,6 @@
 #include "Programs/CommandLine/Places.h"
 
+#include "Kestrio/Platform/Linux/BusAddress.h"
 #include "Kestrio/Platform/Linux/BusConnection.h"
 #include "Kestrio/Shell/Settings.h"
 #include "Programs/CommandLine/Terminal.h"
@@ -30,7 +31,8 @@ std::unique_ptr<FileKeyValueStore> openSettings(const Locations& places) {
 }
 
 std::unique_ptr<BackgroundClient> runningAgent(const Locations& places) {
-    const auto address = BusConnection::address(BusConnection::Bus::session);
+    const auto said = BusConnection::address(BusConnection::Bus::session);
+    const auto address = said ? answeringBus(*said, BusConnection::callDeadline) : std::nullopt;
     auto agent = address ? BackgroundClient::connect(*address) : nullptr;
     const auto status = agent ? agent->status() : std::nullopt;
     if (!status)

@@ -17,8 +17,11 @@ namespace {
 constexpr Seconds noticeableGap{2.0};
 
 constexpr std::size_t barColumns = 8;
+constexpr std::size_t leastNameColumns = 8;
 constexpr std::size_t mostNameColumns = 20;
 constexpr std::size_t durationColumns = 7;
+/// A narrower terminal has no room for bars.
+constexpr std::size_t leastWidthForBars = 56;
 constexpr std::size_t clockColumns = 8;
 
 /// Seven shades that read on light and on dark grounds, from the 256 colours of terminals.
@@ -68,11 +71,14 @@ public:
         : sessions_(sessions),
           calendar_(calendar),
           paint_(style.hasColour),
-          width_(std::max<std::size_t>(style.width, 40)) {
+          width_(std::max<std::size_t>(style.width, 40)),
+          barColumns_(width_ < leastWidthForBars ? 0 : barColumns + 2),
+          // Two at the left, and two between any two columns.
+          beforeName_(2 + clockColumns + 2 + barColumns_ + durationColumns + 2),
+          nameLimit_(std::clamp((width_ - beforeName_ - 2) / 2, leastNameColumns, mostNameColumns)) {
         for (const auto& session : sessions_) {
             longest_ = std::max(longest_, session.duration());
-            nameColumns_ =
-                std::max(nameColumns_, text::columns(text::fittedToColumns(session.appName, mostNameColumns)));
+            nameColumns_ = std::max(nameColumns_, text::columns(text::fittedToColumns(session.appName, nameLimit_)));
         }
     }
 
@@ -101,7 +107,7 @@ private:
         if (recordedUntil_ && next.start - *recordedUntil_ >= noticeableGap)
             text_ += fmt::format(
                 "  {}\n",
-                paint_.dim(fmt::format("{}  {}  nothing recorded", std::string(clockColumns + barColumns + 2, ' '),
+                paint_.dim(fmt::format("{}  {}  nothing recorded", std::string(clockColumns + barColumns_, ' '),
                                        paddedLeft(Fmt::duration(next.start - *recordedUntil_), durationColumns))));
         recordedUntil_ = std::max(next.end, recordedUntil_.value_or(next.end));
     }
@@ -109,17 +115,16 @@ private:
     void addSession(const ActivitySession& session) {
         const auto shade = shadeOf(session.bundleID);
         const auto share = longest_ > Seconds(0) ? session.duration() / longest_ : 0;
-        // Two at the left, and two between any two columns.
-        const auto before = 2 + clockColumns + 2 + barColumns + 2 + durationColumns + 2 + nameColumns_ + 2;
-        const auto room = width_ > before + 10 ? width_ - before : 10;
+        const auto room = width_ - beforeName_ - nameColumns_ - 2;
         auto title = session.title;
         if (session.kind != SessionKind::focus)
-            title = fmt::format("{}: {}", label(session.kind), title);
-        text_ += fmt::format(
-            "  {}  {}  {}  {}  {}\n", paint_.dim(calendar_.formatted(session.start, "HH:mm:ss")),
-            paint_.shade(shade, bar(share)), paddedLeft(Fmt::duration(session.duration()), durationColumns),
-            paint_.shade(shade, padded(text::fittedToColumns(session.appName, mostNameColumns), nameColumns_)),
-            text::fittedToColumns(title, room));
+            title = fmt::format("{}{}{}", label(session.kind), title.empty() ? "" : ": ", title);
+        text_ +=
+            fmt::format("  {}  {}{}  {}  {}\n", paint_.dim(calendar_.formatted(session.start, "HH:mm:ss")),
+                        barColumns_ > 0 ? paint_.shade(shade, bar(share)) + "  " : "",
+                        paddedLeft(Fmt::duration(session.duration()), durationColumns),
+                        paint_.shade(shade, padded(text::fittedToColumns(session.appName, nameLimit_), nameColumns_)),
+                        text::fittedToColumns(title, room));
         while (text_.size() > 1 && text_[text_.size() - 2] == ' ') // no blanks where there is no title
             text_.erase(text_.size() - 2, 1);
     }
@@ -146,6 +151,9 @@ private:
     const Calendar& calendar_;
     const Painter paint_;
     const std::size_t width_;
+    const std::size_t barColumns_; // with the blanks that follow; 0 without bars
+    const std::size_t beforeName_;
+    const std::size_t nameLimit_;
     Seconds longest_{};
     std::size_t nameColumns_ = 0;
     std::map<std::string, std::size_t> shades_; // by application, in the order of appearance

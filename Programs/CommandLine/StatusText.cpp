@@ -18,17 +18,23 @@ std::string named(const LiveActivity& live) {
 std::string pauseEnd(Date until, Date now, const Calendar& calendar) {
     if (until >= distantFuture)
         return "until you resume";
-    return "until " + calendar.localized(until, calendar.isSameDay(until, now) ? "jmm" : "EEEdMMMjmm");
+    if (calendar.isSameDay(until, now))
+        return "until " + calendar.localized(until, "jmm");
+    const bool isThisYear = calendar.components(until).year == calendar.components(now).year;
+    return "until " + calendar.localized(until, isThisYear ? "EEEdMMMjmm" : "yEEEdMMMjmm");
 }
 
 std::string statusLine(const AgentStatus& status, Date now, const Calendar& calendar, const TableStyle& style) {
-    auto line = fmt::format("{}  {:<8}", calendar.formatted(now, "HH:mm:ss"), rawValue(status.state));
+    std::string more;
     if (status.state == TrackingState::paused && status.pausedUntil)
-        line += "  " + pauseEnd(*status.pausedUntil, now, calendar);
+        more += "  " + pauseEnd(*status.pausedUntil, now, calendar);
     if (status.live)
-        line += "  " + named(*status.live);
+        more += "  " + named(*status.live);
     for (const auto& session : status.alongside)
-        line += "  · " + named(session);
+        more += "  · " + named(session);
+    const auto moment = calendar.formatted(now, "HH:mm:ss");
+    const auto line = more.empty() ? fmt::format("{}  {}", moment, rawValue(status.state))
+                                   : fmt::format("{}  {:<8}{}", moment, rawValue(status.state), more);
     return text::fittedToColumns(line, style.width);
 }
 

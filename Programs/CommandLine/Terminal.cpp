@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
+#include <nlohmann/json.hpp>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -28,9 +29,17 @@ TableStyle outputStyle() {
     return {outputWidth(), isatty(STDOUT_FILENO) == 1 && !plain};
 }
 
+bool tryToPrint(const std::string& text) {
+    return std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0;
+}
+
 void print(const std::string& text) {
-    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0)
+    if (!tryToPrint(text))
         std::_Exit(1);
+}
+
+void printJSON(const nlohmann::ordered_json& json) {
+    print(json.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n");
 }
 
 void complain(const std::string& text) {

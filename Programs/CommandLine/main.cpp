@@ -16,6 +16,22 @@ void add(CLI::App& to, const char* name, const char* about, int& status, std::fu
     command->callback([&status, run = std::move(run)] { status = run(); });
 }
 
+/// What was wrong with the words on the command line, and where to read on.
+std::string complaint(const CLI::App& app, const CLI::ParseError& error) {
+    std::string command = app.get_name();
+    const auto* at = &app;
+    while (!at->get_subcommands().empty()) {
+        at = at->get_subcommands().front();
+        command += " " + at->get_name();
+    }
+    std::string problem = error.what();
+    if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr)
+        problem = problem.substr(0, problem.find(':')) + " wants a value";
+    else if (problem == "A subcommand is required")
+        problem = "which command? There are several";
+    return problem + ". Try " + command + " --help.";
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -49,7 +65,7 @@ int main(int argc, char** argv) {
             command.add_flag("--json", range.json, "Data for scripts");
         });
 
-    std::string length;
+    std::optional<std::string> length;
     add(
         app, "pause", "Stop recording for a while, or until you resume", result, [&] { return kestrio::pause(length); },
         [&](CLI::App& command) { command.add_option("length", length, "30m, 1h, 1h30m or until-tomorrow"); });
@@ -79,7 +95,7 @@ int main(int argc, char** argv) {
     } catch (const CLI::Success& success) {
         return app.exit(success);
     } catch (const CLI::ParseError& error) {
-        std::cerr << "kestrioctl: " << error.what() << ". Try kestrioctl --help.\n";
+        std::cerr << "kestrioctl: " << complaint(app, error) << "\n";
         return 2;
     }
     return result;

@@ -1,0 +1,117 @@
+#include "Tests/Link/LinkBench.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <limits>
+
+namespace kestrio {
+namespace {
+
+TEST(LocalBackground, saysEverythingThatLivesInMemory) {
+    LinkBench bench;
+    const auto status = bench.background->status();
+    ASSERT_TRUE(status);
+    EXPECT_EQ(status->state, TrackingState::tracking);
+    EXPECT_EQ(status->pausedUntil, std::nullopt);
+    ASSERT_TRUE(status->live) << "what is open at this moment, though nobody looked before";
+    EXPECT_EQ(status->live->sample.title, "Draft");
+    EXPECT_TRUE(status->alongside.empty());
+    EXPECT_EQ(status->unsaved, 0);
+    EXPECT_TRUE(status->isAccessibilityGranted);
+    EXPECT_EQ(status->version, "1.2.3");
+    EXPECT_EQ(status->processIdentifier, 4711);
+    EXPECT_EQ(status->dataFolder, "/home/ada/data/Kestrio");
+    EXPECT_EQ(status->startedAt, origin);
+}
+
+TEST(LocalBackground, refusesPausesThatAreNoLength) {
+    LinkBench bench;
+    const double infinity = std::numeric_limits<double>::infinity();
+    const double untilTheEnd = (distantFuture - bench.time.now()).count();
+    for (const double seconds : {0.0, -0.0, -1.0, std::nan(""), infinity, -infinity, 1e300, untilTheEnd + 1}) {
+        EXPECT_EQ(bench.background->pause(Seconds(seconds)),
+                  "a pause must last longer than 0 seconds, and end before the year 4001")
+            << seconds;
+        EXPECT_EQ(bench.background->status()->state, TrackingState::tracking) << seconds;
+    }
+    for (const double seconds : {1e-3, 1.0, 86'400.0, untilTheEnd}) {
+        EXPECT_EQ(bench.background->pause(Seconds(seconds)), std::nullopt) << seconds;
+        EXPECT_EQ(bench.background->status()->state, TrackingState::paused) << seconds;
+    }
+}
+
+TEST(LocalBackground, pausesAndResumes) {
+    LinkBench bench;
+    EXPECT_EQ(bench.background->pause(std::nullopt), std::nullopt);
+    EXPECT_EQ(bench.background->status()->pausedUntil, distantFuture);
+    bench.time.runPending();
+    EXPECT_EQ(bench.background->status()->live, std::nullopt);
+    EXPECT_EQ(bench.background->resume(), std::nullopt);
+    bench.time.runPending();
+    EXPECT_EQ(bench.background->status()->state, TrackingState::tracking);
+    EXPECT_EQ(bench.background->status()->pausedUntil, std::nullopt);
+}
+
+TEST(LocalBackground, saysWhyThereIsNoDashboard) {
+    LinkBench bench;
+    EXPECT_EQ(bench.background->openDashboard(), std::nullopt);
+    bench.dashboardFailure = "it is not there";
+    EXPECT_EQ(bench.background->openDashboard(), "it is not there");
+    EXPECT_EQ(bench.dashboards, 2);
+}
+
+TEST(LocalBackground, changesOfOneMomentAreToldTogetherAndOnlyWhenThereAreAny) {
+    LinkBench bench;
+    std::vector<AgentStatus> told;
+    auto token = bench.background->observe([&](const AgentStatus& status) { told.push_back(status); });
+    bench.pass(1);
+    told.clear();
+    bench.background->pause(Seconds(100)); // the state and its end
+    bench.time.runPending();
+    ASSERT_FALSE(told.empty());
+    EXPECT_EQ(told.front().state, TrackingState::paused);
+    EXPECT_EQ(told.front().pausedUntil, bench.time.now() + Seconds(100));
+    for (const auto& status : told)
+        EXPECT_EQ(status.state, TrackingState::paused) << "never back in between";
+    bench.pass(10);
+    told.clear();
+    bench.pass(60);
+    EXPECT_TRUE(told.empty());
+    token.cancel();
+    bench.background->resume();
+    bench.pass(10);
+    EXPECT_TRUE(told.empty());
+}
+
+TEST(LocalBackground, theStateIsToldToWhoAskedForThatAlone) {
+    LinkBench bench;
+    int count = 0;
+    auto token = bench.background->observeState([&] { ++count; });
+    bench.show("org.example.editor", "Another");
+    bench.pass(10);
+    EXPECT_EQ(count, 0);
+    bench.background->pause(std::nullopt);
+    EXPECT_EQ(count, 2) << "the state and the end of the pause";
+    token.cancel();
+    bench.background->resume();
+    bench.pass(10);
+    EXPECT_EQ(count, 2);
+}
+
+TEST(LocalBackground, openSessionsAreFollowedOnlyWhileSomebodyObserves) {
+    LinkBench bench;
+    bench.pass(20);
+    EXPECT_EQ(bench.model->live().value(), std::nullopt);
+    auto token = bench.background->observe([](const AgentStatus&) {});
+    bench.show("org.example.editor", "Letter");
+    bench.pass(5);
+    ASSERT_TRUE(bench.model->live().value());
+    EXPECT_EQ(bench.model->live().value()->sample.title, "Letter");
+    token.cancel();
+    bench.show("org.example.editor", "Diary");
+    bench.pass(5);
+    EXPECT_EQ(bench.model->live().value()->sample.title, "Letter");
+}
+
+} // namespace
+} // namespace kestrio
