@@ -433,6 +433,7 @@ class OnADesktop(Case):
         agent = self.start_agent()
         self.open_window("First")
         self.until_front("First")
+        self.assertTrue(until(self.is_worth_a_row))
         found = self.status()
         self.assertEqual(list(found), STATUS_KEYS + STORE_KEYS)
         self.assertEqual((found["state"], found["running"], found["processIdentifier"]), ("tracking", True, agent.pid))
