@@ -81,6 +81,8 @@ Database::Database(const fs::path& file, Queue& queue, Access access) : file_(fi
             openConnection(access);
             if (access == Access::readWrite)
                 migrate();
+            else
+                check();
         } catch (const DatabaseError&) {
             connection_.reset();
             failure = std::current_exception();
@@ -98,6 +100,12 @@ void Database::openConnection(Access access) {
     if (result != SQLITE_OK)
         throw DatabaseError::open(sqlite::errorMessage(raw));
     sqlite3_busy_timeout(raw, busyTimeoutMilliseconds);
+}
+
+void Database::check() {
+    // Opening alone looks at nothing; a file that is no database would read as an empty one.
+    if (const auto error = sqlite::execute(connection_.get(), "SELECT kind FROM sessions LIMIT 0"))
+        throw DatabaseError::execute(*error);
 }
 
 void Database::migrate() {

@@ -78,6 +78,7 @@ public:
 
 private:
     void openConnection(Access access);
+    void check();
     void migrate();
     std::set<std::string> columns(const std::string& table);
     std::optional<std::int64_t> insertOnQueue(const ActivitySample& sample, Date start, Date end);

@@ -1,9 +1,11 @@
 #include "Kestrio/Shell/AppInfo.h"
 #include "Programs/Agent/Agent.h"
+#include "Programs/StandardStreams.h"
 
 #include <CLI/CLI.hpp>
 
 int main(int argc, char** argv) {
+    kestrio::openStandardStreams();
     CLI::App app("Kestrio records what you do, on this computer and for you alone.", "kestrio");
     kestrio::AgentOptions options;
     app.add_flag("--login", options.isLoginItem, "Started by the login: stay quiet, open no window");

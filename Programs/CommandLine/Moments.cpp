@@ -39,6 +39,8 @@ std::optional<Date> calendarMoment(const std::cmatch& parts, const Calendar& cal
         return std::nullopt;
     const auto date = calendar.date(year, month, day, hour, minute, second);
     const auto found = calendar.components(date);
+    if (date < distantPast || date > distantFuture)
+        return std::nullopt;
     // Overflow would carry the 31st of April into May.
     return found.year == year && found.month == month && found.day == day ? std::optional(date) : std::nullopt;
 }

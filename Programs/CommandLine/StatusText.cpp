@@ -28,7 +28,7 @@ std::string statusLine(const AgentStatus& status, Date now, const Calendar& cale
     std::string more;
     if (status.state == TrackingState::paused && status.pausedUntil)
         more += "  " + pauseEnd(*status.pausedUntil, now, calendar);
-    if (status.live)
+    if (status.live && status.state != TrackingState::paused) // what was open until a moment ago
         more += "  " + named(*status.live);
     for (const auto& session : status.alongside)
         more += "  · " + named(session);

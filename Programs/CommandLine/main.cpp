@@ -1,5 +1,6 @@
 #include "Kestrio/Shell/AppInfo.h"
 #include "Programs/CommandLine/Commands.h"
+#include "Programs/StandardStreams.h"
 
 #include <CLI/CLI.hpp>
 #include <functional>
@@ -35,6 +36,7 @@ std::string complaint(const CLI::App& app, const CLI::ParseError& error) {
 } // namespace
 
 int main(int argc, char** argv) {
+    kestrio::openStandardStreams();
     umask(077);
     CLI::App app("Kestrio from a terminal: what you did, what it does now, and its settings.", "kestrioctl");
     app.set_version_flag("--version", "Kestrio " + kestrio::AppInfo::version());

@@ -56,6 +56,7 @@ TEST(Moments, areReadAsPeopleTypeThem) {
         {"26-11-20", {}},
         {"2026-11-20x", {}},
         {"0000-01-01", {}},
+        {"4052-11-21T14:30:05", {}}, // after everything that is ever recorded
 
         {"2h ago", now - Seconds(7200)},
         {"1h30m ago", now - Seconds(5400)},

@@ -31,7 +31,7 @@ public:
             else
                 takeRun();
         }
-        return std::move(result_);
+        return text::fromUntrustedBytes(result_); // some sets have a place for U+0000
     }
 
 private:

@@ -398,7 +398,7 @@ void X11Windows::refreshActive(Operation& operation) {
         const auto window = manager_ ? activeByManager(operation) : activeByFocus(operation);
         if (operation) {
             activeStale_ = false;
-            if (window.value_or(0) != current_ || !window)
+            if (window.value_or(0) != current_ || !window || isUndescribed_)
                 activate(operation, window);
         }
     }
@@ -409,7 +409,8 @@ void X11Windows::refreshActive(Operation& operation) {
 void X11Windows::activate(Operation& operation, std::optional<xcb_window_t> window) {
     auto* xcb = operation.xcb();
     const auto before = std::exchange(current_, window.value_or(0));
-    if (before != current_) {
+    // A new window may bear the number of one that was gone when it was asked.
+    if (before != current_ || isUndescribed_) {
         title_.reset();
         isUnmapped_ = false;
         if (before != 0)
@@ -421,6 +422,7 @@ void X11Windows::activate(Operation& operation, std::optional<xcb_window_t> wind
     std::optional<X11Window> read;
     if (window)
         read = Details(operation, *window).take(operation);
+    isUndescribed_ = window && !read;
     if (operation && read && isUnmapped_ && manager_) {
         refreshManaged(operation);
         if (!has(managed_, current_)) // withdrawn into a tray, say; one that is only minimised stays listed

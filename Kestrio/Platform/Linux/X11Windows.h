@@ -89,6 +89,7 @@ private:
     bool activeStale_ = true;
     xcb_window_t current_ = 0;        // the one that is active now, 0 for none
     bool isUnmapped_ = false;         // the current one, since it is that
+    bool isUndescribed_ = false;      // the current window told nothing of itself: most likely it is gone
     bool detailsStale_ = true;        // of the active window
     std::optional<X11Window> active_; // the one that is believed
     xcb_window_t focus_ = 0;          // without a window manager: what had the focus, and its top level

@@ -1,0 +1,549 @@
+#!/usr/bin/python3
+"""The programs as people meet them: kestrioctl and the agent, each in a private home and in a private desktop.
+
+usage: Tests/Programs/command_line_test.py FOLDER [TEST]...     FOLDER holds the built programs
+"""
+
+import json
+import os
+import pathlib
+import select
+import shutil
+import signal
+import sqlite3
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+DESKTOP = pathlib.Path(__file__).resolve().parents[2] / "Tools" / "virtual-desktop"
+if "KESTRIO_VIRTUAL_DESKTOP" not in os.environ:
+    os.execv(DESKTOP, [str(DESKTOP), "--", *sys.argv])
+
+BIN = pathlib.Path(sys.argv.pop(1)).resolve()
+DEADLINE = 20  # seconds; what is waited for takes less than three
+
+COMMANDS = ["record", "watch", "status", "sessions", "pause", "resume", "settings", "settings list", "settings get",
+            "settings set", "settings reset", "doctor"]
+
+SESSION_KEYS = ["id", "start", "end", "bundleID", "appName", "title", "url", "domain", "project", "kind"]
+STATUS_KEYS = ["state", "pausedUntil", "live", "alongside", "unsaved", "isAccessibilityGranted", "version",
+               "processIdentifier", "dataFolder", "startedAt"]
+STORE_KEYS = ["running", "focusedToday", "sessionCount", "fileSize", "earliestStart"]
+
+NOON = 1_700_049_600  # 2023-11-15 12:00 UTC
+
+
+def until(condition):
+    deadline = time.monotonic() + DEADLINE
+    while not (found := condition()) and time.monotonic() < deadline:
+        time.sleep(0.02)
+    return found
+
+
+def tree(folder):
+    """Every file below a folder with its mode and contents."""
+    return {
+        str(path.relative_to(folder)): (oct(path.lstat().st_mode), path.read_bytes() if path.is_file() else None)
+        for path in sorted(folder.rglob("*"))
+    }
+
+
+class Case(unittest.TestCase):
+    """A test with a home of its own, and nothing around it."""
+
+    desktop = False  # with the screen and the bus
+
+    def setUp(self):
+        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="kestrio-test-"))
+        self.addCleanup(shutil.rmtree, self.folder)
+        self.person = self.folder / "person"
+        self.person.mkdir()
+        (self.person / "precious.txt").write_text("mine")
+        self.home = self.folder / "home"
+        self.environment = {
+            "PATH": os.environ["PATH"], "HOME": str(self.person), "KESTRIO_HOME": str(self.home), "TZ": "UTC",
+            "LC_ALL": "en_GB.UTF-8", "DBUS_SYSTEM_BUS_ADDRESS": f"unix:path={self.folder}/no-bus",
+        }
+        if self.desktop:
+            for name in ("DISPLAY", "XAUTHORITY", "DBUS_SESSION_BUS_ADDRESS"):
+                if name in os.environ:
+                    self.environment[name] = os.environ[name]
+
+    def environment_with(self, **changes):
+        together = self.environment | changes
+        return {name: value for name, value in together.items() if value is not None}
+
+    def run_ctl(self, *arguments, **changes):
+        return subprocess.run([BIN / "kestrioctl", *arguments], env=self.environment_with(**changes), text=True,
+                              capture_output=True, timeout=DEADLINE, stdin=subprocess.DEVNULL)
+
+    def ctl(self, *arguments, status=0, **changes):
+        """What a command writes to standard output, when it ends as it should."""
+        ran = self.run_ctl(*arguments, **changes)
+        self.assertEqual(ran.returncode, status, f"{arguments}: {ran.stdout}{ran.stderr}")
+        return ran.stdout
+
+    def start(self, program, *arguments, **changes):
+        started = subprocess.Popen([BIN / program if program.startswith("kestrio") else program, *arguments],
+                                   env=self.environment_with(**changes), text=True, stdin=subprocess.DEVNULL,
+                                   bufsize=1, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+
+        def end():
+            started.kill()
+            started.wait()
+            started.stdout.close()
+            started.stderr.close()
+
+        self.addCleanup(end)
+        return started
+
+    @property
+    def database(self):
+        return self.home / "data" / "Kestrio" / "activity.sqlite"
+
+    def record_nothing(self):
+        """Lets the program make its files."""
+        recorder = self.start("kestrioctl", "record", DISPLAY=None, DBUS_SESSION_BUS_ADDRESS=None)
+        self.assertTrue(until(self.database.exists))
+        recorder.send_signal(signal.SIGINT)
+        self.assertEqual(recorder.wait(DEADLINE), 0, recorder.stderr.read())
+
+    def rows(self):
+        with sqlite3.connect(f"file:{self.database}?mode=ro", uri=True) as connection:
+            connection.row_factory = sqlite3.Row
+            return [dict(row) for row in connection.execute("SELECT * FROM sessions ORDER BY start")]
+
+    def add(self, start, end, title, app="Editor", url=None, kind=0):
+        with sqlite3.connect(self.database) as connection:
+            connection.execute(
+                "INSERT INTO sessions (start, end, bundle_id, app_name, title, url, kind) VALUES (?, ?, ?, ?, ?, ?, ?)",
+                (start, end, "org.example." + app, app, title, url, kind))
+        connection.close()
+
+    def assert_one_line(self, text):
+        self.assertRegex(text, r"\Akestrio(ctl)?: [^\n]+\n\Z")
+
+
+class Usage(Case):
+    def test_every_command_helps(self):
+        for command in ["", *COMMANDS]:
+            with self.subTest(command):
+                ran = self.run_ctl(*command.split(), "--help")
+                self.assertEqual((ran.returncode, ran.stderr), (0, ""))
+                self.assertIn("Usage: kestrioctl", ran.stdout)
+        self.assertFalse(self.home.exists())
+
+    def test_the_version_is_said(self):
+        self.assertRegex(self.ctl("--version"), r"\AKestrio \d+\.\d+\.\d+\n\Z")
+
+    def test_wrong_usage_is_one_line_and_status_2(self):
+        wrong = [
+            "", "bogus", "--bogus", "status extra", "status --bogus", "status status", "status doctor", "watch extra",
+            "record extra", "record --json", "resume now", "pause 30m 1h", "pause 5x", "pause -5m", "pause 0s",
+            "sessions extra", "sessions --from", "sessions --to", "sessions --from nonsense", "sessions --to 24:00",
+            "sessions --from 2026-04-31", "sessions --from now --to yesterday", "sessions --from today --to today",
+            "settings", "settings bogus", "settings list extra", "settings get", "settings get bogus",
+            "settings get idleMinutes more", "settings set", "settings set idleMinutes", "settings set bogus 1",
+            "settings set idleMinutes 0", "settings set idleMinutes -5", "settings set idleMinutes 1441",
+            "settings set idleMinutes five", "settings set idleMinutes 99999999999999999999",
+            "settings set showActivityLight maybe", "settings set appearanceMode pink", "settings set resourceDetail 2",
+            "settings set idleMinutes 5 6", "settings reset", "settings reset bogus", "doctor extra",
+        ]
+        for line in wrong:
+            with self.subTest(line):
+                ran = self.run_ctl(*line.split())
+                self.assertEqual((ran.returncode, ran.stdout), (2, ""))
+                self.assert_one_line(ran.stderr)
+        for arguments in (["pause", ""], ["sessions", "--from", ""], ["settings", "get", ""],
+                          ["settings", "get", "a\x1b[31m\nb"], ["pause", "x" * 10_000]):
+            with self.subTest(arguments):
+                ran = self.run_ctl(*arguments)
+                self.assertEqual((ran.returncode, ran.stdout), (2, ""))
+                self.assert_one_line(ran.stderr)
+        self.assertFalse(self.home.exists())
+
+    def test_wrong_usage_says_where_to_read_on(self):
+        self.assertEqual(self.run_ctl("settings").stderr,
+                         "kestrioctl: which command? There are several. Try kestrioctl settings --help.\n")
+        self.assertEqual(self.run_ctl("sessions", "--from").stderr,
+                         "kestrioctl: --from wants a value. Try kestrioctl sessions --help.\n")
+
+    def test_the_agents_own_usage(self):
+        for arguments, status in [(["--help"], 0), (["--version"], 0), (["--bogus"], 2), (["extra"], 2)]:
+            ran = subprocess.run([BIN / "kestrio", *arguments], env=self.environment, text=True, capture_output=True,
+                                 timeout=DEADLINE)
+            self.assertEqual(ran.returncode, status, arguments)
+            if status:
+                self.assert_one_line(ran.stderr)
+        self.assertFalse(self.home.exists())
+
+    def test_without_any_home_there_is_a_clear_line(self):
+        for command in ("status", "sessions", "settings list", "doctor", "record", "watch", "resume"):
+            with self.subTest(command):
+                ran = self.run_ctl(*command.split(), HOME=None, KESTRIO_HOME=None)
+                self.assertEqual((ran.returncode, ran.stdout), (1, ""))
+                self.assert_one_line(ran.stderr)
+
+
+class Sessions(Case):
+    def test_an_empty_home_has_none(self):
+        ran = self.run_ctl("sessions")
+        self.assertEqual((ran.returncode, ran.stdout, ran.stderr),
+                         (0, "", "kestrioctl: nothing was recorded in that time\n"))
+        self.assertEqual(json.loads(self.ctl("sessions", "--json")), [])
+
+    def test_a_range_is_shown_as_a_table(self):
+        self.record_nothing()
+        self.add(NOON, NOON + 3600, "Letter")
+        self.add(NOON + 3600, NOON + 5400, "Song", app="Player", kind=2)
+        self.add(NOON + 86400, NOON + 86430, "Tomorrow's")
+        text = self.ctl("sessions", "--from", "2023-11-15", "--to", "2023-11-16")
+        self.assertEqual(text, "Wednesday, 15 November 2023\n\n".join(["  ", ""]) +
+                         "  12:00:00  ████████       1h  Editor  Letter\n"
+                         "  13:00:00  ████          30m  Player  Listening: Song\n"
+                         "\n  1h focused in 2 sessions, 2 applications, 30m alongside\n")
+        self.assertIn("Tomorrow's", self.ctl("sessions", "--from", "2023-11-15"))
+
+    def test_the_width_follows_the_terminals(self):
+        self.record_nothing()
+        self.add(NOON, NOON + 3600, "x" * 300)
+        for columns in (50, 80, 120):
+            text = self.ctl("sessions", "--from", "2023-11-15", COLUMNS=str(columns))
+            self.assertEqual(max(map(len, text.splitlines())), columns)
+
+    def test_json_has_the_fields_of_the_records(self):
+        self.record_nothing()
+        self.add(NOON, NOON + 60.5, "Letter – “ü”", url="https://example.org/")
+        self.add(NOON + 100, NOON + 160, "", kind=1)
+        found = json.loads(self.ctl("sessions", "--from", f"@{NOON}", "--json"))
+        self.assertEqual([list(session) for session in found], [SESSION_KEYS] * 2)
+        self.assertEqual(found[0], {
+            "id": 1, "start": NOON, "end": NOON + 60.5, "bundleID": "org.example.Editor", "appName": "Editor",
+            "title": "Letter – “ü”", "url": "https://example.org/", "domain": None, "project": None, "kind": 0})
+        self.assertEqual((found[1]["title"], found[1]["url"], found[1]["kind"]), ("", None, 1))
+
+    def test_bytes_that_are_no_text_do_no_harm(self):
+        self.record_nothing()
+        with sqlite3.connect(self.database) as connection:
+            connection.execute("INSERT INTO sessions (start, end, bundle_id, app_name, title) VALUES (?, ?, 'a', 'A', "
+                               "CAST(x'41ff1b5b324a' AS TEXT))", (NOON, NOON + 60))
+        connection.close()
+        table = self.ctl("sessions", "--from", f"@{NOON}")
+        self.assertIn("A\N{REPLACEMENT CHARACTER} [2J", table)
+        self.assertEqual(len(json.loads(self.ctl("sessions", "--from", f"@{NOON}", "--json"))), 1)
+
+    def test_a_damaged_database_is_said_and_left_alone(self):
+        self.database.parent.mkdir(parents=True)
+        for content in (b"This is no database, however you look at it. " * 100, b"SQLite format 3\0" + b"\xff" * 5000):
+            self.database.write_bytes(content)
+            for command in ("sessions", "sessions --json", "status", "status --json"):
+                with self.subTest(command):
+                    ran = self.run_ctl(*command.split())
+                    self.assertEqual((ran.returncode, ran.stdout), (1, ""))
+                    self.assert_one_line(ran.stderr)
+                    self.assertIn(str(self.database), ran.stderr)
+            findings = {each["name"]: each for each in json.loads(self.ctl("doctor", "--json", status=1))}
+            self.assertEqual(findings["Sessions"]["state"], "broken")
+            self.assertEqual(self.database.read_bytes(), content)
+
+
+class Settings(Case):
+    def test_are_set_read_and_put_back(self):
+        self.assertEqual(self.ctl("settings", "get", "idleMinutes"), "3\n")
+        self.assertEqual(self.ctl("settings", "set", "idleMinutes", "5"), "")
+        self.assertEqual(self.ctl("settings", "get", "idleMinutes"), "5\n")
+        self.assertEqual(json.loads(self.ctl("settings", "list", "--json"))["idleMinutes"], 5)
+        self.assertRegex(self.ctl("settings", "list"), r"(?m)^  • idleMinutes +5 ")
+        self.assertEqual(self.ctl("settings", "reset", "idleMinutes"), "")
+        self.assertEqual(self.ctl("settings", "get", "idleMinutes"), "3\n")
+        self.assertEqual(self.ctl("settings", "set", "showActivityLight", "off"), "")
+        self.assertEqual(self.ctl("settings", "get", "showActivityLight"), "false\n")
+        self.assertEqual(self.ctl("settings", "set", "appearanceMode", "dark"), "")
+        self.assertEqual(json.loads(self.ctl("settings", "list", "--json"))["appearanceMode"], "dark")
+
+    def test_one_that_is_not_set_is_nothing(self):
+        ran = self.run_ctl("settings", "get", "dashboardSection")
+        self.assertEqual((ran.returncode, ran.stdout, ran.stderr), (1, "", "kestrioctl: dashboardSection is not set\n"))
+        self.assertIsNone(json.loads(self.ctl("settings", "list", "--json"))["dashboardSection"])
+
+    def test_a_refused_value_changes_nothing(self):
+        self.ctl("settings", "set", "idleMinutes", "5")
+        before = tree(self.home)
+        for value in ("0", "1441", "five", ""):
+            self.ctl("settings", "set", "idleMinutes", value, status=2)
+        self.assertEqual(tree(self.home), before)
+
+
+class Files(Case):
+    READING = ["status", "status --json", "sessions", "sessions --json", "settings list", "settings list --json",
+               "settings get idleMinutes", "doctor", "doctor --json", "watch", "resume", "pause"]
+
+    def test_reading_makes_no_files(self):
+        for command in self.READING:
+            self.run_ctl(*command.split())
+            self.assertFalse(self.home.exists(), command)
+
+    def test_reading_what_was_recorded_leaves_it_as_it_is(self):
+        self.record_nothing()
+        self.add(NOON, NOON + 60, "Letter")
+        before = tree(self.home)
+        for command in self.READING:
+            self.run_ctl(*command.split())
+            after = tree(self.home)
+            for sidecar in ("-shm", "-wal"):  # the library's own, which a reader of such a file needs
+                after.pop(f"data/Kestrio/activity.sqlite{sidecar}", None)
+            self.assertEqual(after, before, command)
+
+    def test_nothing_outside_the_home_is_touched(self):
+        before = tree(self.person)
+        self.record_nothing()
+        self.ctl("settings", "set", "idleMinutes", "5")
+        self.ctl("settings", "reset", "idleMinutes")
+        for command in self.READING:
+            self.run_ctl(*command.split())
+        self.assertEqual(tree(self.person), before)
+
+    def test_everything_is_the_owners_alone(self):
+        self.record_nothing()
+        self.ctl("settings", "set", "idleMinutes", "5")
+        for path in self.home.rglob("*"):
+            mode = path.stat().st_mode & 0o777
+            self.assertEqual(oct(mode), oct(0o700 if path.is_dir() else 0o600), path)
+
+
+class Output(Case):
+    def shell(self, script):
+        return subprocess.run(["sh", "-c", script], env=self.environment | {"CTL": str(BIN / "kestrioctl")},
+                              text=True, capture_output=True, timeout=DEADLINE)
+
+    def test_a_reader_who_leaves_does_no_harm(self):
+        self.record_nothing()
+        for n in range(2000):
+            self.add(NOON + n * 60, NOON + n * 60 + 60, f"Title {n}") if n % 100 == 0 else None
+        for command in ("sessions --from @0", "sessions --from @0 --json", "settings list", "doctor", "status"):
+            with self.subTest(command):
+                ran = self.shell(f'"$CTL" {command} | head -0')
+                self.assertEqual((ran.returncode, ran.stderr), (0, ""))
+
+    def test_closed_streams_do_no_harm(self):
+        self.ctl("settings", "set", "idleMinutes", "5")
+        before = tree(self.home)
+        for command in ("settings list", "settings get idleMinutes", "settings set idleMinutes 5", "settings get bogus"):
+            self.shell(f'"$CTL" {command} <&- >&- 2>&-')
+            self.assertEqual(tree(self.home), before, command)
+
+    def test_there_is_no_colour_but_on_a_terminal(self):
+        self.record_nothing()
+        self.add(NOON, NOON + 60, "Letter")
+        for command in ("sessions --from @0", "doctor", "settings list"):
+            self.assertNotIn("\x1b", self.ctl(*command.split()))
+
+
+class WithoutAgent(Case):
+    def test_status_says_so(self):
+        ran = self.run_ctl("status")
+        self.assertEqual((ran.returncode, ran.stderr), (1, ""))
+        self.assertEqual(ran.stdout, "  Kestrio is not running.\n  Today      0s focused\n")
+        found = json.loads(self.ctl("status", "--json", status=1))
+        self.assertEqual(list(found), STATUS_KEYS + STORE_KEYS)
+        self.assertEqual([found[key] for key in STATUS_KEYS], [None] * len(STATUS_KEYS))
+        self.assertEqual([found[key] for key in STORE_KEYS], [False, 0, 0, 0, None])
+
+    def test_actions_say_so(self):
+        for command in ("pause", "pause 30m", "pause until-tomorrow", "resume", "watch", "watch --json"):
+            with self.subTest(command):
+                ran = self.run_ctl(*command.split())
+                self.assertEqual((ran.returncode, ran.stdout, ran.stderr),
+                                 (1, "", "kestrioctl: Kestrio is not running here. Start it with: kestrio\n"))
+
+    def test_the_doctor_has_remedies(self):
+        text = self.ctl("doctor")
+        for words in ("there is no X display here", "Start Kestrio from your desktop", "not running",
+                      "Start it with: kestrio", "0 broken, "):
+            self.assertIn(words, text)
+        findings = json.loads(self.ctl("doctor", "--json"))
+        for finding in findings:
+            self.assertEqual(list(finding), ["name", "state", "answer", "remedy"])
+            self.assertIn(finding["state"], ("fine", "missing"))
+            self.assertEqual(finding["state"] == "missing", finding["remedy"] is not None, finding)
+        self.assertEqual([finding["name"] for finding in findings],
+                         ["This machine", "Screen", "Sleep and lock", "Session bus", "Agent", "Data folder", "Sessions",
+                          "Settings", "Start at login"])
+
+    def test_what_does_not_answer_holds_nobody_up(self):
+        changes = {"DISPLAY": ":32000", "DBUS_SESSION_BUS_ADDRESS": f"unix:path={self.folder}/no-bus"}
+        self.assertIn("does not answer", self.ctl("doctor", **changes))
+        self.ctl("status", status=1, **changes)
+        self.ctl("sessions", **changes)
+
+    def test_a_folder_that_others_can_read_is_a_finding(self):
+        self.record_nothing()
+        self.database.parent.chmod(0o755)
+        self.assertIn(f"chmod 700 {self.database.parent}", self.ctl("doctor", status=1))
+
+    def test_recording_needs_neither_screen_nor_bus(self):
+        self.record_nothing()
+        self.assertEqual(self.rows(), [])
+        self.ctl("sessions")
+
+
+class OnADesktop(Case):
+    desktop = True
+
+    def setUp(self):
+        super().setUp()
+        self.ctl("settings", "set", "idleMinutes", "1440")  # nobody ever touches this desktop
+
+    def open_window(self, title):
+        return self.start("xterm", "-T", title, "-e", "sleep 1000")
+
+    def start_agent(self):
+        agent = self.start("kestrio", "--login")
+        self.assertTrue(until(lambda: self.run_ctl("status").returncode == 0), "the agent did not appear")
+        return agent
+
+    def status(self):
+        return json.loads(self.ctl("status", "--json"))
+
+    def until_front(self, title):
+        def is_front():
+            live = self.status()["live"]
+            return live and live["sample"]["title"] == title
+
+        self.assertTrue(until(is_front), f"{title} did not come to the front: {self.ctl('status', '--json')}")
+
+    def is_worth_a_row(self):
+        live = self.status()["live"]
+        return live and live["lastSeen"] - live["start"] >= 1
+
+    def line_with(self, program, text):
+        """The first line of a program's output that holds the text."""
+        deadline = time.monotonic() + DEADLINE
+        while select.select([program.stdout], [], [], max(0, deadline - time.monotonic()))[0]:
+            line = program.stdout.readline()
+            if text in line:
+                return line
+            if not line:
+                break
+        self.fail(f"the program did not tell of {text}")
+
+    def test_the_agent_tells_what_it_does(self):
+        agent = self.start_agent()
+        self.open_window("First")
+        self.until_front("First")
+        self.assertTrue(until(self.is_worth_a_row))
+        found = self.status()
+        self.assertEqual(list(found), STATUS_KEYS + STORE_KEYS)
+        self.assertEqual((found["state"], found["running"], found["processIdentifier"]), ("tracking", True, agent.pid))
+        self.assertEqual(found["dataFolder"], str(self.database.parent))
+        text = self.ctl("status")
+        self.assertRegex(text, rf"\A  Kestrio \d[\d.]*, process {agent.pid}, since .*\n  Now        recording XTerm: First\n")
+        open_session = json.loads(self.ctl("sessions", "--json"))[-1]
+        self.assertEqual(list(open_session), SESSION_KEYS)
+        self.assertEqual(open_session["title"], "First")
+        self.assertIn("First", self.ctl("sessions"))
+
+    def test_pausing_and_resuming(self):
+        self.start_agent()
+        self.open_window("First")
+        self.until_front("First")
+        before = time.time()
+        self.assertRegex(self.ctl("pause", "30m"), r"\APaused until (\w{3}, \d+ \w+, )?\d\d:\d\d\.\n\Z")
+        found = self.status()
+        self.assertEqual((found["state"], found["live"]), ("paused", None))
+        self.assertTrue(before + 1800 <= found["pausedUntil"] <= time.time() + 1800)
+        self.assertRegex(self.ctl("status"), r"Now        paused until ")
+
+        self.assertRegex(self.ctl("pause", "until-tomorrow"), r"\APaused until \w{3}, \d+ \w+( \d{4})?, 00:00\.\n\Z")
+        self.assertAlmostEqual(self.status()["pausedUntil"] % 86400 % 86399.999, 0, delta=0.01)
+
+        self.assertEqual(self.ctl("pause"), "Paused until you resume.\n")
+        self.assertEqual(self.status()["pausedUntil"], 64092211200)
+        self.assertEqual(self.ctl("resume"), "Recording.\n")
+        self.until_front("First")
+        self.assertEqual((self.status()["state"], self.status()["pausedUntil"]), ("tracking", None))
+
+    def test_watching_tells_each_change(self):
+        agent = self.start_agent()
+        self.open_window("First")
+        self.until_front("First")
+        watch = self.start("kestrioctl", "watch")
+        data = self.start("kestrioctl", "watch", "--json")
+        self.assertRegex(self.line_with(watch, "First"), r"\A\d\d:\d\d:\d\d  tracking  XTerm: First\n\Z")
+        self.line_with(data, "First")
+        self.open_window("Second")
+        self.assertRegex(self.line_with(watch, "Second"), r"\A\d\d:\d\d:\d\d  tracking  XTerm: Second\n\Z")
+        self.assertEqual(list(json.loads(self.line_with(data, "Second"))), STATUS_KEYS)
+        self.ctl("pause")
+        self.assertRegex(self.line_with(watch, "paused"), r"  paused    until you resume\n\Z")
+        agent.terminate()
+        self.assertEqual(watch.wait(DEADLINE), 0)
+        self.assertEqual(watch.stderr.read(), "kestrioctl: Kestrio has ended.\n")
+
+    def test_a_second_copy_is_refused(self):
+        agent = self.start_agent()
+        for program, *arguments in (["kestrio"], ["kestrio", "--login"], ["kestrioctl", "record"]):
+            second = self.start(program, *arguments)
+            self.assertEqual(second.wait(DEADLINE), 0)
+            self.assertEqual(second.stderr.read(), f"kestrio: Kestrio is already running (process {agent.pid}).\n")
+            self.assertEqual(second.stdout.read(), "")
+        self.assertIsNone(agent.poll())
+
+    def test_a_copy_with_its_data_elsewhere_is_refused_by_the_session(self):
+        agent = self.start_agent()
+        other = self.start("kestrio", KESTRIO_HOME=str(self.folder / "other"))
+        self.assertEqual(other.wait(DEADLINE), 0)
+        self.assert_one_line(other.stderr.read())
+        self.assertIsNone(agent.poll())
+        self.ctl("status", status=1, KESTRIO_HOME=str(self.folder / "other"))
+
+    def test_terminating_the_agent_writes_the_sessions_end(self):
+        agent = self.start_agent()
+        self.open_window("First")
+        self.until_front("First")
+        self.assertTrue(until(self.is_worth_a_row))
+        before = time.time()
+        agent.terminate()
+        self.assertEqual(agent.wait(DEADLINE), 0)
+        last = self.rows()[-1]
+        self.assertEqual(last["title"], "First")
+        self.assertTrue(before <= last["end"] <= time.time())
+        self.ctl("status", status=1)
+
+    def test_recording_in_the_foreground_needs_no_bus(self):
+        self.open_window("First")
+        recorder = self.start("kestrioctl", "record", DBUS_SESSION_BUS_ADDRESS=None)
+        self.line_with(recorder, "First")
+        self.assertTrue(until(lambda: self.database.exists() and self.rows()))  # written at the first flush
+        before = time.time()
+        recorder.send_signal(signal.SIGINT)
+        self.assertEqual(recorder.wait(DEADLINE), 0)
+        self.assertEqual(self.rows()[-1]["title"], "First")
+        self.assertGreaterEqual(self.rows()[-1]["end"], before)
+
+    def test_recording_ends_in_order_when_nobody_reads(self):
+        self.open_window("First")
+        recorder = self.start("kestrioctl", "record")
+        self.line_with(recorder, "First")
+        self.assertTrue(until(self.rows))
+        recorder.stdout.close()
+        self.open_window("Second")
+        self.assertEqual(recorder.wait(DEADLINE), 0)
+        self.assertIn("First", [row["title"] for row in self.rows()])
+
+    def test_the_doctor_finds_everything_that_is_there(self):
+        self.start_agent()
+        self.open_window("First")
+        self.until_front("First")
+        findings = {each["name"]: each for each in json.loads(self.ctl("doctor", "--json"))}
+        for name in ("Screen", "Applications", "Window titles", "Idle time", "Session bus", "Agent", "Data folder",
+                     "Sessions", "Settings"):
+            self.assertEqual(findings[name]["state"], "fine", findings[name])
+        self.assertIn("XTerm in front", findings["Applications"]["answer"])
+        self.assertNotIn("First", json.dumps(findings), "no title belongs in a report that people pass on")
+
+
+if __name__ == "__main__":
+    unittest.main()
