@@ -48,10 +48,11 @@ struct Running {
 
 /// One scan of one application; what is a count of bytes, page-ins, nanojoules or wake-ups is since the scan before.
 struct AppReading {
-    double cpu = 0;                   // in cores fully used
-    std::uint64_t memory = 0;         // footprint in bytes
-    std::uint64_t resident = 0;       // bytes in physical memory
-    std::optional<double> pcoreShare; // share of CPU time on performance cores, 0 to 1; absent if it cannot be told
+    double cpu = 0;             // in cores fully used
+    std::uint64_t memory = 0;   // footprint in bytes
+    std::uint64_t resident = 0; // bytes in physical memory
+    std::optional<double> pcoreShare =
+        std::nullopt; // share of CPU time on performance cores, 0 to 1; absent if it cannot be told
     std::uint64_t pageins = 0;
     double frontSeconds = 0;
     std::int64_t state = 0; // of the optimizer, as the log codes it; a higher one is a stronger one
@@ -118,8 +119,8 @@ struct BehaviourAccumulator {
     double idleSeconds = 0;
     double awaySeconds = 0;
     double pausedSeconds = 0;
-    std::int64_t switches = 0;            // changes of the front application
-    std::optional<std::string> lastFront; // at the last active tick
+    std::int64_t switches = 0;                           // changes of the front application
+    std::optional<std::string> lastFront = std::nullopt; // at the last active tick
 
     /// One tick. At most 30 seconds of it count, so that a tick after a sleep does not fill the minute; a state that
     /// has no code counts as paused. The first front application ever seen is no switch.
