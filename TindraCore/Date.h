@@ -15,8 +15,8 @@ struct Date {
 
     friend constexpr auto operator<=>(Date, Date) = default;
 
-    friend constexpr Date operator+(Date date, double seconds) { return {date.seconds + seconds}; }
-    friend constexpr Date operator-(Date date, double seconds) { return {date.seconds - seconds}; }
+    friend constexpr Date operator+(Date date, double span) { return {date.seconds + span}; }
+    friend constexpr Date operator-(Date date, double span) { return {date.seconds - span}; }
     /// Seconds from `earlier` to `later`, negative when they are the other way round.
     friend constexpr double operator-(Date later, Date earlier) { return later.seconds - earlier.seconds; }
 };

@@ -32,7 +32,7 @@ const JSON& member(const JSON& object, const char* key) {
     return *found;
 }
 
-// nlohmann-json turns numbers, booleans and enumerations into one another; these do not.
+// Asked for an integer, nlohmann-json takes a boolean too and cuts a fraction off. These take only what is meant.
 
 double number(const JSON& json) {
     return json.is_number() ? finite(json.get<double>()) : throw Unusable();

@@ -35,7 +35,7 @@ std::size_t allocationsOf(const Work& work) {
 }
 
 TEST(Allocations, areCountedHere) {
-    EXPECT_EQ(allocationsOf([] { delete new int(1); }), 1u);
+    EXPECT_EQ(allocationsOf([] { ::operator delete(::operator new(1)); }), 1u);
 }
 
 TEST(Allocations, anAnswerOfNothingAllocatesNothing) {

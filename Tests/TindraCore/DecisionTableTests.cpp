@@ -48,27 +48,29 @@ struct Line {
 };
 
 // Decisions in the order in which they are carried out.
+// clang-format off
 const Line account[] = {
-    //                      enabled front   state    tier       protection    due     slowing efficient busy
-    {"thaw(optimizerOff)", {no, either, stopped, anyTier, anyGuard, either, either, either, either}},
-    {"thaw(opened)", {yes, yes, stopped, anyTier, anyGuard, either, either, either, either}},
-    {"thaw(alwaysOn)", {yes, no, stopped, alwaysOn, anyGuard, either, either, either, either}},
-    {"thaw(protected)", {yes, no, stopped, freezable, guarded, either, either, either, either}},
-    {"wake", {yes, no, frozen, periodic, unprotected, yes, either, either, either}},
-    {"freeze", {yes, no, running, freezable, unprotected, yes, either, either, either}},
-    {"refreeze", {yes, no, waking, freezable, unprotected, yes, either, either, either}},
+    //                      enabled front   state              tier       protection   due     slowing efficient busy
+    {"thaw(optimizerOff)", {no,     either, stopped,           anyTier,   anyGuard,    either, either, either,   either}},
+    {"thaw(opened)",       {yes,    yes,    stopped,           anyTier,   anyGuard,    either, either, either,   either}},
+    {"thaw(alwaysOn)",     {yes,    no,     stopped,           alwaysOn,  anyGuard,    either, either, either,   either}},
+    {"thaw(protected)",    {yes,    no,     stopped,           freezable, guarded,     either, either, either,   either}},
+    {"wake",               {yes,    no,     frozen,            periodic,  unprotected, yes,    either, either,   either}},
+    {"freeze",             {yes,    no,     running,           freezable, unprotected, yes,    either, either,   either}},
+    {"refreeze",           {yes,    no,     waking,            freezable, unprotected, yes,    either, either,   either}},
     // Slowed when busy, unless it is frozen at once or kept on the performance cores.
-    {"makeEfficient", {yes, no, running, freezable, unprotected, no, yes, no, yes}},
-    {"makeEfficient", {yes, no, running, alwaysOn, unprotected, either, yes, no, yes}},
-    {"makeEfficient", {yes, no, running, anyTier, mayBeSlowed, either, yes, no, yes}},
+    {"makeEfficient",      {yes,    no,     running,           freezable, unprotected, no,     yes,    no,       yes}},
+    {"makeEfficient",      {yes,    no,     running,           alwaysOn,  unprotected, either, yes,    no,       yes}},
+    {"makeEfficient",      {yes,    no,     running,           anyTier,   mayBeSlowed, either, yes,    no,       yes}},
     // Given back: when off, when opened, when kept on the performance cores, when the setting is off.
-    {"restorePriority", {no, either, running | stopped, anyTier, anyGuard, either, either, yes, either}},
-    {"restorePriority", {yes, yes, running | stopped, anyTier, anyGuard, either, either, yes, either}},
-    {"restorePriority", {yes, no, running, anyTier, keepsCores, either, either, yes, either}},
-    {"restorePriority", {yes, no, running, freezable, unprotected, no, no, yes, either}},
-    {"restorePriority", {yes, no, running, alwaysOn, unprotected, either, no, yes, either}},
-    {"restorePriority", {yes, no, running, anyTier, mayBeSlowed, either, no, yes, either}},
+    {"restorePriority",    {no,     either, running | stopped, anyTier,   anyGuard,    either, either, yes,      either}},
+    {"restorePriority",    {yes,    yes,    running | stopped, anyTier,   anyGuard,    either, either, yes,      either}},
+    {"restorePriority",    {yes,    no,     running,           anyTier,   keepsCores,  either, either, yes,      either}},
+    {"restorePriority",    {yes,    no,     running,           freezable, unprotected, no,     no,     yes,      either}},
+    {"restorePriority",    {yes,    no,     running,           alwaysOn,  unprotected, either, no,     yes,      either}},
+    {"restorePriority",    {yes,    no,     running,           anyTier,   mayBeSlowed, either, no,     yes,      either}},
 };
+// clang-format on
 
 std::string accountOf(const Facts& situation, double wakeSeconds) {
     std::string texts;

@@ -239,6 +239,9 @@ TEST(AppMinuteAccumulator, isWorthKeepingFromEachBoundOn) {
         EXPECT_EQ(minute.isWorthKeeping(), row.isWorthKeeping) << row.name;
     }
     EXPECT_FALSE(AppMinuteAccumulator("App").isWorthKeeping());
+    AppMinuteAccumulator below("App");
+    below.state = -1;
+    EXPECT_FALSE(below.isWorthKeeping());
 }
 
 TEST(AppMinuteAccumulator, itsMemoryCountsByThePeakAndItsCpuByTheAverage) {
