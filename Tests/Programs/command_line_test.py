@@ -372,6 +372,12 @@ class WithoutAgent(Case):
                          ["This machine", "Screen", "Sleep and lock", "Session bus", "Agent", "Data folder", "Sessions",
                           "Settings", "Start at login"])
 
+    def test_the_doctor_says_what_a_wayland_session_hides(self):
+        findings = json.loads(self.ctl("doctor", "--json", WAYLAND_DISPLAY="wayland-0"))
+        (wayland,) = (each for each in findings if each["name"] == "Wayland")
+        self.assertEqual(wayland["state"], "missing")
+        self.assertIn("X11 session", wayland["remedy"])
+
     def test_what_does_not_answer_holds_nobody_up(self):
         changes = {"DISPLAY": ":32000", "DBUS_SESSION_BUS_ADDRESS": f"unix:path={self.folder}/no-bus"}
         self.assertIn("does not answer", self.ctl("doctor", **changes))

@@ -161,8 +161,9 @@ public:
         xcb_delete_property(xcb_, window, atom(name));
         flush();
     }
-    xcb_window_t create(const std::string& className) const {
-        const auto window = xcb_generate_id(xcb_);
+    xcb_window_t create(const std::string& className) const { return create(className, xcb_generate_id(xcb_)); }
+    /// With a number of this client's own, that of a window which is gone for one.
+    xcb_window_t create(const std::string& className, xcb_window_t window) const {
         xcb_create_window(xcb_, XCB_COPY_FROM_PARENT, window, root_, 0, 0, 100, 100, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
                           XCB_COPY_FROM_PARENT, 0, nullptr);
         setText(window, "WM_CLASS", "STRING", className + '\0' + className + '\0');
@@ -446,6 +447,22 @@ TEST_F(X11, aWindowThatIsGoneIsNotInFront) {
     EXPECT_TRUE(readers->running().empty());
     client.setManaged({0x00abcdef, client.create("alpha")});
     EXPECT_TRUE(readers->isRunning("org.example.alpha"));
+}
+
+TEST_F(X11, aNewWindowWithTheNumberOfADeadOneComesToTheFront) {
+    const Client client(display.name());
+    client.manage(); // a manager that goes on naming the dead window, as some do for a while
+    const auto window = client.create("alpha");
+    client.setManaged({window});
+    client.setActive(window);
+    ASSERT_TRUE(comesToFront("org.example.alpha"));
+    xcb_destroy_window(client.xcb(), window);
+    client.flush();
+    client.setActive(window);
+    ASSERT_TRUE(comesToFront("none"));
+    client.create("beta", window);
+    client.setActive(window);
+    EXPECT_TRUE(comesToFront("org.example.beta"));
 }
 
 TEST_F(X11, aWindowThatWithdrewIsNotInFront) {
