@@ -13,7 +13,13 @@ void AppModel::start() {
 }
 
 void AppModel::pollStatus() {
-    auto published = parts_.monitor.published();
+    if (std::exchange(polling_, true))
+        return; // an observer asks in the middle of being told
+    takeOver(parts_.monitor.published());
+    polling_ = false;
+}
+
+void AppModel::takeOver(ActivityMonitor::Published published) {
     isAccessibilityGranted_.set(published.windowTitlesGranted);
     // What was published before the monitor heard of a pause would undo what the person was just told.
     if (published.pausesTaken >= pausesAsked_) {

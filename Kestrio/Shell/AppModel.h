@@ -55,10 +55,12 @@ public:
     Queue& queue() const { return parts_.queue; }
 
 private:
+    void takeOver(ActivityMonitor::Published published);
     void enableLaunchAtLoginOnFirstInstall();
 
     const Parts parts_;
     bool started_ = false;
+    bool polling_ = false;
     std::uint64_t pausesAsked_ = 0;
     Subscription statusTimer_;
     std::shared_ptr<int> lookers_ = std::make_shared<int>(0);

@@ -97,6 +97,16 @@ TEST_F(AppModelTest, thePollTellsOnlyWhatChanged) {
     EXPECT_EQ(state.values, (std::vector{TrackingState::away, TrackingState::tracking}));
 }
 
+TEST_F(AppModelTest, anObserverMayPollWhileItIsBeingTold) {
+    run();
+    const Told state(model->trackingState());
+    const auto nosy = model->trackingState().observe([this](TrackingState) { model->pollStatus(); });
+    happen(SessionEvent::screenIsLocked);
+    pass(4);
+    EXPECT_EQ(state.values, (std::vector{TrackingState::away}));
+    EXPECT_EQ(model->isAccessibilityGranted().value(), true);
+}
+
 TEST_F(AppModelTest, aPauseAnswersAtOnce) {
     run();
     const auto end = time.now() + Seconds(1800);
