@@ -43,8 +43,9 @@ public:
         return queue_.sync([this] {
             auto found = screen();
             if (processEnvironment("WAYLAND_DISPLAY"))
-                found.push_back({"Wayland", State::missing, "native Wayland windows cannot be seen yet",
-                                 "Choose an X11 session at login; here only applications under XWayland are recorded."});
+                found.push_back(
+                    {"Wayland", State::missing, "native Wayland windows cannot be seen yet",
+                     "Choose an X11 session at login; here only applications under XWayland are recorded."});
             found.push_back(sessionEvents());
             return found;
         });
