@@ -58,6 +58,29 @@ void forEachCodePoint(std::string_view text, Visit visit) {
     }
 }
 
+/// The part of the text between scalars at both ends that `isEdge` names.
+template <class IsEdge>
+std::string_view trimmedOf(std::string_view text, IsEdge isEdge) {
+    std::optional<std::size_t> first;
+    std::size_t end = 0;
+    std::size_t at = 0;
+    forEachCodePoint(text, [&](UChar32 c, std::string_view bytes) {
+        if (c < 0 || !isEdge(c)) {
+            first = first.value_or(at);
+            end = at + bytes.size();
+        }
+        at += bytes.size();
+    });
+    return first ? text.substr(*first, end - *first) : std::string_view();
+}
+
+std::string lowercasedASCII(std::string_view text) {
+    std::string result(text);
+    std::transform(result.begin(), result.end(), result.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+    return result;
+}
+
 bool isInvisibleMark(UChar32 c) {
     return c == 0x200B || c == 0x200E || c == 0x200F || (c >= 0x202A && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069) ||
            c == 0xFEFF;
@@ -165,12 +188,8 @@ std::string prefix(std::string_view text, std::size_t count) {
 }
 
 std::string folded(std::string_view text, Ignoring ignoring) {
-    if (isASCII(text)) {
-        std::string result(text);
-        std::transform(result.begin(), result.end(), result.begin(),
-                       [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-        return result;
-    }
+    if (isASCII(text))
+        return lowercasedASCII(text);
     std::string caseless;
     icu::StringByteSink<std::string> sink(&caseless);
     UErrorCode error = U_ZERO_ERROR;
@@ -217,17 +236,38 @@ std::string fromUntrustedBytes(std::string_view bytes) {
 }
 
 std::string_view trimmed(std::string_view text) {
-    std::optional<std::size_t> first;
-    std::size_t end = 0;
-    std::size_t at = 0;
-    forEachCodePoint(text, [&](UChar32 c, std::string_view bytes) {
-        if (c < 0 || !u_isUWhiteSpace(c)) {
-            first = first.value_or(at);
-            end = at + bytes.size();
-        }
-        at += bytes.size();
-    });
-    return first ? text.substr(*first, end - *first) : std::string_view();
+    return trimmedOf(text, [](UChar32 c) { return u_isUWhiteSpace(c) != 0; });
+}
+
+std::string_view trimmedOfBlanks(std::string_view text) {
+    return trimmedOf(text, [](UChar32 c) { return u_isblank(c) != 0; });
+}
+
+std::string lowercased(std::string_view text) {
+    if (isASCII(text))
+        return lowercasedASCII(text);
+    std::string result;
+    icu::StringByteSink<std::string> sink(&result);
+    UErrorCode error = U_ZERO_ERROR;
+    icu::CaseMap::utf8ToLower("", 0, piece(text), sink, nullptr, error);
+    return U_SUCCESS(error) ? result : std::string(text);
+}
+
+std::optional<Scalar> firstScalar(std::string_view text) {
+    if (text.empty())
+        return std::nullopt;
+    std::int32_t at = 0;
+    UChar32 c = 0;
+    U8_NEXT(reinterpret_cast<const std::uint8_t*>(text.data()), at, static_cast<std::int32_t>(text.size()), c);
+    return Scalar{c < 0 ? U'\uFFFD' : static_cast<char32_t>(c), static_cast<std::size_t>(at)};
+}
+
+bool isWhiteSpace(char32_t scalar) {
+    return u_isUWhiteSpace(static_cast<UChar32>(scalar));
+}
+
+bool isDecimalDigit(char32_t scalar) {
+    return u_charType(static_cast<UChar32>(scalar)) == U_DECIMAL_DIGIT_NUMBER;
 }
 
 std::size_t columns(std::string_view text) {

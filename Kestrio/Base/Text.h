@@ -45,6 +45,29 @@ std::string fromUntrustedBytes(std::string_view bytes);
 /// The part of the text between white space at both ends, by the Unicode property. Points into the argument.
 std::string_view trimmed(std::string_view text);
 
+/// The part of the text between blanks at both ends: spaces of any width, and tabs. Points into the argument.
+std::string_view trimmedOfBlanks(std::string_view text);
+
+/// The text in lower case, by the rules that hold in no language in particular.
+std::string lowercased(std::string_view text);
+
+/// One Unicode scalar and the bytes that it takes. An ill-formed piece counts as U+FFFD.
+struct Scalar {
+    char32_t value;
+    std::size_t length;
+
+    friend bool operator==(const Scalar&, const Scalar&) = default;
+};
+
+/// The scalar that the text begins with; absent for an empty text.
+std::optional<Scalar> firstScalar(std::string_view text);
+
+/// The Unicode property.
+bool isWhiteSpace(char32_t scalar);
+
+/// A decimal digit of any script.
+bool isDecimalDigit(char32_t scalar);
+
 /// How many columns a terminal needs for the text: none for marks, two for the wide characters of East Asia and emoji.
 std::size_t columns(std::string_view text);
 

@@ -3,6 +3,7 @@
 #include "Kestrio/Activity/Database.h"
 #include "Kestrio/Base/Log.h"
 #include "Kestrio/Base/Mistake.h"
+#include "Kestrio/Classification/TextTools.h"
 #include "Kestrio/Link/BackgroundClient.h"
 #include "Kestrio/Link/BackgroundService.h"
 #include "Kestrio/Link/LocalBackground.h"
@@ -84,7 +85,7 @@ public:
         connectReaders();
         monitor_.emplace(ActivityMonitor::Host{clock_, monitorQueue_, desktop_->workspace, desktop_->windowTitles,
                                                desktop_->inputIdle, desktop_->sessionEvents, settings_},
-                         *database_, HostDesktop::hostApplications(), ActivityMonitor::Collaborators());
+                         *database_, HostDesktop::hostApplications(), collaborators());
         const auto program = ownProgram();
         loginItem_.emplace(locations_.autostartFolder(), program);
         model_.emplace(AppModel::Parts{clock_, main_, *monitor_, settings_, *loginItem_, isInstalledCopy(program)});
@@ -163,6 +164,17 @@ private:
     void connectReaders() {
         monitorQueue_.sync(
             [this] { desktop_ = std::make_unique<HostDesktop>(monitorQueue_, clock_, processEnvironment); });
+    }
+
+    /// What the other concerns contribute to a sample.
+    static ActivityMonitor::Collaborators collaborators() {
+        ActivityMonitor::Collaborators all;
+        all.cleanTitle = [](const std::string& title) { return TitleCleaner::clean(title); };
+        all.removingAppName = [](const std::string& title, const std::string& appName) {
+            return TitleCleaner::removingAppName(title, appName);
+        };
+        all.domain = [](const std::string& url) { return URLTools::domain(url); };
+        return all;
     }
 
     /// False when another agent of this session has the name already; this one then leaves it alone.

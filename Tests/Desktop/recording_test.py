@@ -63,6 +63,14 @@ class Recording(DesktopTest):
         self.assertLessEqual(rows["after"]["start"], changed + TICK + SLACK)
         self.assertEqual(rows["before"]["end"], rows["after"]["start"])
 
+    def test_titles_are_recorded_clean(self):
+        window = self.open_window("notes")
+        self.xdotool("set_window", "--name", "● (3) notes.md - XTerm", window)
+        agent = self.start_agent()
+        time.sleep(3)
+        self.assertEqual(self.stop(agent), 0)
+        self.assertEqual([row["title"] for row in self.home.rows()], ["notes.md"])
+
     def test_a_pause_leaves_a_gap_and_resuming_ends_it(self):
         self.open_window("work")
         agent = self.start_agent()
