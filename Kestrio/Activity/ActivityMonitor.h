@@ -7,6 +7,7 @@
 #pragma once
 
 #include "Kestrio/Activity/AlongsideSessions.h"
+#include "Kestrio/Activity/BrowserTab.h"
 #include "Kestrio/Activity/SessionWriter.h"
 #include "Kestrio/Base/Clock.h"
 #include "Kestrio/Base/Queue.h"
@@ -27,15 +28,6 @@
 #include <vector>
 
 namespace kestrio {
-
-/// A page as a browser tells it.
-struct BrowserTab {
-    std::string url;
-    std::string title;
-    bool isPrivate = false;
-
-    friend bool operator==(const BrowserTab&, const BrowserTab&) = default;
-};
 
 /// What plays alongside right now.
 struct AlongsideEvidence {

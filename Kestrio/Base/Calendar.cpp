@@ -8,6 +8,7 @@
 #include <unicode/dtptngen.h>
 #include <unicode/gregocal.h>
 #include <unicode/locid.h>
+#include <unicode/numberformatter.h>
 #include <unicode/smpdtfmt.h>
 #include <unicode/timezone.h>
 
@@ -125,6 +126,7 @@ struct Calendar::Parts {
     std::unique_ptr<icu::DateTimePatternGenerator> patterns; // 180 µs to make, so made at first need
     std::map<std::string, icu::UnicodeString> bestPatterns;
     std::map<icu::UnicodeString, std::unique_ptr<icu::SimpleDateFormat>> formats; // 12 µs each to make
+    std::map<int, icu::number::LocalizedNumberFormatter> decimals;                // by digits after the separator
 };
 
 Calendar::Calendar(const std::string& locale, const std::string& timeZone)
@@ -228,6 +230,20 @@ std::string Calendar::localized(Date date, const std::string& skeleton) const {
     icu::UnicodeString result;
     parts_->format(found->second).format(date.seconds() * millisecondsPerSecond, result);
     return utf8(result);
+}
+
+std::string Calendar::decimal(double value, int fractionDigits) const {
+    auto found = parts_->decimals.find(fractionDigits);
+    if (found == parts_->decimals.end()) {
+        auto formatter = icu::number::NumberFormatter::withLocale(parts_->locale)
+                             .precision(icu::number::Precision::fixedFraction(fractionDigits));
+        found = parts_->decimals.emplace(fractionDigits, std::move(formatter)).first;
+    }
+    UErrorCode error = U_ZERO_ERROR;
+    const auto number = found->second.formatDouble(value, error);
+    const auto text = number.toString(error);
+    require(error, "no number");
+    return utf8(text);
 }
 
 } // namespace kestrio

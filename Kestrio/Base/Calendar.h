@@ -1,4 +1,5 @@
-// Days, weeks and months as the person's locale and time zone draw them, and dates in the locale's own words.
+// Days, weeks and months as the person's locale and time zone draw them, and dates and numbers in the locale's own
+// words.
 //
 // A calendar is a value-like object with caches inside: used on one queue, copied for another. The Gregorian calendar
 // is asked for by name, so that a locale with another traditional calendar still gets the days the program counts.
@@ -61,6 +62,9 @@ public:
     /// The date with the parts that a Unicode skeleton names, such as "EEEEdMMM" or "jmm", in the order, the words and
     /// the hour cycle of the locale.
     std::string localized(Date date, const std::string& skeleton) const;
+
+    /// The number with so many digits after the decimal separator, halves to the even digit, in the locale's digits.
+    std::string decimal(double value, int fractionDigits) const;
 
 private:
     struct Parts;

@@ -1,12 +1,30 @@
 #include "Kestrio/Shell/Formatters.h"
 
+#include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
 
 namespace kestrio::Fmt {
+namespace {
+
+/// As an integer, within what a double counts exactly; what is not a number is nothing.
+std::int64_t whole(double value) {
+    constexpr double most = 9'007'199'254'740'992; // 2 to the 53rd
+    return std::isnan(value) ? 0 : static_cast<std::int64_t>(std::clamp(value, -most, most));
+}
+
+std::string percentOf(double share) {
+    return fmt::format("{}%", whole(std::round(share * 100)));
+}
+
+std::string shortTime(Date date, const Calendar& calendar) {
+    return calendar.localized(date, "jmm");
+}
+
+} // namespace
 
 std::string duration(Seconds length) {
-    const auto seconds = static_cast<long long>(std::round(length.count()));
+    const auto seconds = whole(std::round(length.count()));
     if (seconds < 60)
         return fmt::format("{}s", seconds);
     const auto minutes = seconds / 60;
@@ -15,6 +33,52 @@ std::string duration(Seconds length) {
     if (minutes % 60 == 0)
         return fmt::format("{}h", minutes / 60);
     return fmt::format("{}h {}m", minutes / 60, minutes % 60);
+}
+
+std::string menuBar(Seconds length) {
+    const auto minutes = whole(length.count() / 60);
+    if (minutes < 60)
+        return fmt::format("{}m", minutes);
+    return fmt::format("{}h {}m", minutes / 60, minutes % 60);
+}
+
+std::string percent(double part, double total) {
+    return total > 0 ? percentOf(part / total) : "0%";
+}
+
+std::optional<std::string> split(Seconds focused, Seconds alongside) {
+    if (alongside < Seconds(1))
+        return std::nullopt;
+    const auto beside = duration(alongside) + " alongside";
+    return focused < Seconds(1) ? beside : duration(focused) + " focused · " + beside;
+}
+
+std::string timeRange(Date a, Date b, const Calendar& calendar) {
+    return shortTime(a, calendar) + " – " + shortTime(b, calendar);
+}
+
+std::string relativeDay(Date date, Date now, const Calendar& calendar) {
+    const auto today = calendar.day(now);
+    if (today.contains(date))
+        return "Today";
+    if (calendar.day(today.start - Seconds(1)).contains(date))
+        return "Yesterday";
+    return calendar.localized(date, "EEEEdMMM");
+}
+
+std::string lastSeen(Date date, Date now, const Calendar& calendar) {
+    return calendar.isSameDay(now, date) ? shortTime(date, calendar) : calendar.localized(date, "dMMMjmm");
+}
+
+std::string cores(double value, const Calendar& calendar) {
+    return value < 1 ? percentOf(value) + " of a core" : calendar.decimal(value, 1) + " cores";
+}
+
+std::string seconds(std::int64_t milliseconds, const Calendar& calendar) {
+    constexpr std::int64_t longestWithDecimal = 9'999;
+    if (milliseconds <= longestWithDecimal)
+        return calendar.decimal(static_cast<double>(milliseconds) / 1000, 1) + " s";
+    return fmt::format("{} s", milliseconds / 1000);
 }
 
 } // namespace kestrio::Fmt

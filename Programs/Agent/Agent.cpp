@@ -1,5 +1,6 @@
 #include "Programs/Agent/Agent.h"
 
+#include "Kestrio/Activity/BrowserInspector.h"
 #include "Kestrio/Activity/Database.h"
 #include "Kestrio/Base/Log.h"
 #include "Kestrio/Base/Mistake.h"
@@ -169,6 +170,8 @@ private:
     /// What the other concerns contribute to a sample.
     static ActivityMonitor::Collaborators collaborators() {
         ActivityMonitor::Collaborators all;
+        all.isBrowser = BrowserInspector::isBrowser;
+        all.stripBrowserName = BrowserInspector::stripBrowserName;
         all.cleanTitle = [](const std::string& title) { return TitleCleaner::clean(title); };
         all.removingAppName = [](const std::string& title, const std::string& appName) {
             return TitleCleaner::removingAppName(title, appName);

@@ -1,0 +1,29 @@
+// What a browser shows. Values; any thread.
+#pragma once
+
+#include "Kestrio/Base/Rectangle.h"
+
+#include <string>
+#include <vector>
+
+namespace kestrio {
+
+/// A page as a browser tells it. Nothing of a private one may be kept.
+struct BrowserTab {
+    std::string url;
+    std::string title;
+    bool isPrivate = false;
+
+    friend bool operator==(const BrowserTab&, const BrowserTab&) = default;
+};
+
+struct BrowserWindow {
+    Rectangle bounds;
+    bool isPrivate = false;
+    BrowserTab activeTab;
+    std::vector<BrowserTab> tabs;
+
+    friend bool operator==(const BrowserWindow&, const BrowserWindow&) = default;
+};
+
+} // namespace kestrio
