@@ -6,7 +6,7 @@
 #include "Kestrio/Base/LoopQueue.h"
 #include "Kestrio/Base/Text.h"
 #include "Kestrio/Model/ModelsJSON.h"
-#include "Kestrio/Shell/Formatters.h"
+#include "Kestrio/Base/Formatters.h"
 #include "Kestrio/Shell/Settings.h"
 #include "Programs/Agent/Agent.h"
 #include "Programs/CommandLine/Moments.h"

@@ -6,7 +6,7 @@
 #include "Kestrio/Platform/Linux/BusConnection.h"
 #include "Kestrio/Platform/Linux/LinuxHostFacts.h"
 #include "Kestrio/Shell/AppInfo.h"
-#include "Kestrio/Shell/Formatters.h"
+#include "Kestrio/Base/Formatters.h"
 #include "Programs/Agent/HostDesktop.h"
 #include "Programs/CommandLine/Commands.h"
 #include "Programs/CommandLine/Places.h"
