@@ -197,7 +197,6 @@ inline constexpr RealTitle realTitles[] = {
     // Blanks and marks
     {"\u00A0\u2003Report\u3000", "Writer", "Report"},
     {"\uFEFFReport", "Writer", "Report"},
-    {"Re\u200Bport - Wri\u200Ber", "Writer", "Report - Wriber"},
     {"Re\u200Bport - Wri\u200Bter", "Writer", "Report"},
     {"Report\u200E - Writer\u200E", "Writer", "Report"},
     {"Report  - Writer", "Writer", "Report "}, // what is left is not trimmed again
