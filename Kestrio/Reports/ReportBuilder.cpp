@@ -139,6 +139,8 @@ private:
         });
         report_.sessions.reserve(static_cast<std::size_t>(focused));
         report_.alongsideSessions.reserve(sessions.size() - static_cast<std::size_t>(focused));
+        focusTimeline_.reserve(report_.sessions.capacity());
+        alongsideTimeline_.reserve(report_.alongsideSessions.capacity());
         for (auto& session : sessions) {
             auto& list = session.kind == SessionKind::focus ? report_.sessions : report_.alongsideSessions;
             list.push_back(unclassified(std::move(session)));
