@@ -81,8 +81,11 @@ std::optional<std::string> Statement::text(int column) const {
                        static_cast<std::size_t>(sqlite3_column_bytes(statement_.get(), column)));
 }
 
-Transaction::Transaction(sqlite3* connection)
-    : connection_(connection), open_(connection && !execute(connection, "BEGIN IMMEDIATE")) {}
+Transaction::Transaction(sqlite3* connection) : connection_(connection) {
+    const auto error = connection ? execute(connection, "BEGIN IMMEDIATE") : errorMessage(connection);
+    open_ = !error;
+    error_ = error.value_or("");
+}
 
 Transaction::~Transaction() {
     if (open_)
@@ -93,8 +96,10 @@ bool Transaction::commit() {
     if (!open_)
         return false;
     open_ = false;
-    if (!execute(connection_, "COMMIT"))
+    const auto error = execute(connection_, "COMMIT");
+    if (!error)
         return true;
+    error_ = *error;
     execute(connection_, "ROLLBACK");
     return false;
 }

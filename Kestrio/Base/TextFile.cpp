@@ -42,6 +42,8 @@ std::error_code awaitReadable(int descriptor, const std::stop_token& stop) {
 
 std::error_code readText(const Descriptor& file, const std::function<void(std::string_view piece)>& receive,
                          const std::stop_token& stop) {
+    if (!file)
+        return std::make_error_code(std::errc::bad_file_descriptor);
     std::string buffer(pieceSize, '\0');
     std::size_t kept = 0; // the beginning of a character that the last piece cut in two
     for (;;) {
