@@ -66,6 +66,11 @@ std::error_code readText(const Descriptor& file, const std::function<void(std::s
     }
 }
 
+std::uintmax_t fileSize(const Descriptor& file) {
+    struct stat status {};
+    return fstat(file.number(), &status) == 0 ? static_cast<std::uintmax_t>(status.st_size) : 0;
+}
+
 std::error_code writeAll(const Descriptor& file, std::string_view text) {
     while (!text.empty()) {
         const auto written = ::write(file.number(), text.data(), text.size());
