@@ -2,8 +2,10 @@
 
 #include "Kestrio/Base/Mistake.h"
 
+#include <cmath>
 #include <cstdlib>
 #include <map>
+#include <unicode/basictz.h>
 #include <unicode/calendar.h>
 #include <unicode/dtptngen.h>
 #include <unicode/gregocal.h>
@@ -11,6 +13,7 @@
 #include <unicode/numberformatter.h>
 #include <unicode/smpdtfmt.h>
 #include <unicode/timezone.h>
+#include <unicode/tztrans.h>
 
 namespace kestrio {
 namespace {
@@ -108,6 +111,16 @@ struct Calendar::Parts {
         calendar->set(UCAL_MILLISECOND, 0);
     }
 
+    /// What the zone's clocks are ahead of UTC, in milliseconds.
+    double offset(double time) const {
+        UErrorCode error = U_ZERO_ERROR;
+        std::int32_t standard = 0;
+        std::int32_t daylight = 0;
+        zone->getOffset(time, false, standard, daylight, error);
+        require(error, "no offset from UTC");
+        return static_cast<double>(standard) + static_cast<double>(daylight);
+    }
+
     /// From the start of the day on which `moveToStart` leaves the calendar to the start of the day `amount` units on.
     template <class MoveToStart>
     DateInterval interval(Date date, UCalendarDateFields unit, MoveToStart moveToStart) {
@@ -160,6 +173,21 @@ std::string Calendar::locale() const {
 std::string Calendar::timeZone() const {
     icu::UnicodeString id;
     return utf8(parts_->zone->getID(id));
+}
+
+DateInterval Calendar::hour(Date date) const {
+    constexpr double length = 3600 * millisecondsPerSecond;
+    const double time = std::floor(date.seconds() * millisecondsPerSecond);
+    const double offset = parts_->offset(time);
+    double start = std::floor((time + offset) / length) * length - offset;
+    double end = start + length;
+    const auto* zone = dynamic_cast<const icu::BasicTimeZone*>(parts_->zone.get());
+    icu::TimeZoneTransition change;
+    if (zone && parts_->offset(start) != offset && zone->getPreviousTransition(time, true, change))
+        start = change.getTime();
+    if (zone && parts_->offset(end - 1) != offset && zone->getNextTransition(time, false, change))
+        end = change.getTime();
+    return {Date(start / millisecondsPerSecond), Date(end / millisecondsPerSecond)};
 }
 
 DateInterval Calendar::day(Date date) const {

@@ -225,6 +225,8 @@ bool contains(std::string_view text, std::string_view needle, Ignoring ignoring)
         return false;
     const auto within = folded(text, ignoring);
     const auto wanted = folded(needle, ignoring);
+    if (wanted.empty()) // nothing but accents
+        return false;
     for (auto at = within.find(wanted); at != std::string::npos; at = within.find(wanted, at + 1))
         if (!beginsWithMark(std::string_view(within).substr(at + wanted.size())))
             return true;

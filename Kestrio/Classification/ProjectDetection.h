@@ -12,6 +12,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <map>
 #include <mutex>
 #include <optional>
 #include <set>
@@ -21,13 +22,20 @@
 
 namespace kestrio {
 
-/// How applications put a project into their titles.
+/// How an application puts a project into its titles. The first four are built in for some applications; hosts have
+/// applications of the others.
 enum class TitleFamily {
-    editor,           // "file — project", possibly with the editor's name behind
-    projectFirst,     // "project – file"
-    folderInBrackets, // "file (project)"
-    terminal,         // the working folder's path, or "project — shell"
+    editor,            // "file — project", or the project alone
+    projectFirst,      // "project – file"
+    projectInBrackets, // "file (project)"
+    terminal,          // the working folder's path, or "project — shell"
+    folderInBrackets,  // "file (folder's path)"
+    folderBehindFile,  // "file - folder's path - [project]", the last only with a project open
+    sessionFirst,      // "project: file", or the file alone
 };
+std::string_view rawValue(TitleFamily family);
+/// Absent for a text that is none of the raw values.
+std::optional<TitleFamily> titleFamily(std::string_view rawValue);
 
 /// What a detector knows of the host and the person.
 struct ProjectHost {
@@ -36,11 +44,8 @@ struct ProjectHost {
     std::string homeFolder = {}; // an absolute path
     std::string hostName = {};
 
-    // Applications of this host, by bundle identifier, that join the built-in families.
-    std::set<std::string, std::less<>> editors = {};
-    std::set<std::string, std::less<>> projectFirst = {};
-    std::set<std::string, std::less<>> folderInBrackets = {};
-    std::set<std::string, std::less<>> terminals = {};
+    /// Applications of this host, by bundle identifier, beside the built-in ones.
+    std::map<std::string, TitleFamily, std::less<>> applications = {};
 };
 
 /// What a title was taken for on the way to a project.
@@ -67,11 +72,11 @@ public:
     ProjectReading reading(std::string_view bundleID, std::string_view appName, std::string_view title) const;
 
 private:
-    std::optional<TitleFamily> family(std::string_view bundleID, std::string_view lowercasedName) const;
+    static std::optional<std::string> read(TitleFamily family, std::string_view title, std::string_view lowercasedName);
     std::optional<std::string> tidied(std::string_view name) const;
 
-    const ProjectHost host_;
-    std::set<std::string, std::less<>> ignoredNames_; // lower case
+    const std::map<std::string, TitleFamily, std::less<>> hostApplications_;
+    const std::set<std::string, std::less<>> ignoredNames_; // lower case
 };
 
 /// A keyword that makes a session part of a project. An empty project means: of none, whatever was detected.

@@ -164,6 +164,21 @@ namespace {
 constexpr std::string_view mainDomain = "youtube.com";
 constexpr std::string_view shortLinkDomain = "youtu.be";
 
+/// A quick no for the addresses of other sites, which are most, without taking them apart.
+bool mayBeOnSite(std::string_view url) {
+    const auto slashes = url.find("//");
+    if (slashes == std::string_view::npos)
+        return false; // and so no host
+    auto authority = url.substr(slashes + 2);
+    authority = authority.substr(0, authority.find_first_of("/?#"));
+    // Both domains begin alike, unless something in them is written as percent encoding.
+    constexpr std::string_view beginning = "youtu";
+    const auto sameLetter = [](char a, char b) { return (a | 0x20) == b; };
+    return authority.find('%') != std::string_view::npos ||
+           std::search(authority.begin(), authority.end(), beginning.begin(), beginning.end(), sameLetter) !=
+               authority.end();
+}
+
 std::vector<std::string_view> nonEmptyPieces(std::string_view path) {
     std::vector<std::string_view> pieces;
     while (!path.empty()) {
@@ -212,6 +227,8 @@ bool isYouTube(const std::optional<std::string>& domain) {
 }
 
 std::optional<std::string> videoID(std::string_view url) {
+    if (!mayBeOnSite(url))
+        return std::nullopt;
     const auto parts = URLComponents::parsed(url);
     return parts ? unlessEmpty(anyID(*parts)) : std::nullopt;
 }

@@ -18,6 +18,7 @@
 #include "Kestrio/Shell/AppModel.h"
 #include "Kestrio/Shell/Launch.h"
 #include "Kestrio/Shell/Settings.h"
+#include "Programs/Agent/HostClassification.h"
 #include "Programs/Agent/HostDesktop.h"
 
 #include <csignal>
@@ -177,6 +178,10 @@ private:
             return TitleCleaner::removingAppName(title, appName);
         };
         all.domain = [](const std::string& url) { return URLTools::domain(url); };
+        all.project = [detector = ProjectDetector(projectHost(processEnvironment))](
+                          const auto& bundleID, const auto& appName, const auto& title, const auto&) {
+            return detector.detect(bundleID, appName, title);
+        };
         return all;
     }
 

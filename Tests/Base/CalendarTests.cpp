@@ -20,6 +20,60 @@ TEST(Calendar, aDayLastsTwentyThreeToTwentyFiveHoursWhereTheClocksChange) {
     EXPECT_EQ(berlin.day(berlin.date(2026, 11, 21)), berlin.day(berlin.date(2026, 11, 21, 23, 59, 59)));
 }
 
+TEST(Calendar, anHourIsTheFullHourOnTheZonesClocks) {
+    const auto pattern = "HH:mm:ss";
+    struct Row {
+        const char* zone;
+        double seconds;
+        const char* start;
+    };
+    const Row rows[] = {
+        {"UTC", 0, "00:00:00"},
+        {"UTC", 3599.9995, "00:00:00"},
+        {"UTC", 3600, "01:00:00"},
+        {"UTC", -0.5, "23:00:00"},
+        {"Asia/Kolkata", 0, "05:00:00"}, // half an hour off the full hour of UTC
+        {"Asia/Kolkata", 1800, "06:00:00"},
+        {"Asia/Kathmandu", 1'700'000'000, "03:00:00"},
+    };
+    for (const auto& row : rows) {
+        const Calendar calendar("en_GB", row.zone);
+        const auto interval = calendar.hour(Date(row.seconds));
+        EXPECT_EQ(calendar.formatted(interval.start, pattern), row.start) << row.zone << " " << row.seconds;
+        EXPECT_EQ(interval.duration(), Seconds(hour));
+        EXPECT_TRUE(interval.contains(Date(row.seconds)));
+    }
+}
+
+TEST(Calendar, theHoursOfADayFollowOneAnotherWhereTheClocksChange) {
+    struct Row {
+        const char* zone;
+        int month, day;
+        std::size_t hours;
+    };
+    const Row rows[] = {
+        {"Europe/Berlin", 3, 29, 23},      {"Europe/Berlin", 10, 25, 25},      {"Europe/Berlin", 11, 21, 24},
+        {"Australia/Lord_Howe", 4, 5, 25}, {"Australia/Lord_Howe", 10, 4, 24}, // by half an hour
+        {"Asia/Beirut", 3, 29, 23},        {"America/Havana", 11, 1, 25},
+    };
+    for (const auto& row : rows) {
+        const Calendar calendar("en_GB", row.zone);
+        const auto day = calendar.day(calendar.date(2026, row.month, row.day, 12));
+        std::size_t hours = 0;
+        auto at = day.start;
+        while (at < day.end) {
+            const auto interval = calendar.hour(at);
+            EXPECT_EQ(interval.start, at) << row.zone;
+            EXPECT_EQ(calendar.hour(interval.end - Seconds(0.5)), interval) << row.zone;
+            ASSERT_GT(interval.end, at);
+            at = interval.end;
+            ++hours;
+        }
+        EXPECT_EQ(at, day.end) << row.zone;
+        EXPECT_EQ(hours, row.hours) << row.zone << " " << row.month;
+    }
+}
+
 TEST(Calendar, aDayWhoseMidnightIsSkippedBeginsWithItsFirstMoment) {
     const Calendar beirut("ar_LB", "Asia/Beirut"); // clocks go from 00:00 to 01:00
     const Calendar plain("en_GB", "Asia/Beirut");

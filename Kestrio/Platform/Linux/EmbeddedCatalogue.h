@@ -9,5 +9,6 @@ extern const std::string_view applications;
 extern const std::string_view lockScreens;
 extern const std::string_view prompts;
 extern const std::string_view essentials;
+extern const std::string_view titleFamilies;
 
 } // namespace kestrio::embedded

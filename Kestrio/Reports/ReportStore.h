@@ -1,0 +1,101 @@
+// The report of the range that somebody looks at: decides when to load it, loads it off the main queue, and throws away
+// what has become stale meanwhile. One store shows today and follows it over midnight, another goes wherever its person
+// goes.
+//
+// All of it belongs to the main queue. Only the loading runs elsewhere; it takes its range by value and gives the
+// report back by value, so that nobody ever sees half a report. Dropping the store calls off everything.
+#pragma once
+
+#include "Kestrio/Base/Clock.h"
+#include "Kestrio/Base/Observable.h"
+#include "Kestrio/Base/Queue.h"
+#include "Kestrio/Reports/RangeMode.h"
+#include "Kestrio/Reports/ReportBuilder.h"
+
+#include <functional>
+
+namespace kestrio {
+
+class ReportStore {
+public:
+    /// The sessions of an interval, those still open among them; empty on failure. Called on the loading queue, where
+    /// it may wait.
+    using Sessions = std::function<std::vector<ActivitySession>(DateInterval)>;
+
+    /// What the person has decided by now. Called on the loading queue.
+    using CurrentClassification = std::function<Classification()>;
+
+    /// What a store needs around it. The clock and the queues must outlive it.
+    struct Parts {
+        const Clock& clock;
+        Queue& queue;        // the main one
+        Queue& loadingQueue; // on which sessions are read and reports built
+        Sessions sessions;
+        CurrentClassification classification;
+    };
+
+    /// Whether a store moves on by itself when its range is over.
+    enum class Follows { itsPerson, now };
+
+    /// Shows the range around now, empty until something is loaded.
+    ReportStore(Parts parts, Calendar calendar, RangeMode mode, Follows follows);
+    ReportStore(const ReportStore&) = delete;
+    ReportStore& operator=(const ReportStore&) = delete;
+
+    const Observable<RangeMode>& mode() const { return mode_; }
+    /// Any date inside the range that is shown.
+    const Observable<Date>& anchor() const { return anchor_; }
+    const Observable<ActivityReport>& report() const { return report_; }
+    const Observable<bool>& isLoading() const { return isLoading_; }
+
+    /// Another mode always loads.
+    void setMode(RangeMode mode);
+
+    /// Loads when the date lies in another range.
+    void setAnchor(Date anchor);
+
+    /// Moves by so many days, weeks or months, back when negative, never into the future.
+    void step(int count);
+
+    /// Another zone or locale loads again.
+    void setCalendar(Calendar calendar);
+
+    /// Loads the range anew. A load under way is given up; its result is not looked at.
+    void reload();
+
+    /// While nobody sees the store, its timer does nothing. It is on the screen unless somebody says otherwise.
+    void setOnScreen(bool isOnScreen) { isOnScreen_ = isOnScreen; }
+
+    /// Loads again and again, as long as the range can still change and somebody sees it. Replaces an earlier timer.
+    void startAutoRefresh(Seconds interval);
+
+    /// Whether the range contains the present moment.
+    bool isCurrent() const;
+
+    /// As in "Today" or "Week of 16 Nov"; and in full, as in "Friday 20 November 2026".
+    std::string title() const;
+    std::string subtitle() const;
+
+private:
+    DateInterval range() const { return interval(mode_.value(), anchor_.value(), calendar_); }
+    void load();
+    void accept(std::uint64_t load, ActivityReport report);
+    void refresh();
+    bool isDue() const;
+
+    const Parts parts_;
+    const Follows follows_;
+    Calendar calendar_;
+    Observable<RangeMode> mode_;
+    Observable<Date> anchor_;
+    Observable<ActivityReport> report_;
+    Observable<bool> isLoading_{false};
+    bool isOnScreen_ = true;
+    std::optional<Date> lastLoaded_; // when the last report was accepted
+    Subscription timer_;
+    /// The number of the latest load. Shared with the loads, which may outlive the store and read it on their queue; 0
+    /// once the store is gone.
+    std::shared_ptr<std::atomic<std::uint64_t>> latestLoad_;
+};
+
+} // namespace kestrio
