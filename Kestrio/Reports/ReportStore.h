@@ -12,7 +12,9 @@
 #include "Kestrio/Reports/RangeMode.h"
 #include "Kestrio/Reports/ReportBuilder.h"
 
+#include <atomic>
 #include <functional>
+#include <memory>
 
 namespace kestrio {
 
@@ -25,7 +27,7 @@ public:
     /// What the person has decided by now. Called on the loading queue.
     using CurrentClassification = std::function<Classification()>;
 
-    /// What a store needs around it. The clock and the queues must outlive it.
+    /// What a store needs around it. The clock must outlive it, the queues also the loads that it leaves behind.
     struct Parts {
         const Clock& clock;
         Queue& queue;        // the main one
@@ -39,6 +41,7 @@ public:
 
     /// Shows the range around now, empty until something is loaded.
     ReportStore(Parts parts, Calendar calendar, RangeMode mode, Follows follows);
+    ~ReportStore();
     ReportStore(const ReportStore&) = delete;
     ReportStore& operator=(const ReportStore&) = delete;
 
@@ -79,7 +82,7 @@ public:
 private:
     DateInterval range() const { return interval(mode_.value(), anchor_.value(), calendar_); }
     void load();
-    void accept(std::uint64_t load, ActivityReport report);
+    void accept(ActivityReport report);
     void refresh();
     bool isDue() const;
 
@@ -93,9 +96,10 @@ private:
     bool isOnScreen_ = true;
     std::optional<Date> lastLoaded_; // when the last report was accepted
     Subscription timer_;
-    /// The number of the latest load. Shared with the loads, which may outlive the store and read it on their queue; 0
-    /// once the store is gone.
-    std::shared_ptr<std::atomic<std::uint64_t>> latestLoad_;
+    static constexpr std::uint64_t noLoad = 0;
+    /// The number of the latest load. Loads compare theirs with it on both queues, and may outlive the store: from then
+    /// on it is `noLoad`.
+    std::shared_ptr<std::atomic<std::uint64_t>> latestLoad_ = std::make_shared<std::atomic<std::uint64_t>>(noLoad);
 };
 
 } // namespace kestrio
