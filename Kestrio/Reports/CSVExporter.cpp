@@ -1,0 +1,52 @@
+#include "Kestrio/Reports/CSVExporter.h"
+
+#include "Kestrio/Base/ISODates.h"
+#include "Kestrio/Base/Text.h"
+
+#include <cmath>
+#include <fmt/format.h>
+
+namespace kestrio::CSVExporter {
+namespace {
+
+std::string dateText(Date date, const Calendar& calendar) {
+    return isoDateTime(date, calendar.secondsFromUTC(date));
+}
+
+std::string escapeOrEmpty(const std::optional<std::string>& text) {
+    return text ? escape(*text) : std::string();
+}
+
+} // namespace
+
+std::string escape(std::string_view text) {
+    if (text.find_first_of(",\"\n\r") == std::string_view::npos)
+        return std::string(text);
+    std::string field = "\"";
+    for (const char c : text)
+        field.append(c == '"' ? 2 : 1, c);
+    return field + '"';
+}
+
+std::string line(const ClassifiedSession& session, const Calendar& calendar) {
+    return fmt::format("{},{},{},{},{},{},{},{},{},{},{}\n", dateText(session.start, calendar),
+                       dateText(session.end, calendar), std::llround(session.duration().count()),
+                       text::lowercased(label(session.kind)), escape(session.appName), escape(session.bundleID),
+                       escape(label(session.category)), escapeOrEmpty(session.project), escape(session.title),
+                       escapeOrEmpty(session.url), escapeOrEmpty(session.domain));
+}
+
+std::string csv(std::span<const ClassifiedSession> sessions, const Calendar& calendar) {
+    std::string text;
+    write(sessions, calendar, [&](std::string_view piece) { text += piece; });
+    return text;
+}
+
+void write(std::span<const ClassifiedSession> sessions, const Calendar& calendar,
+           const std::function<void(std::string_view)>& receive) {
+    receive(header);
+    for (const auto& session : sessions)
+        receive(line(session, calendar));
+}
+
+} // namespace kestrio::CSVExporter
