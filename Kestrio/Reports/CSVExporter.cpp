@@ -1,5 +1,6 @@
 #include "Kestrio/Reports/CSVExporter.h"
 
+#include "Kestrio/Base/CSV.h"
 #include "Kestrio/Base/ISODates.h"
 #include "Kestrio/Base/Text.h"
 
@@ -20,12 +21,7 @@ std::string escapeOrEmpty(const std::optional<std::string>& text) {
 } // namespace
 
 std::string escape(std::string_view text) {
-    if (text.find_first_of(",\"\n\r") == std::string_view::npos)
-        return std::string(text);
-    std::string field = "\"";
-    for (const char c : text)
-        field.append(c == '"' ? 2 : 1, c);
-    return field + '"';
+    return csvField(text);
 }
 
 std::string line(const ClassifiedSession& session, const Calendar& calendar) {
