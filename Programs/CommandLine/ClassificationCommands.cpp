@@ -51,11 +51,16 @@ std::string applicationName(const std::string& bundleID) {
     return ApplicationIdentity(entries, IdentityCatalogue::builtIn()).name(bundleID).value_or(bundleID);
 }
 
+bool isBlankOrControl(char c) {
+    return static_cast<unsigned char>(c) <= ' ' || c == '\x7F';
+}
+
 /// The domain as sessions have it. A host, with a port or without, or a whole address; no part of one.
 std::optional<std::string> siteDomain(const std::string& typed) {
     const auto text = std::string(text::trimmedOfBlanks(typed));
     const bool isAddress = text.find("://") != std::string::npos;
-    if (!isAddress && text.find_first_of(" \t/?#@") != std::string::npos)
+    if (std::any_of(text.begin(), text.end(), isBlankOrControl) ||
+        (!isAddress && text.find_first_of("/?#@") != std::string::npos))
         return std::nullopt;
     return URLTools::domain(isAddress ? text : "https://" + text);
 }
@@ -141,8 +146,8 @@ int changeCategory(const CategoryTarget& wanted, std::optional<ActivityCategory>
                                                            : categorizer.setDomainCategory(category, target.name);
     if (!isStored)
         return failed; // the store has said why
-    print(fmt::format("{} counts as {} now; before, it was {}.\n", target.name, label(categoryOf(after, target)),
-                      label(categoryOf(before, target))));
+    print(fmt::format("{} counts as {} now; before, it was {}.\n", text::fittedToColumns(target.name, 200),
+                      label(categoryOf(after, target)), label(categoryOf(before, target))));
     return done;
 }
 

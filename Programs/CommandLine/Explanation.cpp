@@ -60,13 +60,13 @@ std::string question(const CategoryStep& step) {
 
 std::string_view inWords(TitleFamily family) {
     switch (family) {
-    case TitleFamily::editor: return "read as an editor's: the file before the project";
-    case TitleFamily::projectFirst: return "read as the project before the file";
-    case TitleFamily::projectInBrackets: return "read as the project in brackets";
-    case TitleFamily::terminal: return "read as a terminal's: the folder's path, or what stands before the shell";
-    case TitleFamily::folderInBrackets: return "read as the folder in brackets";
-    case TitleFamily::folderBehindFile: return "read as the file before its folder and the project";
-    case TitleFamily::sessionFirst: return "read as the session before the file";
+    case TitleFamily::editor: return "read with the file before the project";
+    case TitleFamily::projectFirst: return "read with the project before the file";
+    case TitleFamily::projectInBrackets: return "read with the project in brackets";
+    case TitleFamily::terminal: return "read with the folder's path, or a name before the shell";
+    case TitleFamily::folderInBrackets: return "read with the folder in brackets";
+    case TitleFamily::folderBehindFile: return "read with the file before its folder and the project";
+    case TitleFamily::sessionFirst: return "read with the session before the file";
     }
     return {};
 }
@@ -115,13 +115,14 @@ private:
         const auto& reading = explained_.reading;
         if (!reading.family)
             reason(explained_.window.title.empty() ? "there is no title" : "no project is read from its titles", "–");
-        else if (reading.project)
-            reason("the title, " + std::string(inWords(*reading.family)), *reading.project);
         else
-            reason("the title, " + std::string(inWords(*reading.family)),
-                   reading.read ? "– (\"" + *reading.read + "\" is no name for a project)" : "–");
+            reason("the title " + std::string(inWords(*reading.family)), reading.read.value_or("–"));
+        if (reading.read && !reading.project)
+            reason("\"" + text::fittedToColumns(*reading.read, 30) + "\" is no name for a project", "–");
+        else if (reading.project != reading.read)
+            reason("without what editors append", *reading.project);
         if (explained_.rule)
-            reason(fmt::format("your rule {}: \"{}\" is {}", explained_.resolution.match->rule + 1,
+            reason(fmt::format("your rule {}, \"{}\" {}", explained_.resolution.match->rule + 1,
                                text::fittedToColumns(explained_.rule->keyword, 30),
                                inWords(explained_.resolution.match->where)),
                    explained_.resolution.project.value_or("no project"));
@@ -141,10 +142,12 @@ private:
     }
 
     void reason(const std::string& asked, const std::string& answer) {
-        const auto room = width_ - 4;
-        const auto shown = text::fittedToColumns(asked, room * 2 / 3);
-        const auto rest = room - std::min(room, text::columns(shown) + 2);
-        const auto line = fmt::format("{}: {}", shown, text::fittedToColumns(answer, rest));
+        // Four blanks before, three columns for the arrow; a short answer leaves its room to the question.
+        const auto room = width_ - 7;
+        const auto shown =
+            text::fittedToColumns(asked, std::max(room * 2 / 3, room - std::min(room, text::columns(answer))));
+        const auto rest = room - text::columns(shown);
+        const auto line = fmt::format("{} → {}", shown, text::fittedToColumns(answer, rest));
         text_ += "    " + (answer == "–" ? paint_.dim(line) : line) + "\n";
     }
 
