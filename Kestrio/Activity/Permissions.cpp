@@ -18,9 +18,8 @@ std::vector<BrowserApp> Permissions::installedScriptableBrowsers() const {
         if (auto name = host_.applicationName(bundleID))
             installed.push_back({bundleID, std::move(*name)});
     const Collation collation(locale_);
-    std::stable_sort(installed.begin(), installed.end(), [&](const BrowserApp& a, const BrowserApp& b) {
-        return collation.isBefore(a.name, b.name);
-    });
+    std::stable_sort(installed.begin(), installed.end(),
+                     [&](const BrowserApp& a, const BrowserApp& b) { return collation.isBefore(a.name, b.name); });
     return installed;
 }
 

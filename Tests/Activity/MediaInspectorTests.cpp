@@ -76,9 +76,12 @@ TEST_F(MediaInspectorTest, onlyTheAskedTypesOfAssertionCount) {
         const char* type;
         bool keepsDisplay;
     } rows[] = {
-        {assertion::preventUserIdleDisplaySleep, true}, {assertion::noDisplaySleep, true},
-        {assertion::preventUserIdleSystemSleep, false}, {assertion::preventSystemSleep, false},
-        {assertion::noIdleSleep, false},                {"", false},
+        {assertion::preventUserIdleDisplaySleep, true},
+        {assertion::noDisplaySleep, true},
+        {assertion::preventUserIdleSystemSleep, false},
+        {assertion::preventSystemSleep, false},
+        {assertion::noIdleSleep, false},
+        {"", false},
     };
     owners = {{{41}, "org.example.player"}};
     for (const auto& row : rows) {

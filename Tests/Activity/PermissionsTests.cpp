@@ -40,16 +40,11 @@ TEST_F(PermissionsTest, theStatusFollowsFromWhatTheBrowserOffers) {
         BrowserReadiness readiness;
         AutomationStatus status;
     } rows[] = {
-        {{false, false, false, false}, notRunning},
-        {{false, false, false, true}, notRunning},
-        {{false, true, true, false}, notRunning},
-        {{true, false, false, false}, notDetermined},
-        {{true, true, false, false}, granted},
-        {{true, false, true, false}, granted},
-        {{true, true, true, false}, granted},
-        {{true, false, false, true}, denied},
-        {{true, true, false, true}, denied},
-        {{true, false, true, true}, denied},
+        {{false, false, false, false}, notRunning}, {{false, false, false, true}, notRunning},
+        {{false, true, true, false}, notRunning},   {{true, false, false, false}, notDetermined},
+        {{true, true, false, false}, granted},      {{true, false, true, false}, granted},
+        {{true, true, true, false}, granted},       {{true, false, false, true}, denied},
+        {{true, true, false, true}, denied},        {{true, false, true, true}, denied},
         {{true, true, true, true}, denied},
     };
     for (const auto& row : rows)

@@ -60,8 +60,8 @@ TEST(ScreenInspector, ofTwoStackedWindowsOnlyTheFrontOneIsInFront) {
 }
 
 TEST(ScreenInspector, eachDisplayHasItsOwnFrontWindow) {
-    const auto result = visible(
-        {window(1, {10, 10, 400, 300}), window(2, {1010, 10, 400, 300}), window(3, {1020, 10, 400, 300})});
+    const auto result =
+        visible({window(1, {10, 10, 400, 300}), window(2, {1010, 10, 400, 300}), window(3, {1020, 10, 400, 300})});
     ASSERT_EQ(result.size(), 3U);
     EXPECT_TRUE(result[0].isFrontOnDisplay);
     EXPECT_TRUE(result[1].isFrontOnDisplay);
@@ -83,8 +83,8 @@ TEST(ScreenInspector, aWindowBelongsToTheDisplayWithTheLargestPartOfIt) {
 }
 
 TEST(ScreenInspector, onATieTheFirstDisplayHasTheWindow) {
-    const auto result = visible({window(1, {800, 10, 400, 300}), window(2, {10, 10, 400, 300}),
-                                 window(3, {1100, 10, 400, 300})});
+    const auto result =
+        visible({window(1, {800, 10, 400, 300}), window(2, {10, 10, 400, 300}), window(3, {1100, 10, 400, 300})});
     ASSERT_EQ(result.size(), 3U);
     EXPECT_TRUE(result[0].isFrontOnDisplay);
     EXPECT_FALSE(result[1].isFrontOnDisplay) << "the first display was claimed";
@@ -124,7 +124,9 @@ TEST(ScreenInspector, whateverStandsOnTheScreensTheOrderStaysAndNoDisplayHasTwoF
     rc::check([] {
         ScreenLayout layout;
         const auto number = [](int from, int to) { return static_cast<double>(*rc::gen::inRange(from, to)); };
-        const auto rectangle = [&] { return Rectangle{number(-500, 2500), number(-500, 1500), number(0, 900), number(0, 900)}; };
+        const auto rectangle = [&] {
+            return Rectangle{number(-500, 2500), number(-500, 1500), number(0, 900), number(0, 900)};
+        };
         for (int i = 0, count = *rc::gen::inRange(0, 4); i < count; ++i)
             layout.displays.push_back(rectangle());
         for (int i = 0, count = *rc::gen::inRange(0, 12); i < count; ++i)

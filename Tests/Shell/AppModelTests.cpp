@@ -269,8 +269,8 @@ TEST_F(AppModelTest, browsersAreReadOnlyWhereSomethingReadsThem) {
     pass(1);
     model->requestBrowserAccess(browser);
     pass(3);
-    EXPECT_EQ(told.values, (std::vector<std::vector<BrowserPermission>>{
-                               {{browser, AutomationStatus::notRunning}}, {{browser, AutomationStatus::notDetermined}}}));
+    EXPECT_EQ(told.values, (std::vector<std::vector<BrowserPermission>>{{{browser, AutomationStatus::notRunning}},
+                                                                        {{browser, AutomationStatus::notDetermined}}}));
 }
 
 } // namespace

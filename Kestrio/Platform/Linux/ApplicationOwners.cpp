@@ -27,8 +27,7 @@ std::optional<std::string> ApplicationOwners::bundleIdentifier(const Application
     return ofName(trace.name, running);
 }
 
-std::optional<std::string> ApplicationOwners::ofProcess(pid_t process,
-                                                        const std::vector<RunningApplication>& running) {
+std::optional<std::string> ApplicationOwners::ofProcess(pid_t process, const std::vector<RunningApplication>& running) {
     const auto line = responsibleProcesses(process, identity_.processes());
     for (const auto each : line)
         for (const auto& application : running)

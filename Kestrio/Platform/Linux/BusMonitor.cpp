@@ -72,8 +72,7 @@ std::unique_ptr<BusMonitor> BusMonitor::open(LoopQueue& queue, const std::string
     const int descriptor = sd_bus_get_fd(connection->bus);
     if (descriptor < 0)
         return nullptr;
-    std::unique_ptr<BusMonitor> monitor(
-        new BusMonitor(std::move(connection), std::move(seen), std::move(ended)));
+    std::unique_ptr<BusMonitor> monitor(new BusMonitor(std::move(connection), std::move(seen), std::move(ended)));
     monitor->watch_ = queue.watch(descriptor, [self = monitor.get()] { self->read(); });
     // What came along with the answer is in memory already; the descriptor would never tell of it.
     monitor->first_ = queue.after(Seconds(0), [self = monitor.get()] { self->read(); });
@@ -96,7 +95,8 @@ void BusMonitor::read() {
         result = sd_bus_process(connection_->bus, &taken);
         const Message message(taken);
         if (message && sd_bus_message_is_method_call(message.get(), nullptr, nullptr) > 0)
-            seen_({textOf(sd_bus_message_get_sender(message.get())), textOf(sd_bus_message_get_interface(message.get())),
+            seen_({textOf(sd_bus_message_get_sender(message.get())),
+                   textOf(sd_bus_message_get_interface(message.get())),
                    textOf(sd_bus_message_get_member(message.get()))});
     } while (result > 0);
     if (result >= 0)

@@ -3,6 +3,7 @@
 #include "Kestrio/Platform/Linux/BusConnection.h"
 
 #include <algorithm>
+#include <chrono>
 #include <fmt/format.h>
 #include <sdbus-c++/sdbus-c++.h>
 #include <string_view>
@@ -24,6 +25,9 @@ constexpr const char* gnomeName = "org.gnome.SessionManager";
 constexpr const char* gnomePath = "/org/gnome/SessionManager";
 constexpr std::uint32_t gnomeSuspend = 4;
 constexpr std::uint32_t gnomeIdle = 8;
+
+/// Nobody waits for these answers, so a service that is slow to start may take its time.
+constexpr std::chrono::seconds patience{25};
 
 /// Whether `word` stands in a list of words with colons between them.
 bool hasWord(std::string_view list, std::string_view word) {
@@ -50,9 +54,8 @@ ListedInhibitors::ListedInhibitors(BusConnection& bus, std::string service, std:
     if (!ownerMatch)
         return;
     ownerMatch_ = std::move(*ownerMatch);
-    auto changesMatch =
-        bus_.match(fmt::format("type='signal',sender='{}',path='{}',{}", name_, path_, changes),
-                   [this](sdbus::Message&) { ask(); });
+    auto changesMatch = bus_.match(fmt::format("type='signal',sender='{}',path='{}',{}", name_, path_, changes),
+                                   [this](sdbus::Message&) { ask(); });
     if (changesMatch)
         changesMatch_ = std::move(*changesMatch);
 }
@@ -108,6 +111,7 @@ void LogindInhibitors::ask() {
         service()
             .callMethodAsync("ListInhibitors")
             .onInterface(logindInterface)
+            .withTimeout(patience)
             .uponReplyInvoke([this](const sdbus::Error* error, const std::vector<Row>& rows) {
                 held_.clear();
                 if (error)
@@ -137,6 +141,7 @@ void KdeInhibitors::ask() {
         service()
             .callMethodAsync("ListInhibitions")
             .onInterface(kdeName)
+            .withTimeout(patience)
             .uponReplyInvoke([this](const sdbus::Error* error, const std::vector<Row>& rows) {
                 applications_.clear();
                 if (error)
@@ -147,6 +152,7 @@ void KdeInhibitors::ask() {
         service()
             .callMethodAsync("HasInhibition")
             .onInterface(kdeName)
+            .withTimeout(patience)
             .withArguments(kdeScreenSettings)
             .uponReplyInvoke([this](const sdbus::Error* error, bool isKept) { isDisplayKept_ = !error && isKept; });
     });
@@ -177,6 +183,7 @@ void GnomeInhibitors::ask() {
         service()
             .callMethodAsync("GetInhibitors")
             .onInterface(gnomeName)
+            .withTimeout(patience)
             .uponReplyInvoke([this](const sdbus::Error* error, const std::vector<sdbus::ObjectPath>& paths) {
                 take(error ? std::vector<std::string>() : std::vector<std::string>(paths.begin(), paths.end()));
             });
@@ -188,9 +195,8 @@ void GnomeInhibitors::forget() {
 }
 
 void GnomeInhibitors::take(const std::vector<std::string>& paths) {
-    std::erase_if(inhibitors_, [&](const auto& known) {
-        return std::find(paths.begin(), paths.end(), known.first) == paths.end();
-    });
+    std::erase_if(inhibitors_,
+                  [&](const auto& known) { return std::find(paths.begin(), paths.end(), known.first) == paths.end(); });
     for (const auto& path : paths)
         if (const auto [place, isNew] = inhibitors_.try_emplace(path); isNew) {
             place->second.proxy = proxyOf(path);
@@ -203,18 +209,21 @@ void GnomeInhibitors::askAbout(Inhibitor& inhibitor) {
     bus().perform([&](sdbus::IConnection&) {
         inhibitor.proxy->callMethodAsync("GetFlags")
             .onInterface(interface)
+            .withTimeout(patience)
             .uponReplyInvoke([&inhibitor](const sdbus::Error* error, std::uint32_t flags) {
                 if (!error)
                     inhibitor.flags = flags;
             });
         inhibitor.proxy->callMethodAsync("GetAppId")
             .onInterface(interface)
+            .withTimeout(patience)
             .uponReplyInvoke([&inhibitor](const sdbus::Error* error, const std::string& name) {
                 if (!error)
                     inhibitor.holder.name = name;
             });
         inhibitor.proxy->callMethodAsync("GetClientId")
             .onInterface(interface)
+            .withTimeout(patience)
             .uponReplyInvoke([this, &inhibitor](const sdbus::Error* error, const sdbus::ObjectPath& client) {
                 if (!error && client.size() > 1) // "/" stands for none
                     askForProcess(inhibitor, client);
@@ -227,6 +236,7 @@ void GnomeInhibitors::askForProcess(Inhibitor& inhibitor, const std::string& cli
     bus().perform([&](sdbus::IConnection&) {
         inhibitor.client->callMethodAsync("GetUnixProcessId")
             .onInterface("org.gnome.SessionManager.Client")
+            .withTimeout(patience)
             .uponReplyInvoke([&inhibitor](const sdbus::Error* error, std::uint32_t process) {
                 if (!error && process > 0)
                     inhibitor.holder.process = static_cast<pid_t>(process);

@@ -51,7 +51,8 @@ struct ProcessEvidence {
     std::vector<std::string> programNames;
 };
 
-/// What the kernel writes into a file below `/proc`, up to 256 KiB. Absent when the process is gone or not ours to read.
+/// What the kernel writes into a file below `/proc`, up to 256 KiB. Absent when the process is gone or not ours to
+/// read.
 std::optional<std::string> readProcessFile(const std::filesystem::path& path);
 
 /// `root` is `/proc`, or a folder like it.

@@ -95,9 +95,9 @@ private:
         pa_buffer_attr lot{};
         lot.maxlength = static_cast<std::uint32_t>(-1);
         lot.fragsize = peaksPerMessage * sizeof(float);
-        const auto flags = static_cast<pa_stream_flags_t>(PA_STREAM_PEAK_DETECT | PA_STREAM_DONT_MOVE |
-                                                          PA_STREAM_ADJUST_LATENCY |
-                                                          PA_STREAM_DONT_INHIBIT_AUTO_SUSPEND);
+        const auto flags =
+            static_cast<pa_stream_flags_t>(PA_STREAM_PEAK_DETECT | PA_STREAM_DONT_MOVE | PA_STREAM_ADJUST_LATENCY |
+                                           PA_STREAM_DONT_INHIBIT_AUTO_SUSPEND);
         if (pa_stream_connect_record(stream_, std::to_string(monitor).c_str(), &lot, flags) < 0)
             fail();
     }
@@ -363,9 +363,8 @@ private:
         // Meters, our own and those of volume controls, take no sound in.
         const bool isMeter = info.client == pa_context_get_index(context_) ||
                              (info.resample_method && std::string_view(info.resample_method) == "peaks");
-        auto trace = isMeter || info.corked
-                         ? std::nullopt
-                         : traceOfStream(propertiesOf(info.proplist), hostName_, options_.processes);
+        auto trace = isMeter || info.corked ? std::nullopt
+                                            : traceOfStream(propertiesOf(info.proplist), hostName_, options_.processes);
         const std::lock_guard guard(lock_);
         if (trace)
             inputs_[info.index] = std::move(*trace);

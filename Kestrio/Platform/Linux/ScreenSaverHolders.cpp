@@ -31,8 +31,7 @@ std::vector<std::string> callRules() {
     std::vector<std::string> rules;
     for (const auto& service : services)
         for (const char* member : {"Inhibit", "UnInhibit"})
-            rules.push_back(
-                fmt::format("type='method_call',interface='{}',member='{}'", service.interface, member));
+            rules.push_back(fmt::format("type='method_call',interface='{}',member='{}'", service.interface, member));
     return rules;
 }
 

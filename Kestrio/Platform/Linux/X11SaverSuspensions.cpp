@@ -56,8 +56,7 @@ std::vector<pid_t> saverSuspendingProcesses(X11Connection& connection) {
             suspending.push_back(x11::askForClientProcess(xcb, all[i]));
     }
     for (const auto client : suspending)
-        if (const auto process =
-                x11::clientProcess(operation.reply<xcb_res_query_client_ids_reply_t>(client).get()))
+        if (const auto process = x11::clientProcess(operation.reply<xcb_res_query_client_ids_reply_t>(client).get()))
             processes.push_back(*process);
     return processes;
 }

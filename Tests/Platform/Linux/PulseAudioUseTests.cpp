@@ -1,4 +1,8 @@
+#include "Kestrio/Activity/MediaInspector.h"
+#include "Kestrio/Platform/Linux/ApplicationOwners.h"
 #include "Kestrio/Platform/Linux/PulseAudioUse.h"
+#include "Kestrio/Platform/Testing/ScriptedDesktop.h"
+#include "Kestrio/Platform/Testing/ScriptedMedia.h"
 #include "Tests/Support/Eventually.h"
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Support/VirtualDisplay.h"
@@ -44,8 +48,8 @@ public:
     TestProgram run(const std::vector<std::string>& command) const {
         return TestProgram(command, {"PULSE_SERVER=" + address(), "HOME=" + folder_.path().string(),
                                      "XDG_RUNTIME_DIR=" + folder_.path().string(),
-                                     "PULSE_RUNTIME_PATH=" + folder_.path().string(), "DISPLAY=",
-                                     "DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent"});
+                                     "PULSE_RUNTIME_PATH=" + folder_.path().string(),
+                                     "DISPLAY=", "DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent"});
     }
 
     /// Whether `pactl` did what it was told.
@@ -64,8 +68,8 @@ public:
     /// The number that the server gave to the only stream of a kind. There must be one.
     std::string only(const std::string& kind) const {
         const auto list = folder_.path() / "list";
-        const auto shell = run({"sh", "-c", "pactl list short " + kind + " > '" + list.string() + "'; echo >> '" +
-                                                list.string() + "'"});
+        const auto shell = run(
+            {"sh", "-c", "pactl list short " + kind + " > '" + list.string() + "'; echo >> '" + list.string() + "'"});
         EXPECT_TRUE(eventually([&] { return fileText(list).ends_with("\n\n"); })) << kind;
         const auto text = fileText(list);
         std::filesystem::remove(list);
@@ -340,6 +344,25 @@ TEST_F(PulseAudioUseTest, aServerThatDoesNotAnswerHoldsNobodyUp) {
     }
     server.signal(SIGCONT);
     EXPECT_TRUE(isPlaying({player.process()}));
+}
+
+TEST_F(PulseAudioUseTest, theSoundOfAHelperProcessIsItsApplications) {
+    const auto application = server.run({"sh", "-c",
+                                         "parec --device=first.monitor /dev/null & head -c 4000000 "
+                                         "/dev/urandom | pacat --playback --device=first; wait"});
+    const SystemClock clock;
+    DesktopEntries entries({}, "", clock);
+    ApplicationIdentity identity(entries, IdentityCatalogue::builtIn());
+    ScriptedWorkspace workspace;
+    workspace.running = {{"org.example.Browser", "Browser", application.process()}};
+    ApplicationOwners owners(workspace, identity);
+    ScriptedSleepInhibitors inhibitors;
+    MediaInspector inspector(
+        use, inhibitors, [&](const ApplicationTrace& trace) { return owners.bundleIdentifier(trace); }, "");
+    const std::set<std::string> browser{"org.example.Browser"};
+    EXPECT_TRUE(eventually([&] { return inspector.appsPlayingAudio() == browser; }));
+    EXPECT_TRUE(eventually([&] { return inspector.appsRecordingAudio() == browser; }));
+    EXPECT_NE(use.playing().front().process, application.process());
 }
 
 TEST(PulseAudioUse, withoutAnyServerNothingPlays) {

@@ -35,8 +35,8 @@ TEST(ProcessDescent, isReadFromAnyName) {
 }
 
 TEST(ProcessDescent, isAbsentInWhatTheKernelNeverWrites) {
-    for (const std::string stat : {"", "12", "12 (x", "12 x) S 1", ")(", "12 (x)", "12 (x) S", "12 (x) S ", "12 (x) S y",
-                                   "12 (x) S -1", "12 (x) S 99999999999999"})
+    for (const std::string stat : {"", "12", "12 (x", "12 x) S 1", ")(", "12 (x)", "12 (x) S", "12 (x) S ",
+                                   "12 (x) S y", "12 (x) S -1", "12 (x) S 99999999999999"})
         EXPECT_FALSE(processDescent(stat)) << stat;
 }
 
