@@ -96,19 +96,6 @@ std::string_view withoutCarriageReturn(std::string_view line) {
     return line.ends_with('\r') ? line.substr(0, line.size() - 1) : line;
 }
 
-std::optional<std::string> readFile(const fs::path& path) {
-    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (descriptor < 0)
-        return std::nullopt;
-    std::string content;
-    std::array<char, 4096> buffer{};
-    ssize_t count = 0;
-    while (content.size() < longestFile && (count = read(descriptor, buffer.data(), buffer.size())) > 0)
-        content.append(buffer.data(), static_cast<std::size_t>(count));
-    close(descriptor);
-    return count < 0 ? std::nullopt : std::optional(std::move(content));
-}
-
 std::string fileName(std::string_view path) {
     return std::string(path.substr(path.rfind('/') + 1));
 }
@@ -151,6 +138,19 @@ std::vector<std::string> programNames(const std::optional<fs::path>& executable,
 }
 
 } // namespace
+
+std::optional<std::string> readProcessFile(const fs::path& path) {
+    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (descriptor < 0)
+        return std::nullopt;
+    std::string content;
+    std::array<char, 4096> buffer{};
+    ssize_t count = 0;
+    while (content.size() < longestFile && (count = read(descriptor, buffer.data(), buffer.size())) > 0)
+        content.append(buffer.data(), static_cast<std::size_t>(count));
+    close(descriptor);
+    return count < 0 ? std::nullopt : std::optional(std::move(content));
+}
 
 std::string unescapedUnitName(std::string_view name) {
     std::string result;
@@ -254,22 +254,22 @@ bool isInterpreter(std::string_view name) {
 ProcessEvidence readProcessEvidence(const fs::path& root, pid_t process) {
     const auto folder = root / std::to_string(process);
     ProcessEvidence evidence;
-    if (const auto group = readFile(folder / "cgroup")) {
+    if (const auto group = readProcessFile(folder / "cgroup")) {
         evidence.unitApplication = applicationOfControlGroup(*group);
         evidence.sandboxApplication = snapApplicationOfControlGroup(*group);
     }
-    if (const auto info = readFile(folder / "root" / ".flatpak-info"))
+    if (const auto info = readProcessFile(folder / "root" / ".flatpak-info"))
         evidence.sandboxApplication = applicationOfFlatpakInfo(*info);
-    if (const auto environment = readFile(folder / "environ"))
+    if (const auto environment = readProcessFile(folder / "environ"))
         evidence.desktopFile = launchedDesktopFile(*environment, process);
     evidence.executable = readExecutable(folder);
     evidence.programNames =
-        programNames(evidence.executable, commandArguments(readFile(folder / "cmdline").value_or("")));
+        programNames(evidence.executable, commandArguments(readProcessFile(folder / "cmdline").value_or("")));
     return evidence;
 }
 
 std::optional<std::uint64_t> readStartTicks(const fs::path& root, pid_t process) {
-    const auto text = readFile(root / std::to_string(process) / "stat");
+    const auto text = readProcessFile(root / std::to_string(process) / "stat");
     return text ? startTicks(*text) : std::nullopt;
 }
 

@@ -51,6 +51,10 @@ struct ProcessEvidence {
     std::vector<std::string> programNames;
 };
 
+/// What the kernel writes into a file below `/proc`, up to 256 KiB. Absent when the process is gone or not ours to
+/// read.
+std::optional<std::string> readProcessFile(const std::filesystem::path& path);
+
 /// `root` is `/proc`, or a folder like it.
 ProcessEvidence readProcessEvidence(const std::filesystem::path& root, pid_t process);
 std::optional<std::uint64_t> readStartTicks(const std::filesystem::path& root, pid_t process);
