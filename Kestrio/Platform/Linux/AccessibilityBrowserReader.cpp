@@ -164,7 +164,7 @@ const BrowserFrame* AccessibilityBrowserReader::theOne(const std::vector<const B
     if (window.isActive)
         if (const auto* active = only([&](const BrowserFrame& frame) { return tree_->isActive(frame); }))
             return active;
-    return only([&](const BrowserFrame& frame) { return tree_->isAt(frame, window.bounds); });
+    return only([&](const BrowserFrame& frame) { return tree_->isAt(frame, window); });
 }
 
 /// Which of them it is cannot be said: if one of them is private, that is what it may be.

@@ -40,6 +40,10 @@ bool isNear(double a, double b) {
     return std::abs(a - b) <= 2; // of rounding on scaled screens
 }
 
+bool isNear(const Rectangle& a, const Rectangle& b) {
+    return isNear(a.x, b.x) && isNear(a.y, b.y) && isNear(a.width, b.width) && isNear(a.height, b.height);
+}
+
 } // namespace
 
 BrowserTree::BrowserTree(AccessibilityBus& bus, const Clock& clock, ApplicationOfProcess applicationOf)
@@ -100,10 +104,9 @@ bool BrowserTree::isActive(const BrowserFrame& frame) {
     return (bus_.states(frame.object).value_or(0) & AccessibilityBus::active) != 0;
 }
 
-bool BrowserTree::isAt(const BrowserFrame& frame, const Rectangle& bounds) {
+bool BrowserTree::isAt(const BrowserFrame& frame, const TitledWindow& window) {
     const auto extents = bus_.extents(frame.object);
-    return extents && isNear(extents->x, bounds.x) && isNear(extents->y, bounds.y) &&
-           isNear(extents->width, bounds.width) && isNear(extents->height, bounds.height);
+    return extents && (isNear(*extents, window.bounds) || isNear(*extents, window.extents));
 }
 
 bool BrowserTree::isPrivate(const BrowserFrame& frame, const std::string& bundleIdentifier,

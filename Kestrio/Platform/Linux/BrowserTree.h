@@ -40,7 +40,7 @@ public:
     bool isActive(const BrowserFrame& frame);
 
     /// Whether the frame stands where this window does.
-    bool isAt(const BrowserFrame& frame, const Rectangle& bounds);
+    bool isAt(const BrowserFrame& frame, const TitledWindow& window);
 
     /// `titles` are those of the browser's windows in the window system. Where the frame cannot be read, it is private.
     bool isPrivate(const BrowserFrame& frame, const std::string& bundleIdentifier,

@@ -15,8 +15,8 @@ TitledWindows titledWindows(X11Windows& windows, ApplicationOfProcess applicatio
         if (!placed)
             return std::nullopt;
         std::vector<TitledWindow> result;
-        for (auto& [window, title, bounds, isActive] : *placed)
-            result.push_back({window.id, window.process, std::move(title), bounds, isActive});
+        for (auto& [window, title, bounds, extents, isActive] : *placed)
+            result.push_back({window.id, window.process, std::move(title), bounds, extents, isActive});
         return result;
     };
 }

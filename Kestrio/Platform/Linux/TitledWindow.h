@@ -17,6 +17,7 @@ struct TitledWindow {
     std::optional<pid_t> process;
     std::string title; // valid UTF-8, may be empty
     Rectangle bounds;
+    Rectangle extents; // with the shadow that some applications draw around their windows and count as theirs
     bool isActive = false;
 
     friend bool operator==(const TitledWindow&, const TitledWindow&) = default;

@@ -217,15 +217,16 @@ struct PlaceRequest {
         const Property margins = operation.reply<xcb_get_property_reply_t>(shadow);
         if (!operation || !size || !place)
             return std::nullopt;
-        Rectangle bounds{static_cast<double>(place->dst_x), static_cast<double>(place->dst_y),
-                         static_cast<double>(size->width), static_cast<double>(size->height)};
+        const Rectangle extents{static_cast<double>(place->dst_x), static_cast<double>(place->dst_y),
+                                static_cast<double>(size->width), static_cast<double>(size->height)};
+        auto bounds = extents;
         if (const auto sides = wordsOf(margins); sides.size() == 4) { // left, right, top, bottom
             bounds.x += sides[0];
             bounds.y += sides[2];
             bounds.width = std::max(0.0, bounds.width - sides[0] - sides[1]);
             bounds.height = std::max(0.0, bounds.height - sides[2] - sides[3]);
         }
-        return X11PlacedWindow{window, std::move(name), bounds, false};
+        return X11PlacedWindow{window, std::move(name), bounds, extents, false};
     }
 };
 

@@ -35,6 +35,7 @@ struct X11PlacedWindow {
     X11Window window;
     std::string title; // as `X11Windows::title` reads it, but possibly empty
     Rectangle bounds;  // without the shadow that a client draws around itself, and without the manager's frame
+    Rectangle extents; // with the shadow
     bool isActive = false;
 };
 
