@@ -16,6 +16,9 @@ namespace {
 /// The first question for what a frame embeds only makes the browser look.
 constexpr std::chrono::milliseconds untilItLooked{5};
 
+/// Chromium has three for each window.
+constexpr std::size_t mostFrames = 256;
+
 /// The controls of a window are some 80 objects in Firefox and 230 in Chromium.
 constexpr std::size_t mostControls = 2000;
 
@@ -77,9 +80,10 @@ bool BrowserTree::belongsTo(const AccessibleObject& root, const std::string& bun
 }
 
 void BrowserTree::addFrames(const AccessibleObject& root, std::vector<BrowserFrame>& frames) {
-    const auto children = bus_.children(root);
+    auto children = bus_.children(root);
     if (!children)
         return;
+    children->resize(std::min(children->size(), mostFrames));
     auto& known = applications_[root.owner];
     if (!known.name)
         known.name = bus_.name(root);

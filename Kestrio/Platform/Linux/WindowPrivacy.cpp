@@ -154,8 +154,8 @@ NameMatch matchNames(std::string_view frame, std::string_view title, std::string
     page = page.substr(0, page.rfind(' '));
     const bool isSamePage =
         !page.empty() && frame.starts_with(page) && beginsWithBlankOrBracket(frame.substr(page.size()));
-    return isSamePage && frame.find(applicationName, page.size()) != std::string_view::npos ? NameMatch::loose
-                                                                                            : NameMatch::none;
+    const bool isSigned = isSamePage && frame.find(applicationName, page.size()) != std::string_view::npos;
+    return isSigned ? NameMatch::loose : NameMatch::none;
 }
 
 } // namespace kestrio

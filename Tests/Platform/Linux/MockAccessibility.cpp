@@ -130,7 +130,8 @@ void MockBrowser::serveRoot() {
         reply << script_.toolkit;
     });
     method(target, accessible, "GetRole", "", "u", [](sdbus::MethodReply& reply) { reply << applicationRole; });
-    method(target, accessible, "GetChildren", "", "", [this](sdbus::MethodReply& reply) {
+    const auto* childrenType = script_.malformed == Malformed::children ? "s" : "a(so)";
+    method(target, accessible, "GetChildren", "", childrenType, [this](sdbus::MethodReply& reply) {
         if (script_.malformed == Malformed::children) {
             reply << std::string("no list at all");
             return;
@@ -153,7 +154,7 @@ void MockBrowser::serveFrame(int number) {
     });
     methodOf(number, target, accessible, "GetRole", "", "u",
              [](sdbus::MethodReply& reply, Frame&) { reply << frameRole; });
-    methodOf(number, target, accessible, "GetState", "", "", [this](sdbus::MethodReply& reply, Frame& frame) {
+    methodOf(number, target, accessible, "GetState", "", "au", [this](sdbus::MethodReply& reply, Frame& frame) {
         if (script_.malformed == Malformed::states)
             reply << std::vector<std::uint32_t>();
         else
@@ -172,7 +173,8 @@ void MockBrowser::serveFrame(int number) {
                  const auto& [x, y, width, height] = frame.extents;
                  reply << sdbus::make_struct(x, y, width, height);
              });
-    methodOf(number, target, accessible, "GetRelationSet", "", "",
+    const auto* relationsType = script_.malformed == Malformed::relations ? "a{ss}" : "a(ua(so))";
+    methodOf(number, target, accessible, "GetRelationSet", "", relationsType,
              [this, number](sdbus::MethodReply& reply, Frame& frame) {
                  ++documentQuestions_;
                  if (script_.malformed == Malformed::relations) {
@@ -197,7 +199,8 @@ void MockBrowser::serveControls(int number) {
     });
     methodOf(number, document, accessible, "GetRole", "", "u",
              [](sdbus::MethodReply& reply, Frame&) { reply << documentRole; });
-    methodOf(number, document, "org.a11y.atspi.Document", "GetAttributes", "", "",
+    const auto* attributesType = script_.malformed == Malformed::document ? "as" : "a{ss}";
+    methodOf(number, document, "org.a11y.atspi.Document", "GetAttributes", "", attributesType,
              [this](sdbus::MethodReply& reply, Frame& frame) {
                  if (script_.malformed == Malformed::document) {
                      reply << std::vector<std::string>{"URI", frame.address};

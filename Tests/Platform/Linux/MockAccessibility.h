@@ -57,7 +57,7 @@ public:
         std::string name;
         std::string toolkit;
         std::vector<Frame> frames;
-        Malformed malformed = Malformed::no;
+        Malformed malformed = Malformed::no; // from the start
     };
 
     MockBrowser(const std::string& bus, std::string owner, Script script);

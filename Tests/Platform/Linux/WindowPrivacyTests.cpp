@@ -94,7 +94,6 @@ TEST(WindowPrivacy, aFrameIsNamedAfterItsWindowAndMaySayMore) {
         {"Page of another - Chromium", "Page - Chromium", NameMatch::loose},
         {"Pages - Chromium", "Page - Chromium", NameMatch::none},
         {"Other - Chromium", "Page - Chromium", NameMatch::none},
-        {"Page - Chromiumtune", "Page - Chromium", NameMatch::none},
         {"Open File", "Page - Chromium", NameMatch::none},
         {"Open File", "Open File", NameMatch::exact},
         {"", "Page - Chromium", NameMatch::none},
