@@ -28,6 +28,7 @@ struct AtomName {
     std::string_view name;
 };
 constexpr std::array atomNames{
+    AtomName{&X11Atoms::gtkFrameExtents, "_GTK_FRAME_EXTENTS"},
     AtomName{&X11Atoms::netActiveWindow, "_NET_ACTIVE_WINDOW"},
     AtomName{&X11Atoms::netClientList, "_NET_CLIENT_LIST"},
     AtomName{&X11Atoms::netClientListStacking, "_NET_CLIENT_LIST_STACKING"},

@@ -18,7 +18,8 @@
 namespace kestrio {
 
 struct X11Atoms {
-    xcb_atom_t netActiveWindow, netClientList, netClientListStacking, netCloseWindow, netSupportingWmCheck;
+    xcb_atom_t gtkFrameExtents, netActiveWindow, netClientList, netClientListStacking, netCloseWindow,
+        netSupportingWmCheck;
     xcb_atom_t netWmName, netWmPid, netWmState, netWmStateSkipTaskbar, netWmWindowType, netWmWindowTypeDialog;
     xcb_atom_t netWmWindowTypeNormal, utf8String, compoundText, wmState;
     xcb_atom_t gtkFrameExtents, netCurrentDesktop, netWmDesktop, netWmStateHidden, netWmWindowOpacity;

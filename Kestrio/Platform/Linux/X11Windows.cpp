@@ -158,6 +158,40 @@ struct TitleRequest {
     }
 };
 
+/// The requests for where a window is and what it is called, on their way.
+struct PlaceRequest {
+    TitleRequest title;
+    xcb_get_geometry_cookie_t geometry;
+    xcb_translate_coordinates_cookie_t origin;
+    xcb_get_property_cookie_t shadow;
+
+    PlaceRequest(X11Connection::Operation& operation, xcb_window_t window)
+        : title(operation, window),
+          geometry(xcb_get_geometry(operation.xcb(), window)),
+          origin(xcb_translate_coordinates(operation.xcb(), window, operation.server().root, 0, 0)),
+          shadow(ask(operation.xcb(), window, operation.server().atoms.gtkFrameExtents, 4)) {}
+
+    /// Absent when the window is gone.
+    std::optional<X11PlacedWindow> take(X11Connection::Operation& operation, const X11Window& window) const {
+        auto name = title.take(operation);
+        const auto size = operation.reply<xcb_get_geometry_reply_t>(geometry);
+        const auto place = operation.reply<xcb_translate_coordinates_reply_t>(origin);
+        const Property margins = operation.reply<xcb_get_property_reply_t>(shadow);
+        if (!operation || !size || !place)
+            return std::nullopt;
+        const Rectangle extents{static_cast<double>(place->dst_x), static_cast<double>(place->dst_y),
+                                static_cast<double>(size->width), static_cast<double>(size->height)};
+        auto bounds = extents;
+        if (const auto sides = wordsOf(margins); sides.size() == 4) { // left, right, top, bottom
+            bounds.x += sides[0];
+            bounds.y += sides[2];
+            bounds.width = std::max(0.0, bounds.width - sides[0] - sides[1]);
+            bounds.height = std::max(0.0, bounds.height - sides[2] - sides[3]);
+        }
+        return X11PlacedWindow{window, std::move(name), bounds, extents, false};
+    }
+};
+
 } // namespace
 
 X11Windows::X11Windows(X11Connection& connection) : connection_(connection) {
@@ -476,6 +510,44 @@ std::optional<std::string> X11Windows::title(pid_t process) {
         if (auto found = request.take(operation); title.empty())
             title = std::move(found);
     return title.empty() ? std::nullopt : std::optional(std::move(title));
+}
+
+std::vector<X11Window> X11Windows::frontToBack(Operation& operation) {
+    refreshActive(operation);
+    if (!operation || !manager_)
+        return operation && active_ ? std::vector{*active_} : std::vector<X11Window>();
+    refreshManaged(operation);
+    if (!operation)
+        return {};
+    const Property stacking = operation.reply<xcb_get_property_reply_t>(
+        ask(operation.xcb(), operation.server().root, operation.server().atoms.netClientListStacking, mostWindows));
+    const auto bottomToTop = wordsOf(stacking);
+    std::vector<X11Window> windows;
+    for (auto id = bottomToTop.rbegin(); id != bottomToTop.rend(); ++id)
+        for (const auto& window : managed_)
+            if (window.id == *id)
+                windows.push_back(window);
+    return windows;
+}
+
+std::optional<std::vector<X11PlacedWindow>> X11Windows::placed(const std::function<bool(const X11Window&)>& wanted) {
+    Operation operation(connection_);
+    if (!operation)
+        return std::nullopt;
+    auto windows = frontToBack(operation);
+    if (!operation)
+        return std::nullopt;
+    std::erase_if(windows, [&](const X11Window& window) { return !wanted(window); });
+    std::vector<PlaceRequest> requests;
+    for (const auto& window : windows)
+        requests.emplace_back(operation, window.id);
+    std::vector<X11PlacedWindow> result;
+    for (std::size_t i = 0; i < windows.size(); ++i)
+        if (auto window = requests[i].take(operation, windows[i])) {
+            window->isActive = windows[i].id == current_;
+            result.push_back(std::move(*window));
+        }
+    return operation ? std::optional(std::move(result)) : std::nullopt;
 }
 
 bool X11Windows::close(xcb_window_t window) {
