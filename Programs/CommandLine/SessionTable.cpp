@@ -2,10 +2,9 @@
 
 #include "Kestrio/Base/Text.h"
 #include "Kestrio/Shell/Formatters.h"
+#include "Programs/CommandLine/TableParts.h"
 
 #include <algorithm>
-#include <array>
-#include <cmath>
 #include <fmt/format.h>
 #include <map>
 #include <set>
@@ -23,47 +22,6 @@ constexpr std::size_t durationColumns = 7;
 /// A narrower terminal has no room for bars.
 constexpr std::size_t leastWidthForBars = 56;
 constexpr std::size_t clockColumns = 8;
-
-/// Seven shades that read on light and on dark grounds, from the 256 colours of terminals.
-constexpr std::array shades{33, 37, 98, 172, 167, 65, 139};
-
-class Painter {
-public:
-    explicit Painter(bool hasColour) : hasColour_(hasColour) {}
-
-    std::string dim(const std::string& text) const { return painted("2", text); }
-    std::string bold(const std::string& text) const { return painted("1", text); }
-    std::string shade(std::size_t index, const std::string& text) const {
-        return painted(fmt::format("38;5;{}", shades[index % shades.size()]), text);
-    }
-
-private:
-    std::string painted(const std::string& code, const std::string& text) const {
-        return hasColour_ && !text.empty() ? fmt::format("\x1B[{}m{}\x1B[0m", code, text) : text;
-    }
-
-    bool hasColour_;
-};
-
-std::string padded(const std::string& text, std::size_t columns) {
-    const auto used = text::columns(text);
-    return used < columns ? text + std::string(columns - used, ' ') : text;
-}
-
-std::string paddedLeft(const std::string& text, std::size_t columns) {
-    const auto used = text::columns(text);
-    return used < columns ? std::string(columns - used, ' ') + text : text;
-}
-
-/// A bar in eighths of a column. What lasted at all shows at least one eighth.
-std::string bar(double share) {
-    static constexpr std::array<const char*, 8> eighths{"", "▏", "▎", "▍", "▌", "▋", "▊", "▉"};
-    const auto units = std::max<long>(1, std::lround(share * barColumns * 8));
-    std::string text;
-    for (long full = 0; full < units / 8; ++full)
-        text += "█";
-    return padded(text + eighths[static_cast<std::size_t>(units % 8)], barColumns);
-}
 
 class Table {
 public:
@@ -121,7 +79,7 @@ private:
             title = fmt::format("{}{}{}", label(session.kind), title.empty() ? "" : ": ", title);
         text_ +=
             fmt::format("  {}  {}{}  {}  {}\n", paint_.dim(calendar_.formatted(session.start, "HH:mm:ss")),
-                        barColumns_ > 0 ? paint_.shade(shade, bar(share)) + "  " : "",
+                        barColumns_ > 0 ? paint_.shade(shade, bar(share, barColumns)) + "  " : "",
                         paddedLeft(Fmt::duration(session.duration()), durationColumns),
                         paint_.shade(shade, padded(text::fittedToColumns(session.appName, nameLimit_), nameColumns_)),
                         text::fittedToColumns(title, room));

@@ -89,6 +89,7 @@ LinuxMemoryTraffic::Reader LinuxMemoryTraffic::openCounter(const PerformanceEven
 
 LinuxMemoryTraffic::LinuxMemoryTraffic(const fs::path& sys, const Opener& opener) {
     for (const auto& device : memoryControllers(sys)) {
+        hasControllers_ = true;
         const auto open = [&](const auto& names, Counters& into) {
             return std::any_of(std::begin(names), std::end(names),
                                [&](std::string_view name) { return openEvent(device, name, opener, into); });

@@ -47,6 +47,9 @@ public:
 
     std::optional<std::vector<MemoryChannel>> channels() override;
 
+    /// Whether the machine has such counters at all, whoever may read them.
+    bool hasControllers() const { return hasControllers_; }
+
 private:
     struct Counter {
         Reader read;
@@ -59,6 +62,7 @@ private:
                           Counters& into);
     static std::optional<std::uint64_t> sum(const Counters& counters);
 
+    bool hasControllers_ = false;
     Counters reads_;
     Counters writes_;
 };
