@@ -1,7 +1,7 @@
 #include "Programs/CommandLine/ClassificationChanges.h"
 
 #include "Kestrio/Base/Formatters.h"
-#include "Programs/CommandLine/Layout.h"
+#include "Programs/CommandLine/TableParts.h"
 
 #include <algorithm>
 

@@ -9,8 +9,8 @@
 #include "Programs/CommandLine/ClassificationChanges.h"
 #include "Programs/CommandLine/ClassificationLists.h"
 #include "Programs/CommandLine/Explanation.h"
-#include "Programs/CommandLine/Layout.h"
 #include "Programs/CommandLine/StoredSessions.h"
+#include "Programs/CommandLine/TableParts.h"
 
 #include <algorithm>
 #include <nlohmann/json.hpp>

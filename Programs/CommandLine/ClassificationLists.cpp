@@ -1,6 +1,6 @@
 #include "Programs/CommandLine/ClassificationLists.h"
 
-#include "Programs/CommandLine/Layout.h"
+#include "Programs/CommandLine/TableParts.h"
 
 #include <algorithm>
 #include <nlohmann/json.hpp>

@@ -2,7 +2,7 @@
 
 #include "Kestrio/Activity/BrowserInspector.h"
 #include "Kestrio/Classification/TextTools.h"
-#include "Programs/CommandLine/Layout.h"
+#include "Programs/CommandLine/TableParts.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,6 +1,7 @@
 #include "Kestrio/Shell/AppInfo.h"
 #include "Programs/CommandLine/ClassificationCommands.h"
 #include "Programs/CommandLine/Commands.h"
+#include "Programs/CommandLine/MachineCommands.h"
 #include "Programs/StandardStreams.h"
 
 #include <CLI/CLI.hpp>
@@ -159,6 +160,22 @@ int main(int argc, char** argv) {
             command.add_option("--to", range.to, "End: now unless said");
             command.add_flag("--json", range.json, "Data for scripts");
         });
+
+    kestrio::TopOptions topOptions;
+    add(
+        app, "top", "The applications, and what each of them uses with all its processes", result,
+        [&] { return kestrio::top(topOptions); },
+        [&](CLI::App& command) {
+            command.add_option("--by", topOptions.by, "What to order by: cpu (so unless said) or memory");
+            command.add_flag("--once", topOptions.once, "One table, and done");
+            command.add_flag("--json", topOptions.json, "Data for scripts");
+        });
+    add(
+        app, "machine", "The cores, the memory and the drives, and what cannot be told here", result,
+        [&] { return kestrio::machine(json); }, withJSON);
+    add(
+        app, "disk-test", "Measure how fast the drive is, with a file of 256 MB that is gone afterwards", result,
+        [&] { return kestrio::diskTest(json); }, withJSON);
 
     std::optional<std::string> length;
     add(

@@ -96,6 +96,19 @@ std::string_view withoutCarriageReturn(std::string_view line) {
     return line.ends_with('\r') ? line.substr(0, line.size() - 1) : line;
 }
 
+/// What stands behind the key in the group of that header; absent when that is nothing.
+std::optional<std::string> valueOfFlatpakInfo(std::string_view text, std::string_view header, std::string_view key) {
+    bool isInGroup = false;
+    for (const auto raw : split(text, '\n')) {
+        const auto line = withoutCarriageReturn(raw);
+        if (line.starts_with('['))
+            isInGroup = line == header;
+        else if (isInGroup && line.starts_with(key) && line.size() > key.size())
+            return std::string(line.substr(key.size()));
+    }
+    return std::nullopt;
+}
+
 std::string fileName(std::string_view path) {
     return std::string(path.substr(path.rfind('/') + 1));
 }
@@ -135,6 +148,28 @@ std::vector<std::string> programNames(const std::optional<fs::path>& executable,
                 break;
             }
     return names;
+}
+
+/// The script that an interpreter was started with. Absent where it takes its program from an option or from input.
+std::optional<fs::path> scriptOf(const std::vector<std::string>& arguments, const fs::path& folder) {
+    if (arguments.size() < 2 || arguments[1].starts_with('-') || arguments[1].empty())
+        return std::nullopt;
+    const fs::path script = arguments[1];
+    if (script.is_absolute())
+        return script.lexically_normal();
+    std::error_code error;
+    const auto at = fs::read_symlink(folder / "cwd", error);
+    return error ? std::nullopt : std::optional((at / script).lexically_normal());
+}
+
+/// What lies below `/app` in a Flatpak is another file for each of them; on the host its place is its own.
+fs::path placeOnHost(const fs::path& path, const fs::path& folder) {
+    constexpr std::string_view sandboxed = "/app/";
+    if (!path.native().starts_with(sandboxed))
+        return path;
+    const auto info = readProcessFile(folder / "root" / ".flatpak-info");
+    const auto place = info ? placeOfFlatpak(*info) : std::nullopt;
+    return place ? *place / path.native().substr(sandboxed.size()) : path;
 }
 
 } // namespace
@@ -192,15 +227,11 @@ std::optional<std::string> snapApplicationOfControlGroup(std::string_view text) 
 }
 
 std::optional<std::string> applicationOfFlatpakInfo(std::string_view text) {
-    bool isInGroup = false;
-    for (const auto raw : split(text, '\n')) {
-        const auto line = withoutCarriageReturn(raw);
-        if (line.starts_with('['))
-            isInGroup = line == "[Application]";
-        else if (isInGroup && line.starts_with("name=") && line.size() > 5)
-            return std::string(line.substr(5));
-    }
-    return std::nullopt;
+    return valueOfFlatpakInfo(text, "[Application]", "name=");
+}
+
+std::optional<fs::path> placeOfFlatpak(std::string_view text) {
+    return valueOfFlatpakInfo(text, "[Instance]", "app-path=");
 }
 
 std::optional<fs::path> launchedDesktopFile(std::string_view environment, pid_t process) {
@@ -266,6 +297,18 @@ ProcessEvidence readProcessEvidence(const fs::path& root, pid_t process) {
     evidence.programNames =
         programNames(evidence.executable, commandArguments(readProcessFile(folder / "cmdline").value_or("")));
     return evidence;
+}
+
+std::optional<fs::path> readProgram(const fs::path& root, pid_t process) {
+    const auto folder = root / std::to_string(process);
+    const auto executable = readExecutable(folder);
+    if (executable && !isInterpreter(executable->filename().native()))
+        return placeOnHost(*executable, folder);
+    const auto arguments = commandArguments(readProcessFile(folder / "cmdline").value_or(""));
+    if (executable)
+        return placeOnHost(scriptOf(arguments, folder).value_or(*executable), folder);
+    return !arguments.empty() && fs::path(arguments.front()).is_absolute() ? std::optional(fs::path(arguments.front()))
+                                                                           : std::nullopt;
 }
 
 std::optional<std::uint64_t> readStartTicks(const fs::path& root, pid_t process) {
