@@ -132,8 +132,8 @@ Subscription BackgroundImport::start(std::vector<SessionFile> files, ImportRecei
         auto outcome = importFiles(*shared, database_, {progress, stop});
         tell([outcome = std::move(outcome)](Job& job) {
             job.isRunning = false;
-            const auto receiver = std::exchange(job.receiver, {});
-            receiver.ended(outcome);
+            const auto heard = std::exchange(job.receiver, {});
+            heard.ended(outcome);
         });
     });
     return Subscription([source = thread_.get_stop_source()]() mutable { source.request_stop(); });

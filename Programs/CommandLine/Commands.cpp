@@ -1,9 +1,5 @@
 #include "Programs/CommandLine/Commands.h"
 
-#include "Kestrio/Activity/AlongsideSessions.h"
-#include "Kestrio/Activity/Database.h"
-#include "Kestrio/Activity/LiveRows.h"
-#include "Kestrio/Base/LoopQueue.h"
 #include "Kestrio/Base/Text.h"
 #include "Kestrio/Model/ModelsJSON.h"
 #include "Kestrio/Shell/Formatters.h"
@@ -12,6 +8,7 @@
 #include "Programs/CommandLine/Moments.h"
 #include "Programs/CommandLine/Places.h"
 #include "Programs/CommandLine/StatusText.h"
+#include "Programs/CommandLine/StoredSessions.h"
 #include "Programs/CommandLine/Terminal.h"
 
 #include <algorithm>
@@ -25,60 +22,11 @@ namespace {
 
 using JSON = nlohmann::ordered_json;
 
-constexpr int done = 0;
-constexpr int failed = 1;
-constexpr int wrongUsage = 2;
+using namespace exitStatus;
 
 int reportNotRunning() {
     complain("Kestrio is not running here. Start it with: kestrio");
     return failed;
-}
-
-/// The stored sessions, for looking at only.
-class StoredSessions {
-public:
-    explicit StoredSessions(const Locations& places) {
-        const auto file = dataFolder(places) / Database::fileName;
-        std::error_code ignored;
-        if (std::filesystem::exists(file, ignored))
-            database_.emplace(file, queue_, Database::Access::readOnly);
-    }
-
-    /// Null when nothing was ever recorded.
-    Database* database() { return database_ ? &*database_ : nullptr; }
-
-private:
-    WorkerQueue queue_{"Kestrio.database"};
-    std::optional<Database> database_;
-};
-
-/// Runs a command that reads the database; one that cannot be read is a clear line.
-template <class Work>
-int withStored(const Locations& places, Work work) {
-    try {
-        StoredSessions stored(places);
-        return work(stored.database());
-    } catch (const DatabaseError& error) {
-        complain((dataFolder(places) / Database::fileName).string() + ": " + error.what());
-        return failed;
-    }
-}
-
-/// The sessions of an interval, with what is open in the agent's memory right now.
-std::vector<ActivitySession> sessionsOf(Database* database, const std::optional<AgentStatus>& agent,
-                                        DateInterval interval) {
-    std::vector<ActivitySession> found;
-    if (database)
-        found = database->sessions(interval.start, interval.end);
-    if (!agent)
-        return found;
-    std::int64_t nextID = -1;
-    if (agent->live)
-        joinLive(found, *agent->live, interval, nextID);
-    for (const auto& session : agent->alongside)
-        if (session.lastSeen - session.start >= AlongsideSessions::minimum)
-            joinLive(found, session, interval, nextID);
-    return found;
 }
 
 Seconds focusedTime(const std::vector<ActivitySession>& sessions, DateInterval interval) {
@@ -239,9 +187,7 @@ int sessions(const SessionsOptions& options) {
     }
     const auto agent = runningAgent(places);
     const auto status = agent ? agent->status() : std::nullopt;
-    if (status && status->unsaved > 0)
-        complain(
-            fmt::format("{} sessions wait in the agent's memory for the disk and are not listed", status->unsaved));
+    warnOfUnsaved(status);
     return withStored(places, [&](Database* database) {
         auto found = sessionsOf(database, status, {*from, *to});
         if (options.json) {

@@ -1,5 +1,6 @@
 #include "Kestrio/Shell/AppInfo.h"
 #include "Programs/CommandLine/Commands.h"
+#include "Programs/CommandLine/SessionFiles.h"
 #include "Programs/StandardStreams.h"
 
 #include <CLI/CLI.hpp>
@@ -65,6 +66,22 @@ int main(int argc, char** argv) {
                                "Beginning: today (so unless said), yesterday, 14:30, 2026-11-21, 2h ago");
             command.add_option("--to", range.to, "End: now unless said");
             command.add_flag("--json", range.json, "Data for scripts");
+        });
+
+    kestrio::ExportOptions exported;
+    add(
+        app, "export", "Write sessions to a CSV file", result, [&] { return kestrio::exportSessions(exported); },
+        [&](CLI::App& command) {
+            command.add_option("--range", exported.range, "today, week, month (the last 30 days) or all (unless said)");
+            command.add_option("-o,--output", exported.output, "The file, or - for standard output")->required();
+        });
+
+    std::vector<std::string> imported;
+    add(
+        app, "import", "Bring back sessions from CSV files that Kestrio (or Timeweft) exported", result,
+        [&] { return kestrio::importSessions(imported); },
+        [&](CLI::App& command) {
+            command.add_option("files", imported, "The files, or - for standard input")->required();
         });
 
     std::optional<std::string> length;
