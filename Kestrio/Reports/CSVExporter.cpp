@@ -10,6 +10,8 @@
 namespace kestrio::CSVExporter {
 namespace {
 
+constexpr std::size_t pieceSize = 1 << 16;
+
 std::string dateText(Date date, const Calendar& calendar) {
     return isoDateTime(date, calendar.secondsFromUTC(date));
 }
@@ -40,9 +42,15 @@ std::string csv(std::span<const ClassifiedSession> sessions, const Calendar& cal
 
 void write(std::span<const ClassifiedSession> sessions, const Calendar& calendar,
            const std::function<void(std::string_view)>& receive) {
-    receive(header);
-    for (const auto& session : sessions)
-        receive(line(session, calendar));
+    std::string piece(header);
+    for (const auto& session : sessions) {
+        piece += line(session, calendar);
+        if (piece.size() >= pieceSize) {
+            receive(piece);
+            piece.clear();
+        }
+    }
+    receive(piece);
 }
 
 } // namespace kestrio::CSVExporter

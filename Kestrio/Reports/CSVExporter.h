@@ -25,7 +25,7 @@ std::string line(const ClassifiedSession& session, const Calendar& calendar);
 /// The whole text of a file.
 std::string csv(std::span<const ClassifiedSession> sessions, const Calendar& calendar);
 
-/// The same, line after line.
+/// The same in pieces of whole lines, for files of any length.
 void write(std::span<const ClassifiedSession> sessions, const Calendar& calendar,
            const std::function<void(std::string_view)>& receive);
 

@@ -16,9 +16,9 @@ constexpr double shareOfReading = 0.2;
 /// All sessions of the files, or what was in the way.
 class Reading {
 public:
-    Reading(const std::vector<SessionFile>& files, const LongWork& work)
+    Reading(const std::vector<SessionFile>& files, LongWork work)
         : files_(files),
-          work_(work),
+          work_(std::move(work)),
           bytesInAll_(std::accumulate(files.begin(), files.end(), 0.0, [](double sum, const SessionFile& file) {
               return sum + static_cast<double>(fileSize(file.content));
           })) {}
@@ -57,7 +57,7 @@ private:
     }
 
     const std::vector<SessionFile>& files_;
-    const LongWork& work_;
+    const LongWork work_;
     const double bytesInAll_;
     double bytesRead_ = 0;
 };
@@ -132,8 +132,8 @@ Subscription BackgroundImport::start(std::vector<SessionFile> files, ImportRecei
         auto outcome = importFiles(*shared, database_, {progress, stop});
         tell([outcome = std::move(outcome)](Job& job) {
             job.isRunning = false;
-            const auto receiver = std::exchange(job.receiver, {});
-            receiver.ended(outcome);
+            const auto heard = std::exchange(job.receiver, {});
+            heard.ended(outcome);
         });
     });
     return Subscription([source = thread_.get_stop_source()]() mutable { source.request_stop(); });

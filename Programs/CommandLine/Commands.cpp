@@ -1,10 +1,6 @@
 #include "Programs/CommandLine/Commands.h"
 
-#include "Kestrio/Activity/AlongsideSessions.h"
-#include "Kestrio/Activity/Database.h"
-#include "Kestrio/Activity/LiveRows.h"
 #include "Kestrio/Base/Formatters.h"
-#include "Kestrio/Base/LoopQueue.h"
 #include "Kestrio/Base/Text.h"
 #include "Kestrio/Model/ModelsJSON.h"
 #include "Kestrio/Shell/Settings.h"
@@ -31,23 +27,6 @@ using namespace exitStatus;
 int reportNotRunning() {
     complain("Kestrio is not running here. Start it with: kestrio");
     return failed;
-}
-
-/// The sessions of an interval, with what is open in the agent's memory right now.
-std::vector<ActivitySession> sessionsOf(Database* database, const std::optional<AgentStatus>& agent,
-                                        DateInterval interval) {
-    std::vector<ActivitySession> found;
-    if (database)
-        found = database->sessions(interval.start, interval.end);
-    if (!agent)
-        return found;
-    std::int64_t nextID = -1;
-    if (agent->live)
-        joinLive(found, *agent->live, interval, nextID);
-    for (const auto& session : agent->alongside)
-        if (session.lastSeen - session.start >= AlongsideSessions::minimum)
-            joinLive(found, session, interval, nextID);
-    return found;
 }
 
 Seconds focusedTime(const std::vector<ActivitySession>& sessions, DateInterval interval) {
@@ -208,9 +187,7 @@ int sessions(const SessionsOptions& options) {
     }
     const auto agent = runningAgent(places);
     const auto status = agent ? agent->status() : std::nullopt;
-    if (status && status->unsaved > 0)
-        complain(
-            fmt::format("{} sessions wait in the agent's memory for the disk and are not listed", status->unsaved));
+    warnOfUnsaved(status);
     return withStored(places, [&](Database* database) {
         auto found = sessionsOf(database, status, {*from, *to});
         if (options.json) {

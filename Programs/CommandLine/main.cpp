@@ -2,6 +2,7 @@
 #include "Programs/CommandLine/ClassificationCommands.h"
 #include "Programs/CommandLine/Commands.h"
 #include "Programs/CommandLine/MachineCommands.h"
+#include "Programs/CommandLine/SessionFiles.h"
 #include "Programs/StandardStreams.h"
 
 #include <CLI/CLI.hpp>
@@ -176,6 +177,21 @@ int main(int argc, char** argv) {
     add(
         app, "disk-test", "Measure how fast the drive is, with a file of 256 MB that is gone afterwards", result,
         [&] { return kestrio::diskTest(json); }, withJSON);
+    kestrio::ExportOptions exported;
+    add(
+        app, "export", "Write sessions to a CSV file", result, [&] { return kestrio::exportSessions(exported); },
+        [&](CLI::App& command) {
+            command.add_option("--range", exported.range, "today, week, month (the last 30 days) or all (unless said)");
+            command.add_option("-o,--output", exported.output, "The file, or - for standard output")->required();
+        });
+
+    std::vector<std::string> imported;
+    add(
+        app, "import", "Bring back sessions from CSV files that Kestrio (or Timeweft) exported", result,
+        [&] { return kestrio::importSessions(imported); },
+        [&](CLI::App& command) {
+            command.add_option("files", imported, "The files, or - for standard input")->required();
+        });
 
     std::optional<std::string> length;
     add(

@@ -22,7 +22,7 @@ struct X11Atoms {
         netSupportingWmCheck;
     xcb_atom_t netWmName, netWmPid, netWmState, netWmStateSkipTaskbar, netWmWindowType, netWmWindowTypeDialog;
     xcb_atom_t netWmWindowTypeNormal, utf8String, compoundText, wmState;
-    xcb_atom_t gtkFrameExtents, netCurrentDesktop, netWmDesktop, netWmStateHidden, netWmWindowOpacity;
+    xcb_atom_t netCurrentDesktop, netWmDesktop, netWmStateHidden, netWmWindowOpacity;
     xcb_atom_t netWmWindowTypeDesktop, netWmWindowTypeDock, saverSuspend;
 };
 

@@ -1,0 +1,38 @@
+#include "Programs/CommandLine/StoredSessions.h"
+
+#include "Kestrio/Activity/AlongsideSessions.h"
+#include "Kestrio/Activity/LiveRows.h"
+
+#include <fmt/format.h>
+
+namespace kestrio {
+
+StoredSessions::StoredSessions(const Locations& places) {
+    const auto file = dataFolder(places) / Database::fileName;
+    std::error_code ignored;
+    if (std::filesystem::exists(file, ignored))
+        database_.emplace(file, queue_, Database::Access::readOnly);
+}
+
+std::vector<ActivitySession> sessionsOf(Database* database, const std::optional<AgentStatus>& agent,
+                                        DateInterval interval) {
+    std::vector<ActivitySession> found;
+    if (database)
+        found = database->sessions(interval.start, interval.end);
+    if (!agent)
+        return found;
+    std::int64_t nextID = -1;
+    if (agent->live)
+        joinLive(found, *agent->live, interval, nextID);
+    for (const auto& session : agent->alongside)
+        if (session.lastSeen - session.start >= AlongsideSessions::minimum)
+            joinLive(found, session, interval, nextID);
+    return found;
+}
+
+void warnOfUnsaved(const std::optional<AgentStatus>& agent) {
+    if (agent && agent->unsaved > 0)
+        complain(fmt::format("{} sessions wait in the agent's memory for the disk and are not listed", agent->unsaved));
+}
+
+} // namespace kestrio
