@@ -1,5 +1,6 @@
 #include "Programs/CommandLine/ClassificationCommands.h"
 
+#include "Kestrio/Base/Text.h"
 #include "Kestrio/Classification/TextTools.h"
 #include "Kestrio/Platform/Linux/ApplicationIdentity.h"
 #include "Kestrio/Shell/ClassificationSettings.h"
@@ -13,6 +14,7 @@
 #include "Programs/CommandLine/TableParts.h"
 
 #include <algorithm>
+#include <fmt/format.h>
 #include <nlohmann/json.hpp>
 #include <variant>
 

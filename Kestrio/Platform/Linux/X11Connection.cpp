@@ -44,7 +44,6 @@ constexpr std::array atomNames{
     AtomName{&X11Atoms::utf8String, "UTF8_STRING"},
     AtomName{&X11Atoms::compoundText, "COMPOUND_TEXT"},
     AtomName{&X11Atoms::wmState, "WM_STATE"},
-    AtomName{&X11Atoms::gtkFrameExtents, "_GTK_FRAME_EXTENTS"},
     AtomName{&X11Atoms::netCurrentDesktop, "_NET_CURRENT_DESKTOP"},
     AtomName{&X11Atoms::netWmDesktop, "_NET_WM_DESKTOP"},
     AtomName{&X11Atoms::netWmStateHidden, "_NET_WM_STATE_HIDDEN"},
