@@ -162,7 +162,7 @@ std::optional<std::vector<ProjectRule>> readableRules(Classification& classifica
     return std::nullopt;
 }
 
-int storeRules(Classification& classification, std::vector<ProjectRule> rules) {
+int storeRules(Classification& classification, const std::vector<ProjectRule>& rules) {
     if (!classification.settings.projectRules().setRules(rules))
         return failed; // the store has said why
     if (rules.empty())
@@ -270,7 +270,7 @@ int addProject(const NewProjectRule& wanted) {
                  {freshUUID(), wanted.keyword, wanted.project.value_or("")});
     warnOfEarlierRules(after, *place);
     if (!wanted.preview)
-        return storeRules(classification, std::move(after));
+        return storeRules(classification, after);
     const auto naming = [](const std::vector<ProjectRule>& rules) {
         return [&rules](const ActivitySession& session) {
             return ProjectRules::resolve(rules, session.title, session.url, session.project).value_or("no project");
@@ -291,7 +291,7 @@ int moveProject(std::int64_t number, std::int64_t to) {
     auto moved = std::move((*rules)[*from]);
     rules->erase(rules->begin() + static_cast<std::ptrdiff_t>(*from));
     rules->insert(rules->begin() + static_cast<std::ptrdiff_t>(*target), std::move(moved));
-    return storeRules(classification, std::move(*rules));
+    return storeRules(classification, *rules);
 }
 
 int removeProject(std::int64_t number) {
@@ -303,7 +303,7 @@ int removeProject(std::int64_t number) {
     if (!place)
         return refuseNumber(number, rules->size());
     rules->erase(rules->begin() + static_cast<std::ptrdiff_t>(*place));
-    return storeRules(classification, std::move(*rules));
+    return storeRules(classification, *rules);
 }
 
 int explain(const ExplainOptions& options) {
