@@ -1,6 +1,6 @@
 #include "Programs/CommandLine/ClassificationChanges.h"
 
-#include "Kestrio/Shell/Formatters.h"
+#include "Kestrio/Base/Formatters.h"
 #include "Programs/CommandLine/Layout.h"
 
 #include <algorithm>
