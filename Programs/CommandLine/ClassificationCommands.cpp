@@ -124,6 +124,20 @@ int preview(const Locations& places, Naming before, Naming after) {
     });
 }
 
+// What a session belongs to, by name; the argument must outlive the answer.
+
+auto categoryNaming(const Categorizer::Snapshot& snapshot) {
+    return [&snapshot](const ActivitySession& session) {
+        return std::string(label(snapshot.category(session.bundleID, session.domain)));
+    };
+}
+
+auto projectNaming(const std::vector<ProjectRule>& rules) {
+    return [&rules](const ActivitySession& session) {
+        return ProjectRules::resolve(rules, session.title, session.url, session.project).value_or("no project");
+    };
+}
+
 int changeCategory(const CategoryTarget& wanted, std::optional<ActivityCategory> category, bool isPreview) {
     const auto answer = resolved(wanted);
     if (const auto* why = std::get_if<std::string>(&answer))
@@ -134,14 +148,8 @@ int changeCategory(const CategoryTarget& wanted, std::optional<ActivityCategory>
     auto& categorizer = classification.settings.categorizer();
     const auto before = categorizer.snapshot();
     const auto after = changed(before, target, category);
-    if (isPreview) {
-        const auto naming = [](const Categorizer::Snapshot& snapshot) {
-            return [&snapshot](const ActivitySession& session) {
-                return std::string(label(snapshot.category(session.bundleID, session.domain)));
-            };
-        };
-        return preview(places, naming(before), naming(after));
-    }
+    if (isPreview)
+        return preview(places, categoryNaming(before), categoryNaming(after));
     const bool isStored = target.kind == CategoryKind::app ? categorizer.setAppCategory(category, target.name)
                                                            : categorizer.setDomainCategory(category, target.name);
     if (!isStored)
@@ -271,12 +279,7 @@ int addProject(const NewProjectRule& wanted) {
     warnOfEarlierRules(after, *place);
     if (!wanted.preview)
         return storeRules(classification, after);
-    const auto naming = [](const std::vector<ProjectRule>& rules) {
-        return [&rules](const ActivitySession& session) {
-            return ProjectRules::resolve(rules, session.title, session.url, session.project).value_or("no project");
-        };
-    };
-    return preview(places, naming(*before), naming(after));
+    return preview(places, projectNaming(*before), projectNaming(after));
 }
 
 int moveProject(std::int64_t number, std::int64_t to) {
