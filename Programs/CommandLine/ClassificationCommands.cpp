@@ -126,6 +126,20 @@ int preview(const Locations& places, Naming before, Naming after) {
     });
 }
 
+// What a session belongs to, by name; the argument must outlive the answer.
+
+auto categoryNaming(const Categorizer::Snapshot& snapshot) {
+    return [&snapshot](const ActivitySession& session) {
+        return std::string(label(snapshot.category(session.bundleID, session.domain)));
+    };
+}
+
+auto projectNaming(const std::vector<ProjectRule>& rules) {
+    return [&rules](const ActivitySession& session) {
+        return ProjectRules::resolve(rules, session.title, session.url, session.project).value_or("no project");
+    };
+}
+
 int changeCategory(const CategoryTarget& wanted, std::optional<ActivityCategory> category, bool isPreview) {
     const auto answer = resolved(wanted);
     if (const auto* why = std::get_if<std::string>(&answer))
@@ -136,14 +150,8 @@ int changeCategory(const CategoryTarget& wanted, std::optional<ActivityCategory>
     auto& categorizer = classification.settings.categorizer();
     const auto before = categorizer.snapshot();
     const auto after = changed(before, target, category);
-    if (isPreview) {
-        const auto naming = [](const Categorizer::Snapshot& snapshot) {
-            return [&snapshot](const ActivitySession& session) {
-                return std::string(label(snapshot.category(session.bundleID, session.domain)));
-            };
-        };
-        return preview(places, naming(before), naming(after));
-    }
+    if (isPreview)
+        return preview(places, categoryNaming(before), categoryNaming(after));
     const bool isStored = target.kind == CategoryKind::app ? categorizer.setAppCategory(category, target.name)
                                                            : categorizer.setDomainCategory(category, target.name);
     if (!isStored)
@@ -164,7 +172,7 @@ std::optional<std::vector<ProjectRule>> readableRules(Classification& classifica
     return std::nullopt;
 }
 
-int storeRules(Classification& classification, std::vector<ProjectRule> rules) {
+int storeRules(Classification& classification, const std::vector<ProjectRule>& rules) {
     if (!classification.settings.projectRules().setRules(rules))
         return failed; // the store has said why
     if (rules.empty())
@@ -272,13 +280,8 @@ int addProject(const NewProjectRule& wanted) {
                  {freshUUID(), wanted.keyword, wanted.project.value_or("")});
     warnOfEarlierRules(after, *place);
     if (!wanted.preview)
-        return storeRules(classification, std::move(after));
-    const auto naming = [](const std::vector<ProjectRule>& rules) {
-        return [&rules](const ActivitySession& session) {
-            return ProjectRules::resolve(rules, session.title, session.url, session.project).value_or("no project");
-        };
-    };
-    return preview(places, naming(*before), naming(after));
+        return storeRules(classification, after);
+    return preview(places, projectNaming(*before), projectNaming(after));
 }
 
 int moveProject(std::int64_t number, std::int64_t to) {
@@ -293,7 +296,7 @@ int moveProject(std::int64_t number, std::int64_t to) {
     auto moved = std::move((*rules)[*from]);
     rules->erase(rules->begin() + static_cast<std::ptrdiff_t>(*from));
     rules->insert(rules->begin() + static_cast<std::ptrdiff_t>(*target), std::move(moved));
-    return storeRules(classification, std::move(*rules));
+    return storeRules(classification, *rules);
 }
 
 int removeProject(std::int64_t number) {
@@ -305,7 +308,7 @@ int removeProject(std::int64_t number) {
     if (!place)
         return refuseNumber(number, rules->size());
     rules->erase(rules->begin() + static_cast<std::ptrdiff_t>(*place));
-    return storeRules(classification, std::move(*rules));
+    return storeRules(classification, *rules);
 }
 
 int explain(const ExplainOptions& options) {

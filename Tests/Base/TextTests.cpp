@@ -102,6 +102,7 @@ TEST(TextContains, ignoresCaseAndAccentsAsAsked) {
         EXPECT_EQ(text::contains(row.text, row.needle, Ignoring::caseOnly), row.caseOnly) << row.text << row.needle;
         EXPECT_EQ(text::contains(row.text, row.needle, Ignoring::caseAndDiacritics), row.both)
             << row.text << row.needle;
+        EXPECT_EQ(text::FoldedText(row.text, Ignoring::caseAndDiacritics).contains(row.needle), row.both) << row.text;
     }
 }
 
