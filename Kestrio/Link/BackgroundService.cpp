@@ -136,17 +136,21 @@ void BackgroundService::watch(sdbus::IConnection& connection) {
         return;
     auto watcher = std::make_unique<Watcher>();
     watcher->leaving = observeLeaving(connection, sender, [this, sender] {
-        // The rule is in use right now; what it stands in goes a moment later.
-        background_.afterwards([weak = std::weak_ptr(self_), sender] {
-            if (const auto self = weak.lock())
-                (*self)->forget(sender);
-        });
+        afterwards([sender](BackgroundService& self) { self.forget(sender); });
     });
     if (!isOnBus(connection, sender))
         return; // left before the rule was there
     watchers_.emplace(sender, std::move(watcher));
     if (!changes_.isActive())
         changes_ = background_.observe([this](const AgentStatus& status) { tell(status); });
+}
+
+/// For what hears of a leaving: its rule is in use right now, and what it stands in goes a moment later.
+void BackgroundService::afterwards(std::function<void(BackgroundService&)> work) {
+    background_.afterwards([weak = std::weak_ptr(self_), work = std::move(work)] {
+        if (const auto self = weak.lock())
+            work(**self);
+    });
 }
 
 void BackgroundService::forget(const std::string& watcher) {
@@ -160,7 +164,9 @@ void BackgroundService::beginImport(sdbus::IConnection& connection, std::shared_
     const auto& caller = import->caller;
     if (!imports_.emplace(caller, import).second)
         return import->result.returnError(sdbus::Error(busNames::errorFailed, "Another import is under way."));
-    import->leaving = observeLeaving(connection, caller, [this, caller] { stopImport(caller); });
+    import->leaving = observeLeaving(connection, caller, [this, caller] {
+        afterwards([caller](BackgroundService& self) { self.stopImport(caller); });
+    });
     const auto withSelf = [weakSelf = std::weak_ptr(self_), weak = std::weak_ptr(import)](auto work) {
         return [weakSelf, weak, work](const auto& what) {
             const auto self = weakSelf.lock();

@@ -18,7 +18,8 @@ struct LinkBench : MonitorBench {
             *model, LocalBackground::Facts{"1.2.3", 4711, "/home/ada/data/Kestrio", origin}, [this] {
                 ++dashboards;
                 return dashboardFailure;
-            });
+            },
+            [this](auto files, auto receiver) { return importFiles(std::move(files), std::move(receiver)); });
         model->start();
         pass(2.6);
     }
@@ -28,6 +29,7 @@ struct LinkBench : MonitorBench {
     ScriptedLoginItem loginItem;
     int dashboards = 0;
     Background::Failure dashboardFailure;
+    LocalBackground::ImportFiles importFiles;
     std::unique_ptr<AppModel> model;
     std::unique_ptr<LocalBackground> background;
 };

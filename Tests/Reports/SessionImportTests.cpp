@@ -8,6 +8,7 @@
 #include "Tests/Support/TemporaryFolder.h"
 
 #include <condition_variable>
+#include <csignal>
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -164,33 +165,34 @@ std::int64_t peakKilobytes() {
 }
 
 TEST_F(SessionImport, ofTwoHundredMegabytesNeedsLittleMemory) {
-    constexpr std::size_t bytes = 200'000'000;
+    std::signal(SIGPIPE, SIG_IGN); // an import that ends early reads no further
     struct Row {
         const char* name;
+        std::size_t bytes;
         std::string beginning;
         std::string piece;
         const char* text;
     };
     const std::string title(1000, 't');
     const Row table[] = {
-        {"one field without an end", csv("2023-11-15T12:00:00Z,2023-11-15T12:01:00Z,,,,a,,,\""), std::string(65'536, 'x'),
+        {"one field without an end", 200'000'000, csv("2023-11-15T12:00:00Z,2023-11-15T12:01:00Z,,,,a,,,\""), std::string(65'536, 'x'),
          "Added 0 sessions, skipped 1 unreadable rows."},
-        {"one column name without an end", "", std::string(65'536, 'x'), foreign},
-        {"columns without an end", "", [] {
+        {"one column name without an end", 200'000'000, "", std::string(65'536, 'x'), foreign},
+        {"columns without an end", 40'000'000, "", [] {
              std::string names;
              for (int i = 0; i < 10'000; ++i)
                  names += "name,";
              return names;
          }(), foreign},
-        {"rows of many fields", csv(""), std::string(100'000, ',') + "\n", nullptr},
-        {"rubbish lines", csv(""), std::string("what is this\n", 13) + std::string(2000, 'y') + "\n", nullptr},
-        {"sessions, the same again and again",
-         csv(""), "2023-11-15T12:00:00Z,2023-11-15T12:01:00Z,,,,a,,," + title + ",,\n", nullptr},
+        {"rows of many fields", 100'000'000, csv(""), std::string(100'000, ',') + "\n", nullptr},
+        {"rubbish lines", 100'000'000, csv(""), std::string("what is this\n", 13) + std::string(2000, 'y') + "\n", nullptr},
+        {"sessions, the same again and again", 200'000'000, csv(""),
+         "2023-11-15T12:00:00Z,2023-11-15T12:01:00Z,,,,a,,," + title + ",,\n", nullptr},
     };
     const auto before = peakKilobytes();
     for (const auto& row : table) {
         std::thread writer;
-        auto pipe = endless(writer, row.beginning, row.piece, bytes);
+        auto pipe = endless(writer, row.beginning, row.piece, row.bytes);
         const auto text = import(list(std::move(pipe)));
         writer.join();
         if (row.text) {
@@ -199,7 +201,9 @@ TEST_F(SessionImport, ofTwoHundredMegabytesNeedsLittleMemory) {
             EXPECT_TRUE(text.starts_with("Added ")) << row.name << ": " << text;
         }
     }
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // which keep much of what was freed
     EXPECT_LT(peakKilobytes() - before, 250'000);
+#endif
 }
 
 // In the background
