@@ -64,10 +64,12 @@ BackgroundClient::BackgroundClient(std::unique_ptr<sdbus::IConnection> connectio
         if (*receiver)
             (*receiver)();
     });
-    proxy_->uponSignal("ImportProgress").onInterface(busNames::interface).call([receiver = shareReceiver_](double share) {
-        if (*receiver)
-            (*receiver)(share);
-    });
+    proxy_->uponSignal("ImportProgress")
+        .onInterface(busNames::interface)
+        .call([receiver = shareReceiver_](double share) {
+            if (*receiver)
+                (*receiver)(share);
+        });
     proxy_->finishRegistration();
 }
 

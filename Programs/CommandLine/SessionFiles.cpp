@@ -98,8 +98,8 @@ SessionFile opened(const std::string& name) {
 
 ImportOutcome importThroughAgent(BackgroundClient& agent, std::vector<SessionFile> files, const LongWork& work) {
     std::optional<ImportOutcome> outcome;
-    auto import = agent.importFiles(std::move(files),
-                                    {work.progress, [&](const ImportOutcome& ended) { outcome = ended; }});
+    auto import =
+        agent.importFiles(std::move(files), {work.progress, [&](const ImportOutcome& ended) { outcome = ended; }});
     while (!outcome) {
         if (!agent.serve(stopCheckInterval))
             return ImportFailure{"Kestrio does not answer"};
@@ -157,8 +157,8 @@ int exportSessions(const ExportOptions& options) {
         const SystemClock clock;
         const auto calendar = Calendar::current();
         const auto span = interval(*range, clock.now(), database ? database->earliestStart() : std::nullopt, calendar);
-        const auto sessions = exportedSessions(sessionsOf(database, status, span), span, calendar,
-                                               currentClassification(places, clock));
+        const auto sessions =
+            exportedSessions(sessionsOf(database, status, span), span, calendar, currentClassification(places, clock));
         const auto content = [&](const Write& write) { CSVExporter::write(sessions, calendar, write); };
         if (options.output == "-") {
             content([](std::string_view text) { print(std::string(text)); });
@@ -190,7 +190,8 @@ int importSessions(const std::vector<std::string>& names) {
     ProgressLine line("Importing…");
     const LongWork work{[&](double share) { line.show(share); }, interruption.token()};
     const auto agent = runningAgent(places);
-    const int status = agent ? tell(importThroughAgent(*agent, std::move(files), work)) : importAlone(places, files, work);
+    const int status =
+        agent ? tell(importThroughAgent(*agent, std::move(files), work)) : importAlone(places, files, work);
     return status != done && interruption.token().stop_requested() ? interrupted : status;
 }
 

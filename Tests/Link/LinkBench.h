@@ -15,7 +15,8 @@ struct LinkBench : MonitorBench {
         show("org.example.editor", "Draft");
         model = std::make_unique<AppModel>(AppModel::Parts{time, mainQueue, *monitor, settings, loginItem});
         background = std::make_unique<LocalBackground>(
-            *model, LocalBackground::Facts{"1.2.3", 4711, "/home/ada/data/Kestrio", origin}, [this] {
+            *model, LocalBackground::Facts{"1.2.3", 4711, "/home/ada/data/Kestrio", origin},
+            [this] {
                 ++dashboards;
                 return dashboardFailure;
             },
