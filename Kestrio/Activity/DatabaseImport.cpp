@@ -85,9 +85,10 @@ private:
     void readStored(SessionMerge& merge) {
         const auto& rows = sessions_.rows();
         const auto from = rows.front().start - margin;
-        const auto to = std::max_element(rows.begin(), rows.end(), [](const auto& a, const auto& b) {
-                            return a.end < b.end;
-                        })->end + margin;
+        const auto to =
+            std::max_element(rows.begin(), rows.end(), [](const auto& a, const auto& b) { return a.end < b.end; })
+                ->end +
+            margin;
         Statement stored(connection_, sessionRows::rangeSQL);
         sessionRows::bindRange(stored, from, to);
         for (std::size_t read = 1; !work_.stop.stop_requested() && stored.step() == Step::row; ++read) {

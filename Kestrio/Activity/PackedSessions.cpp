@@ -23,8 +23,16 @@ void PackedSessions::sortByStart() {
 }
 
 ActivitySession PackedSessions::session(const Row& row) {
-    return {0,          row.start,          row.end,           *row.bundleID,          *row.appName,
-            *row.title, unpacked(row.url), unpacked(row.domain), unpacked(row.project), row.kind};
+    return {0,
+            row.start,
+            row.end,
+            *row.bundleID,
+            *row.appName,
+            *row.title,
+            unpacked(row.url),
+            unpacked(row.domain),
+            unpacked(row.project),
+            row.kind};
 }
 
 const std::string* PackedSessions::kept(const std::string& text) {

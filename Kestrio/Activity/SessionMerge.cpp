@@ -33,8 +33,8 @@ SessionMerge::Key SessionMerge::key(const PackedSessions::Row& row) {
 }
 
 void SessionMerge::addStored(const ActivitySession& session) {
-    const auto found = spans_.find(
-        {session.kind, session.bundleID, session.title, session.url ? *session.url : std::string_view()});
+    const auto found =
+        spans_.find({session.kind, session.bundleID, session.title, session.url ? *session.url : std::string_view()});
     if (found != spans_.end())
         found->second.push_back({session.id, session.start, session.end});
 }

@@ -64,10 +64,12 @@ BackgroundClient::BackgroundClient(std::unique_ptr<sdbus::IConnection> connectio
         if (*receiver)
             (*receiver)();
     });
-    proxy_->uponSignal("ImportProgress").onInterface(busNames::interface).call([receiver = shareReceiver_](double share) {
-        if (*receiver)
-            (*receiver)(share);
-    });
+    proxy_->uponSignal("ImportProgress")
+        .onInterface(busNames::interface)
+        .call([receiver = shareReceiver_](double share) {
+            if (*receiver)
+                (*receiver)(share);
+        });
     proxy_->finishRegistration();
 }
 
@@ -109,7 +111,10 @@ Background::Failure BackgroundClient::openDashboard() {
 
 Subscription BackgroundClient::importFiles(std::vector<SessionFile> files, ImportReceiver receiver) {
     *shareReceiver_ = std::move(receiver.progress);
-    const auto answered = [ended = std::move(receiver.ended)](const sdbus::Error* error, const std::string& json) {
+    const auto isOver = std::make_shared<bool>(false);
+    const auto answered = [isOver, ended = std::move(receiver.ended)](const sdbus::Error* error,
+                                                                      const std::string& json) {
+        *isOver = true;
         const auto outcome = importOutcomeFromJSON(nlohmann::ordered_json::parse(json, nullptr, false));
         ended(error ? ImportFailure{wordsOf(*error)} : outcome.value_or(ImportFailure{noAnswer}));
     };
@@ -125,8 +130,8 @@ Subscription BackgroundClient::importFiles(std::vector<SessionFile> files, Impor
     } catch (const sdbus::Error& error) {
         answered(&error, {});
     }
-    return Subscription([weak = std::weak_ptr(self_)] {
-        if (const auto self = weak.lock())
+    return Subscription([isOver, weak = std::weak_ptr(self_)] {
+        if (const auto self = weak.lock(); self && !*isOver)
             (*self)->call("StopImport");
     });
 }

@@ -47,6 +47,7 @@ private:
 
     void registerObject(sdbus::IConnection& connection);
     void watch(sdbus::IConnection& connection);
+    void afterwards(std::function<void(BackgroundService&)> work);
     void forget(const std::string& watcher);
     void beginImport(sdbus::IConnection& connection, std::shared_ptr<Import> import, std::vector<SessionFile> files);
     void stopImport(const std::string& caller);

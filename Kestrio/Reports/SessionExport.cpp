@@ -61,8 +61,7 @@ std::vector<ClassifiedSession> exportedSessions(std::vector<ActivitySession> ses
     auto exported = std::move(report.sessions);
     exported.insert(exported.end(), std::make_move_iterator(report.alongsideSessions.begin()),
                     std::make_move_iterator(report.alongsideSessions.end()));
-    std::stable_sort(exported.begin(), exported.end(),
-                     [](const auto& a, const auto& b) { return a.start < b.start; });
+    std::stable_sort(exported.begin(), exported.end(), [](const auto& a, const auto& b) { return a.start < b.start; });
     return exported;
 }
 

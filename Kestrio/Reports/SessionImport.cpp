@@ -44,7 +44,8 @@ private:
                 work_.progress(std::min(bytesRead_ / bytesInAll_, 1.0));
         };
         try {
-            if (const auto error = readText(file.content, takePiece, work_.stop); error == std::errc::operation_canceled)
+            if (const auto error = readText(file.content, takePiece, work_.stop);
+                error == std::errc::operation_canceled)
                 return ImportStopped{};
             else if (error)
                 return ImportFailure{unreadableFileText(file.name, error)};
@@ -111,7 +112,8 @@ struct BackgroundImport::Job {
 
 Subscription BackgroundImport::start(std::vector<SessionFile> files, ImportReceiver receiver) {
     if (job_ && job_->isRunning) {
-        queue_.async([receiver = std::move(receiver)] { receiver.ended(ImportFailure{"Another import is under way."}); });
+        queue_.async(
+            [receiver = std::move(receiver)] { receiver.ended(ImportFailure{"Another import is under way."}); });
         return {};
     }
     job_ = std::make_shared<Job>(Job{std::move(receiver)});

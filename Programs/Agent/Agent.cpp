@@ -93,12 +93,10 @@ public:
         const auto program = ownProgram();
         loginItem_.emplace(locations_.autostartFolder(), program);
         model_.emplace(AppModel::Parts{clock_, main_, *monitor_, settings_, *loginItem_, isInstalledCopy(program)});
-        background_.emplace(*model_,
-                            LocalBackground::Facts{AppInfo::version(), getpid(), dataFolder_.string(), clock_.now()},
-                            [this] { return openDashboard(); },
-                            [this](auto files, auto receiver) {
-                                return importFiles(std::move(files), std::move(receiver));
-                            });
+        background_.emplace(
+            *model_, LocalBackground::Facts{AppInfo::version(), getpid(), dataFolder_.string(), clock_.now()},
+            [this] { return openDashboard(); },
+            [this](auto files, auto receiver) { return importFiles(std::move(files), std::move(receiver)); });
         if (!offerOnBus())
             return 0;
         const auto signals = signals_.observe(main_, [this] { endBySignal(); });

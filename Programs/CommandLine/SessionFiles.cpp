@@ -116,7 +116,7 @@ int tell(const ImportOutcome& outcome) {
         return done;
     }
     complain(text);
-    return std::holds_alternative<ImportStopped>(outcome) ? interrupted : failed;
+    return failed;
 }
 
 /// Into the database itself, which nobody else may be writing.
@@ -189,9 +189,10 @@ int importSessions(const std::vector<std::string>& names) {
     }
     ProgressLine line("Importing…");
     const LongWork work{[&](double share) { line.show(share); }, interruption.token()};
-    if (const auto agent = runningAgent(places))
-        return tell(importThroughAgent(*agent, std::move(files), work));
-    return importAlone(places, files, work);
+    const auto agent = runningAgent(places);
+    const int status =
+        agent ? tell(importThroughAgent(*agent, std::move(files), work)) : importAlone(places, files, work);
+    return status != done && interruption.token().stop_requested() ? interrupted : status;
 }
 
 } // namespace kestrio

@@ -36,7 +36,10 @@ TEST(CSVExporter, escapesWhatNeedsIt) {
         {"a\nb", "\"a\nb\""},
         {"a\rb", "\"a\rb\""},
         {"“curly”, é", "\"“curly”, é\""},
-        {"a\xE2\x80\xA8" "b", "a\xE2\x80\xA8" "b"},
+        {"a\xE2\x80\xA8"
+         "b",
+         "a\xE2\x80\xA8"
+         "b"},
     };
     for (const auto& row : table)
         EXPECT_EQ(CSVExporter::escape(row.text), row.field) << row.text;
@@ -55,12 +58,13 @@ TEST(CSVExporter, writesALinePerSession) {
     full.project = "kestrel, the";
     full.category = ActivityCategory::entertainment;
     full.kind = SessionKind::watching;
-    EXPECT_EQ(CSVExporter::csv(std::vector{session(), full}, berlin),
-              "start,end,duration_seconds,kind,app,bundle_id,category,project,title,url,domain\n"
-              "2023-11-15T13:00:00.000+01:00,2023-11-15T13:01:00.250+01:00,60,focused,Editor,org.example.editor,"
-              "Work & Docs,,Letter,,\n"
-              "2023-11-15T12:59:59.500+01:00,2024-05-13T14:00:00.000+02:00,15552001,watching,\"The \"\"Web\"\"\","
-              "\"org.example,web\",Entertainment,\"kestrel, the\",\"a,b\nc\",\"https://example.org/a,b\",example.org\n");
+    EXPECT_EQ(
+        CSVExporter::csv(std::vector{session(), full}, berlin),
+        "start,end,duration_seconds,kind,app,bundle_id,category,project,title,url,domain\n"
+        "2023-11-15T13:00:00.000+01:00,2023-11-15T13:01:00.250+01:00,60,focused,Editor,org.example.editor,"
+        "Work & Docs,,Letter,,\n"
+        "2023-11-15T12:59:59.500+01:00,2024-05-13T14:00:00.000+02:00,15552001,watching,\"The \"\"Web\"\"\","
+        "\"org.example,web\",Entertainment,\"kestrel, the\",\"a,b\nc\",\"https://example.org/a,b\",example.org\n");
     EXPECT_EQ(CSVExporter::csv({}, berlin), CSVExporter::header);
 }
 
@@ -80,7 +84,8 @@ TEST(CSVExporter, namesTheKinds) {
         SessionKind kind;
         const char* name;
     };
-    for (const auto& [kind, name] : {Row{SessionKind::focus, ",focused,"}, {SessionKind::watching, ",watching,"},
+    for (const auto& [kind, name] : {Row{SessionKind::focus, ",focused,"},
+                                     {SessionKind::watching, ",watching,"},
                                      {SessionKind::listening, ",listening,"}}) {
         auto one = session();
         one.kind = kind;

@@ -23,8 +23,8 @@ std::string problem(const std::string& text) {
     }
 }
 
-const ActivitySession letter{0, noon, noon + Seconds(60.25), "org.example.editor", "Editor", "Letter",
-                             {}, {}, {}, SessionKind::focus};
+const ActivitySession letter{0,  noon, noon + Seconds(60.25), "org.example.editor", "Editor", "Letter", {},
+                             {}, {},   SessionKind::focus};
 
 TEST(CSVImporter, readsWhatTheExportWrites) {
     const auto result = parsed(
@@ -35,9 +35,9 @@ TEST(CSVImporter, readsWhatTheExportWrites) {
     ASSERT_EQ(result.sessions.size(), 2u);
     EXPECT_EQ(result.skipped, 0);
     EXPECT_EQ(result.sessions[0], letter);
-    EXPECT_EQ(result.sessions[1],
-              (ActivitySession{0, noon, noon + Seconds(10), "org.example.web", "Web, the", "A \"film\"\nof two\"\" lines",
-                               "https://www.example.org/a", "example.com", "kestrel", SessionKind::watching}));
+    EXPECT_EQ(result.sessions[1], (ActivitySession{0, noon, noon + Seconds(10), "org.example.web", "Web, the",
+                                                   "A \"film\"\nof two\"\" lines", "https://www.example.org/a",
+                                                   "example.com", "kestrel", SessionKind::watching}));
 }
 
 TEST(CSVImporter, ofNoTextHasNothing) {
@@ -47,15 +47,18 @@ TEST(CSVImporter, ofNoTextHasNothing) {
 
 TEST(CSVImporter, takesColumnsInAnyOrderAndCase) {
     const std::string row = "org.example.editor,2023-11-15T12:01:00.250Z,extra,2023-11-15T12:00:00Z,Letter,Editor\n";
-    for (const std::string names :
-         {"bundle_id,end,note,start,title,app", "BUNDLE_ID,End,NOTE,START,Title,APP",
-          " bundle_id ,\tend,,  start\t,title ,\xE3\x80\x80" "app", "\xEF\xBB\xBF" "bundle_id,end,start,start,title,app"})
+    for (const std::string names : {"bundle_id,end,note,start,title,app", "BUNDLE_ID,End,NOTE,START,Title,APP",
+                                    " bundle_id ,\tend,,  start\t,title ,\xE3\x80\x80"
+                                    "app",
+                                    "\xEF\xBB\xBF"
+                                    "bundle_id,end,start,start,title,app"})
         for (const std::string lineEnd : {"\n", "\r\n", "\r"})
             EXPECT_EQ(CSVImporter::parse(names + lineEnd + row).sessions, std::vector{letter}) << names;
 }
 
 TEST(CSVImporter, ofAByteOrderMarkReadsTheFirstColumnAsStart) {
-    const std::string row = "2023-11-15T12:00:00Z,2023-11-15T12:01:00.250Z,0,focused,Editor,org.example.editor,,,Letter";
+    const std::string row =
+        "2023-11-15T12:00:00Z,2023-11-15T12:01:00.250Z,0,focused,Editor,org.example.editor,,,Letter";
     EXPECT_EQ(CSVImporter::parse(std::string("\xEF\xBB\xBF") + header + row).sessions, std::vector{letter});
 }
 
@@ -159,16 +162,22 @@ TEST(CSVImporter, readsTheKind) {
         SessionKind kind;
     };
     const Row table[] = {
-        {"focused", SessionKind::focus},     {"", SessionKind::focus},
-        {"0", SessionKind::focus},           {"watching", SessionKind::watching},
-        {"Watching", SessionKind::watching}, {"1", SessionKind::watching},
-        {"LISTENING", SessionKind::listening}, {"2", SessionKind::listening},
-        {"3", SessionKind::focus},           {"anything", SessionKind::focus},
+        {"focused", SessionKind::focus},
+        {"", SessionKind::focus},
+        {"0", SessionKind::focus},
+        {"watching", SessionKind::watching},
+        {"Watching", SessionKind::watching},
+        {"1", SessionKind::watching},
+        {"LISTENING", SessionKind::listening},
+        {"2", SessionKind::listening},
+        {"3", SessionKind::focus},
+        {"anything", SessionKind::focus},
         {" watching", SessionKind::focus},
     };
     for (const auto& row : table)
-        EXPECT_EQ(parsed(fmt::format("2023-11-15T12:00:00Z,2023-11-15T12:01:00Z,,{},,a\n", row.text)).sessions.at(0).kind,
-                  row.kind)
+        EXPECT_EQ(
+            parsed(fmt::format("2023-11-15T12:00:00Z,2023-11-15T12:01:00Z,,{},,a\n", row.text)).sessions.at(0).kind,
+            row.kind)
             << row.text;
 }
 
@@ -179,8 +188,8 @@ TEST(CSVImporter, readsAFileOfAMillionColumns) {
         names += "x,";
         fields += ",";
     }
-    const auto result = CSVImporter::parse(names + "start,end,bundle_id\n" + fields +
-                                           "2023-11-15T12:00:00Z,2023-11-15T12:01:00Z,a\n");
+    const auto result =
+        CSVImporter::parse(names + "start,end,bundle_id\n" + fields + "2023-11-15T12:00:00Z,2023-11-15T12:01:00Z,a\n");
     EXPECT_EQ(result.sessions.size(), 1u);
     EXPECT_EQ(result.skipped, 0);
     EXPECT_EQ(problem(names), "This doesn't look like a Kestrio export (missing column: start, end, bundle_id).");

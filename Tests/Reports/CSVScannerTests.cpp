@@ -73,15 +73,30 @@ TEST(CSVScanner, takesTextApart) {
         {"a,\"", {{"a", ""}}},
         {"\"\"", {}},
         {"\"", {}},
-        {"\xEF\xBB\xBF" "a", {{"a"}}},
+        {"\xEF\xBB\xBF"
+         "a",
+         {{"a"}}},
         {"\xEF\xBB\xBF\"a,b\"", {{"a,b"}}},
         {"\xEF\xBB\xBF", {}},
         {"a\xEF\xBB\xBF", {{"a\xEF\xBB\xBF"}}},
-        {"a,\xEF\xBB\xBF" "b", {{"a", "\xEF\xBB\xBF" "b"}}},
-        {"a\n\xEF\xBB\xBF" "b", {{"a"}, {"\xEF\xBB\xBF" "b"}}},
-        {"\"\xEF\xBB\xBF" "a\"", {{"\xEF\xBB\xBF" "a"}}},
+        {"a,\xEF\xBB\xBF"
+         "b",
+         {{"a", "\xEF\xBB\xBF"
+                "b"}}},
+        {"a\n\xEF\xBB\xBF"
+         "b",
+         {{"a"},
+          {"\xEF\xBB\xBF"
+           "b"}}},
+        {"\"\xEF\xBB\xBF"
+         "a\"",
+         {{"\xEF\xBB\xBF"
+           "a"}}},
         {"é,“ü”😀\n", {{"é", "“ü”😀"}}},
-        {"a\v\f\xC2\x85\xE2\x80\xA8" "b", {{"a\v\f\xC2\x85\xE2\x80\xA8" "b"}}}, // other line ends are none
+        {"a\v\f\xC2\x85\xE2\x80\xA8"
+         "b",
+         {{"a\v\f\xC2\x85\xE2\x80\xA8"
+           "b"}}}, // other line ends are none
     };
     for (const auto& row : table)
         EXPECT_EQ(records(row.text), row.records) << testing::PrintToString(row.text);

@@ -55,10 +55,10 @@ ActivitySession session(std::int64_t id, double start, double end, SessionKind k
 }
 
 TEST(ExportedSessions, areWholeAndInOrderWithAllKindsAmongThem) {
-    const auto exported = exportedSessions({session(1, -500, 100), session(2, 100, 200), session(3, 300, 1200),
-                                            session(4, 50, 150, SessionKind::watching),
-                                            session(5, 100, 110, SessionKind::listening)},
-                                           {noon, noon + Seconds(1000)}, berlin, {});
+    const auto exported =
+        exportedSessions({session(1, -500, 100), session(2, 100, 200), session(3, 300, 1200),
+                          session(4, 50, 150, SessionKind::watching), session(5, 100, 110, SessionKind::listening)},
+                         {noon, noon + Seconds(1000)}, berlin, {});
     std::vector<std::int64_t> ids;
     for (const auto& one : exported)
         ids.push_back(one.id);

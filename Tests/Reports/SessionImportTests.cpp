@@ -1,13 +1,13 @@
-#include "Kestrio/Reports/SessionImport.h"
-
 #include "Kestrio/Base/LoopQueue.h"
 #include "Kestrio/Base/TextFile.h"
 #include "Kestrio/Base/VirtualQueue.h"
 #include "Kestrio/Reports/CSVExporter.h"
 #include "Kestrio/Reports/SessionExport.h"
+#include "Kestrio/Reports/SessionImport.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 #include <condition_variable>
+#include <csignal>
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -28,9 +28,10 @@ const Calendar utc("en_GB", "UTC");
 std::string rows(int first, int count) {
     std::string text;
     for (int i = first; i < first + count; ++i)
-        text += fmt::format("2023-11-15T{:02}:{:02}:{:02}Z,2023-11-15T{:02}:{:02}:{:02}.500Z,,,Editor,org.example.editor,,,"
-                            "Title {},,\n",
-                            i / 3600, i / 60 % 60, i % 60, i / 3600, i / 60 % 60, i % 60, i);
+        text +=
+            fmt::format("2023-11-15T{:02}:{:02}:{:02}Z,2023-11-15T{:02}:{:02}:{:02}.500Z,,,Editor,org.example.editor,,,"
+                        "Title {},,\n",
+                        i / 3600, i / 60 % 60, i % 60, i / 3600, i / 60 % 60, i % 60, i);
     return text;
 }
 
@@ -61,8 +62,7 @@ protected:
 TEST_F(SessionImport, takesInAllFilesTogether) {
     EXPECT_EQ(import(list(file("a.csv", csv(rows(0, 20))), file("b.csv", csv(rows(10, 20))))),
               "Added 30 sessions, ignored 10 already in your history.");
-    EXPECT_EQ(import(list(file("a.csv", csv(rows(0, 30))))),
-              "Added 0 sessions, ignored 30 already in your history.");
+    EXPECT_EQ(import(list(file("a.csv", csv(rows(0, 30))))), "Added 0 sessions, ignored 30 already in your history.");
 }
 
 TEST_F(SessionImport, ofAnEmptyFileAddsNothing) {
@@ -148,12 +148,12 @@ TEST_F(SessionImport, thatIsStoppedWritesNothing) {
 SessionFile endless(std::thread& writer, std::string beginning, std::string piece, std::size_t bytes) {
     int ends[2] = {};
     EXPECT_EQ(pipe2(ends, O_CLOEXEC), 0);
-    writer = std::thread([writing = Descriptor(ends[1]), beginning = std::move(beginning), piece = std::move(piece),
-                          bytes] {
-        auto error = writeAll(writing, beginning);
-        for (std::size_t written = 0; written < bytes && !error; written += piece.size())
-            error = writeAll(writing, piece);
-    });
+    writer =
+        std::thread([writing = Descriptor(ends[1]), beginning = std::move(beginning), piece = std::move(piece), bytes] {
+            auto error = writeAll(writing, beginning);
+            for (std::size_t written = 0; written < bytes && !error; written += piece.size())
+                error = writeAll(writing, piece);
+        });
     return {"pipe", Descriptor(ends[0])};
 }
 
@@ -164,42 +164,49 @@ std::int64_t peakKilobytes() {
 }
 
 TEST_F(SessionImport, ofTwoHundredMegabytesNeedsLittleMemory) {
-    constexpr std::size_t bytes = 200'000'000;
+    std::signal(SIGPIPE, SIG_IGN); // an import that ends early reads no further
     struct Row {
         const char* name;
+        std::size_t bytes;
         std::string beginning;
         std::string piece;
         const char* text;
     };
     const std::string title(1000, 't');
     const Row table[] = {
-        {"one field without an end", csv("2023-11-15T12:00:00Z,2023-11-15T12:01:00Z,,,,a,,,\""), std::string(65'536, 'x'),
-         "Added 0 sessions, skipped 1 unreadable rows."},
-        {"one column name without an end", "", std::string(65'536, 'x'), foreign},
-        {"columns without an end", "", [] {
+        {"one field without an end", 200'000'000, csv("2023-11-15T12:00:00Z,2023-11-15T12:01:00Z,,,,a,,,\""),
+         std::string(65'536, 'x'), "Added 0 sessions, skipped 1 unreadable rows."},
+        {"one column name without an end", 200'000'000, "", std::string(65'536, 'x'), foreign},
+        {"columns without an end", 40'000'000, "",
+         [] {
              std::string names;
              for (int i = 0; i < 10'000; ++i)
                  names += "name,";
              return names;
-         }(), foreign},
-        {"rows of many fields", csv(""), std::string(100'000, ',') + "\n", nullptr},
-        {"rubbish lines", csv(""), std::string("what is this\n", 13) + std::string(2000, 'y') + "\n", nullptr},
-        {"sessions, the same again and again",
-         csv(""), "2023-11-15T12:00:00Z,2023-11-15T12:01:00Z,,,,a,,," + title + ",,\n", nullptr},
+         }(),
+         foreign},
+        {"rows of many fields", 100'000'000, csv(""), std::string(100'000, ',') + "\n", nullptr},
+        {"rubbish lines", 100'000'000, csv(""), std::string("what is this\n", 13) + std::string(2000, 'y') + "\n",
+         nullptr},
+        {"sessions, the same again and again", 200'000'000, csv(""),
+         "2023-11-15T12:00:00Z,2023-11-15T12:01:00Z,,,,a,,," + title + ",,\n", nullptr},
     };
     const auto before = peakKilobytes();
     for (const auto& row : table) {
         std::thread writer;
-        auto pipe = endless(writer, row.beginning, row.piece, bytes);
+        auto pipe = endless(writer, row.beginning, row.piece, row.bytes);
         const auto text = import(list(std::move(pipe)));
         writer.join();
         if (row.text) {
-            EXPECT_TRUE(text == row.text || text == std::string("Import failed: ") + row.text) << row.name << ": " << text;
+            EXPECT_TRUE(text == row.text || text == std::string("Import failed: ") + row.text)
+                << row.name << ": " << text;
         } else {
             EXPECT_TRUE(text.starts_with("Added ")) << row.name << ": " << text;
         }
     }
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // which keep much of what was freed
     EXPECT_LT(peakKilobytes() - before, 250'000);
+#endif
 }
 
 // In the background
@@ -224,7 +231,9 @@ TEST_F(SessionImport, inTheBackgroundIsToldOnTheQueue) {
 
 class QueuedImport : public SessionImport {
 protected:
-    void TearDown() override { main.sync([&] { background.reset(); }); }
+    void TearDown() override {
+        main.sync([&] { background.reset(); });
+    }
 
     std::vector<ImportOutcome> ended(std::size_t count) {
         std::unique_lock guard(mutex);
