@@ -43,8 +43,8 @@ void BrowserAccess::request(const BrowserApp& browser) {
             return;
         }
         self.starting_[browser.bundleID] = self.main_.after(patienceAfterStart, [&self, browser] {
+            const auto timer = self.starting_.extract(browser.bundleID); // this is its own work
             self.requestConsent(browser);
-            self.starting_.erase(browser.bundleID);
         });
     });
 }

@@ -133,7 +133,7 @@ private:
 struct SleepInhibitorsTest : testing::Test {
     PrivateBus sessionBus;
     PrivateBus systemBus;
-    const SystemClock clock;
+    const SystemClock clock{};
     WorkerQueue queue{"inhibitors"};
     std::unique_ptr<LinuxSleepInhibitors> inhibitors;
 
@@ -168,7 +168,7 @@ TEST_F(SleepInhibitorsTest, withNobodyOnTheBusesNothingIsHeld) {
 }
 
 TEST(SleepInhibitors, withoutBusesNothingIsHeld) {
-    const SystemClock clock;
+    const SystemClock clock{};
     WorkerQueue queue("inhibitors");
     LinuxSleepInhibitors::Setup setup;
     auto none = queue.sync([&] { return std::make_unique<LinuxSleepInhibitors>(queue, clock, setup); });

@@ -140,7 +140,7 @@ TEST(ResponsibleProcess, thisTestHasOneInTheRealTree) {
 }
 
 struct ApplicationOwnersTest : testing::Test, Tree {
-    const SystemClock clock;
+    const SystemClock clock{};
     ScriptedWorkspace workspace;
     DesktopEntries entries{{folder.path() / "applications"}, "", clock};
     ApplicationIdentity identity{entries, IdentityCatalogue::builtIn(), folder.path()};

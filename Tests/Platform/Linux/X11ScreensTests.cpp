@@ -36,7 +36,7 @@ struct X11ScreensTest : testing::Test {
         X11Screens screens;
     };
 
-    const SystemClock clock;
+    const SystemClock clock{};
     VirtualDisplay display;
     WorkerQueue queue{"x11"};
     std::unique_ptr<Readers> readers = std::make_unique<Readers>(queue, clock, display.name());
@@ -105,10 +105,12 @@ struct X11ScreensTest : testing::Test {
         EXPECT_EQ(bounds(), wanted);
         return right;
     }
+    /// One after the other, since the monitors are listed in the order of their making.
     bool splitInTwo() {
         const auto one = display.start({"xrandr", "--setmonitor", "left", "640/200x800/200+0+0", "screen"});
+        const bool isHalf = eventually([&] { return layout().displays == Bounds{{0, 0, 640, 800}}; });
         const auto two = display.start({"xrandr", "--setmonitor", "right", "640/200x800/200+640+0", "none"});
-        return eventually([&] { return layout().displays.size() == 2; });
+        return isHalf && eventually([&] { return layout().displays.size() == 2; });
     }
 };
 
@@ -254,7 +256,7 @@ TEST_F(X11ScreensTest, aServerThatIsGoneOrDoesNotAnswerShowsNothing) {
 }
 
 TEST(X11Screens, withoutADisplayThereIsNothing) {
-    const SystemClock clock;
+    const SystemClock clock{};
     WorkerQueue queue("x11");
     auto connection = std::make_unique<X11Connection>(queue, clock, "");
     X11Windows windows(*connection);
