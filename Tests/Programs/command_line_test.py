@@ -25,7 +25,7 @@ BIN = pathlib.Path(sys.argv.pop(1)).resolve()
 DEADLINE = 20  # seconds; what is waited for takes less than three
 
 COMMANDS = ["record", "watch", "status", "sessions", "pause", "resume", "settings", "settings list", "settings get",
-            "settings set", "settings reset", "doctor"]
+            "settings set", "settings reset", "doctor", "top", "machine", "disk-test"]
 
 SESSION_KEYS = ["id", "start", "end", "bundleID", "appName", "title", "url", "domain", "project", "kind"]
 STATUS_KEYS = ["state", "pausedUntil", "live", "alongside", "unsaved", "isAccessibilityGranted", "version",
