@@ -17,6 +17,7 @@ using JSON = nlohmann::ordered_json;
 
 constexpr std::size_t nameColumns = 12;
 constexpr std::size_t mostBarColumns = 48;
+constexpr std::size_t leastWidthForClasses = 70;
 
 struct MemoryPart {
     const char* name;
@@ -81,7 +82,7 @@ private:
 
     void addLoad(const MachineReading::Load& load, bool hasClasses) {
         auto text = fmt::format("{} {:3.0f}%", paint_.shade(0, bar(load.all, 10)), load.all * 100);
-        if (hasClasses)
+        if (hasClasses && width_ >= leastWidthForClasses)
             text += fmt::format("   performance {:.0f}%, efficiency {:.0f}%", load.byClass.performance * 100,
                                 load.byClass.efficiency * 100);
         addPainted("Load", text);
@@ -145,10 +146,13 @@ private:
     void addAbsences(const std::vector<MachineReading::Absence>& absences) {
         if (absences.empty())
             return;
+        std::size_t columns = 0;
+        for (const auto& absence : absences)
+            columns = std::max(columns, text::columns(absence.what));
         text_ += "\n  Not to be had here:\n";
         for (const auto& absence : absences)
-            text_ += fmt::format("  {} {} {}\n", paint_.doubtful("○"), padded(absence.what, nameColumns + 6),
-                                 text::fittedToColumns(absence.why, width_ - nameColumns - 11));
+            text_ += fmt::format("  {} {}  {}\n", paint_.doubtful("○"), padded(absence.what, columns),
+                                 text::fittedToColumns(absence.why, width_ - std::min(width_, columns + 6)));
     }
 
     const Painter paint_;

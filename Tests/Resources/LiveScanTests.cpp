@@ -61,7 +61,7 @@ public:
     explicit Child(const std::function<void(char)>& work) {
         int orders[2];
         int answers[2];
-        if (pipe(orders) != 0 || pipe(answers) != 0)
+        if (pipe2(orders, O_CLOEXEC) != 0 || pipe2(answers, O_CLOEXEC) != 0)
             throw std::runtime_error("no pipes");
         process_ = fork();
         if (process_ == 0) {
@@ -237,13 +237,16 @@ TEST(LiveScan, leavesOutAChildThatHasEnded) {
 
 TEST(LiveScan, followsAChildThatBeginsToRunAnotherProgram) {
     LinuxProcessTable table(LinuxProcessTable::setupOfThisMachine(), nullptr);
-    const TestProgram child({"/bin/sh", "-c", "read line; exec sleep 100"});
-    // Its input is empty, so that it goes on at once.
-    EXPECT_TRUE(eventually([&] {
-        return table.programPath(child.process()).value_or("").ends_with("sleep") ||
-               table.programPath(child.process()).value_or("").ends_with("coreutils");
-    }));
-    EXPECT_TRUE(table.counters(child.process()));
+    const Child child([](char order) {
+        if (order == 'x')
+            execlp("sleep", "sleep", "100", nullptr);
+    });
+    table.processes();
+    const auto first = table.counters(child.process()).value();
+    EXPECT_THROW(child.tell('x'), std::runtime_error) << "the program that it runs now has no pipe to answer by";
+    const auto second = table.counters(child.process()).value();
+    EXPECT_EQ(second.start, first.start);
+    EXPECT_NE(second.image, first.image);
 }
 
 // --- A number that is used again -------------------------------------------------------------------------------------

@@ -290,7 +290,7 @@ TEST(SSDSpeedTest, isAbsentWhereItCannotBeRead) {
         auto json = whole;
         json.erase(key);
         EXPECT_EQ(SSDSpeedTest::decoded(json.dump()), std::nullopt) << key;
-        for (const nlohmann::json wrong : {nlohmann::json("1"), nlohmann::json(true), nlohmann::json()}) {
+        for (const auto& wrong : std::vector<nlohmann::json>{"1", true, nullptr}) {
             json[key] = wrong;
             EXPECT_EQ(SSDSpeedTest::decoded(json.dump()), std::nullopt) << key << wrong;
         }
