@@ -20,11 +20,11 @@ PROBE = pathlib.Path(os.environ.get("KESTRIO_BROWSER_PROBE", BIN / "BrowserProbe
 PRIVATE = ["about:private", "", "incognito"]
 SLACK = 1.5  # seconds that a busy machine may need beyond a deadline
 AT_ONCE = 0.5  # seconds; no deadline of anything is shorter than this and was waited for
-NO_WAY_OF_ITS_OWN = {"LC_ALL": "C.UTF-8", "MOZ_CRASHREPORTER_DISABLE": "1"}
+SETTINGS = {"LC_ALL": "C.UTF-8", "MOZ_CRASHREPORTER_DISABLE": "1"}
 
 
 class Pages(http.server.BaseHTTPRequestHandler):
-    """Page N at /N, called "Page N"; the next one is behind its only link. "/slow/N" gives its title away late."""
+    """Page N at /N, called "Page N"."""
 
     def do_GET(self):
         number = int(re.search(r"\d*$", self.path).group() or 0)
@@ -64,7 +64,7 @@ class Browser:
 
     def open(self, *arguments):
         command = [*self.command(), *arguments]
-        environment = os.environ | NO_WAY_OF_ITS_OWN | self.ENVIRONMENT
+        environment = os.environ | SETTINGS | self.ENVIRONMENT
         self.started.append(
             subprocess.Popen(command, env=environment, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         )
@@ -158,7 +158,9 @@ class ReadingABrowser:
 
     def go_to(self, number):
         self.xdotool("key", "ctrl+l")
-        self.xdotool("type", "--delay", "5", f"{self.site}{number}\n")
+        time.sleep(0.3)  # nothing outside the browser tells that its address bar has the focus
+        self.xdotool("type", "--delay", "5", f"{self.site}{number}")
+        self.xdotool("key", "Return")
 
     def process(self):
         return int(self.xdotool("getwindowpid", self.xdotool("getactivewindow")))

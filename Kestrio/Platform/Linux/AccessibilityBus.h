@@ -54,6 +54,7 @@ public:
     /// Bits of `states`.
     static constexpr std::uint64_t active = std::uint64_t{1} << 1;
     static constexpr std::uint64_t selected = std::uint64_t{1} << 23;
+    static constexpr std::uint64_t showing = std::uint64_t{1} << 25;
 
     using Attributes = std::map<std::string, std::string>;
 

@@ -6,7 +6,6 @@
 #include <chrono>
 #include <cmath>
 #include <deque>
-#include <set>
 #include <thread>
 #include <utility>
 
@@ -125,7 +124,34 @@ bool BrowserTree::isPrivate(const BrowserFrame& frame, const std::string& bundle
 
 std::optional<AccessibleObject> BrowserTree::document(const BrowserFrame& frame) {
     const auto documents = bus_.embedded(frame.object);
-    return documents && !documents->empty() ? std::optional(documents->front()) : std::nullopt;
+    if (documents && !documents->empty())
+        return documents->front();
+    return frame.isGecko ? shownDocument(frame) : std::nullopt;
+}
+
+std::vector<AccessibleObject> BrowserTree::childrenOfRole(const AccessibleObject& object, std::uint32_t role) {
+    auto children = bus_.children(object).value_or(std::vector<AccessibleObject>());
+    std::erase_if(children, [&](const AccessibleObject& child) { return bus_.role(child) != role; });
+    return children;
+}
+
+/// Firefox forgets to embed a page that it brings back from its memory when the person goes back. The page is in the
+/// panel of the tab that shows; beside it a sidebar may show a page of its own.
+std::optional<AccessibleObject> BrowserTree::shownDocument(const BrowserFrame& frame) {
+    const auto& controls = look(frame);
+    if (!controls)
+        return std::nullopt;
+    for (const auto& panel : controls->panels)
+        for (const auto& pane : bus_.children(panel).value_or(std::vector<AccessibleObject>())) {
+            if ((bus_.states(pane).value_or(0) & AccessibilityBus::showing) == 0)
+                continue;
+            for (const auto& inner : childrenOfRole(pane, AccessibilityBus::internalFrame))
+                for (auto& document : childrenOfRole(inner, AccessibilityBus::documentWeb))
+                    if (const auto title = bus_.name(document);
+                        title && !title->empty() && frame.name.find(*title) != std::string::npos)
+                        return std::move(document);
+        }
+    return std::nullopt;
 }
 
 std::optional<BrowserPage> BrowserTree::pageOf(const AccessibleObject& document) {
@@ -168,14 +194,21 @@ const std::optional<BrowserTree::Controls>& BrowserTree::look(const BrowserFrame
 
 /// Breadth first, and never into what a page shows.
 std::optional<BrowserTree::Controls> BrowserTree::walk(const BrowserFrame& frame) {
+    struct Step {
+        AccessibleObject object;
+        AccessibleObject parent;
+        AccessibleObject grandparent;
+    };
     Controls controls;
-    std::deque<AccessibleObject> waiting{frame.object};
+    std::deque<Step> waiting{{frame.object, {}, {}}};
     for (std::size_t seen = 0; !waiting.empty() && seen < mostControls; ++seen) {
-        const auto object = std::move(waiting.front());
+        const auto [object, parent, grandparent] = std::move(waiting.front());
         waiting.pop_front();
         const auto role = bus_.role(object);
         if (!role && (bus_.isSilent(object.owner) || bus_.left() <= Seconds(0)))
             return std::nullopt;
+        if (role == AccessibilityBus::internalFrame)
+            controls.panels.insert(grandparent);
         if (!role || isContent(*role) || *role == AccessibilityBus::pageTab)
             continue;
         if (*role == AccessibilityBus::pageTabList)
@@ -185,8 +218,8 @@ std::optional<BrowserTree::Controls> BrowserTree::walk(const BrowserFrame& frame
             controls.hasPrivateButton |= attributes && value(*attributes, "id") == privateButton;
             continue;
         }
-        if (auto children = bus_.children(object))
-            waiting.insert(waiting.end(), children->begin(), children->end());
+        for (auto& child : bus_.children(object).value_or(std::vector<AccessibleObject>()))
+            waiting.push_back({std::move(child), object, parent});
     }
     return controls;
 }

@@ -10,6 +10,7 @@
 
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -62,6 +63,7 @@ private:
     struct Controls {
         bool hasPrivateButton = false;
         std::vector<AccessibleObject> tabLists;
+        std::set<AccessibleObject> panels; // whose children hold a tab's content each
     };
     struct Look {
         std::optional<Controls> controls; // absent when the walk was cut short
@@ -73,6 +75,8 @@ private:
     void addFrames(const AccessibleObject& root, std::vector<BrowserFrame>& frames);
     std::optional<BrowserPage> pageOf(const AccessibleObject& document);
     std::optional<AccessibleObject> document(const BrowserFrame& frame);
+    std::optional<AccessibleObject> shownDocument(const BrowserFrame& frame);
+    std::vector<AccessibleObject> childrenOfRole(const AccessibleObject& object, std::uint32_t role);
     const std::optional<Controls>& look(const BrowserFrame& frame);
     std::optional<Controls> walk(const BrowserFrame& frame);
 

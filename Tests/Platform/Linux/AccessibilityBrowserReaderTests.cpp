@@ -115,6 +115,12 @@ TEST_F(AccessibilityBrowserReaderTest, firefoxCallsTheAddressByAnotherName) {
     EXPECT_EQ(front(), tabOf(1));
 }
 
+TEST_F(AccessibilityBrowserReaderTest, aPageThatFirefoxBroughtBackIsFoundInThePaneOfItsTab) {
+    showFirefox({page(1)});
+    edit(0, [](auto& frame) { frame.isRestored = true; });
+    EXPECT_EQ(front(), tabOf(1));
+}
+
 TEST_F(AccessibilityBrowserReaderTest, aBrowserThatOnlyLooksAtTheFirstQuestionIsAskedAgain) {
     show({page(1)});
     edit(0, [](auto& frame) { frame.unprimed = 1; });
@@ -377,8 +383,8 @@ TEST_F(AccessibilityBrowserReaderTest, repliesOfAnotherShapeAreNoAnswer) {
         Malformed malformed;
         std::string answer;
     } rows[] = {
-        {"no list of frames", Malformed::children, ""}, {"no relations", Malformed::relations, ""},
-        {"no attributes", Malformed::document, ""},     {"no states", Malformed::states, tabOf(1)},
+        {"no list of frames", Malformed::children, ""},       {"no relations", Malformed::relations, ""},
+        {"no attributes", Malformed::document, ""},           {"no states", Malformed::states, tabOf(1)},
         {"frames without end", Malformed::endless, tabOf(1)}, {"nothing wrong", Malformed::no, tabOf(1)},
     };
     for (const auto& row : rows) {

@@ -18,6 +18,9 @@ constexpr std::uint32_t frameRole = 23;
 constexpr std::uint32_t buttonRole = 43;
 constexpr std::uint32_t tabListRole = 38;
 constexpr std::uint32_t tabRole = 37;
+constexpr std::uint32_t panelRole = 39;
+constexpr std::uint32_t paneRole = 49;
+constexpr std::uint32_t innerRole = 28;
 constexpr std::uint32_t documentRole = 95;
 
 std::string path(const char* kind, int frame, int number = 0) {
@@ -72,6 +75,7 @@ MockBrowser::MockBrowser(const std::string& bus, std::string owner, Script scrip
     for (int frame = 0; frame < mostFrames; ++frame) {
         serveFrame(frame);
         serveControls(frame);
+        servePanes(frame);
     }
     for (const auto& each : objects_)
         each->finishRegistration();
@@ -164,6 +168,8 @@ void MockBrowser::serveFrame(int number) {
              [this, number](sdbus::MethodReply& reply, Frame& frame) {
                  std::vector<Reference> children{{owner_, sdbus::ObjectPath(path("document", number))},
                                                  {owner_, sdbus::ObjectPath(path("tabs", number))}};
+                 if (frame.isRestored)
+                     children.front() = {owner_, sdbus::ObjectPath(path("panel", number))};
                  if (frame.hasPrivateButton)
                      children.emplace_back(owner_, sdbus::ObjectPath(path("button", number)));
                  reply << children;
@@ -184,7 +190,7 @@ void MockBrowser::serveFrame(int number) {
                  std::vector<Relation> relations{{7, {{owner_, sdbus::ObjectPath(root)}}}};
                  if (frame.unprimed > 0)
                      --frame.unprimed;
-                 else if (frame.hasDocument)
+                 else if (frame.hasDocument && !frame.isRestored)
                      relations.emplace_back(
                          13, std::vector<Reference>{{owner_, sdbus::ObjectPath(path("document", number))}});
                  reply << relations;
@@ -240,6 +246,31 @@ void MockBrowser::serveControls(int number) {
             reply << std::vector<std::uint32_t>{frame.tabs.at(at).isSelected ? 1U << 23 : 0U, 0U};
         });
     }
+}
+
+/// Of two tabs the second shows; the document of the first is not there at all.
+void MockBrowser::servePanes(int number) {
+    const auto child = [&](const std::string& of, const char* kind, std::uint32_t role, int count) {
+        auto& target = object(of);
+        methodOf(number, target, accessible, "GetRole", "", "u",
+                 [role](sdbus::MethodReply& reply, Frame&) { reply << role; });
+        methodOf(number, target, accessible, "GetChildren", "", "a(so)",
+                 [this, number, kind, count](sdbus::MethodReply& reply, Frame&) {
+                     std::vector<Reference> children;
+                     for (int each = 0; each < count; ++each)
+                         children.emplace_back(owner_, sdbus::ObjectPath(path(kind, number, each)));
+                     reply << children;
+                 });
+        return &target;
+    };
+    child(path("panel", number), "pane", panelRole, 2);
+    for (const bool isShown : {false, true}) {
+        auto* pane = child(path("pane", number, isShown), isShown ? "inner" : "nothing", paneRole, 1);
+        methodOf(number, *pane, accessible, "GetState", "", "au", [isShown](sdbus::MethodReply& reply, Frame&) {
+            reply << std::vector<std::uint32_t>{isShown ? 1U << 25 : 0U, 0U};
+        });
+    }
+    child(path("inner", number), "document", innerRole, 1);
 }
 
 } // namespace kestrio

@@ -46,6 +46,7 @@ public:
         std::string address;
         bool isActive = false;
         bool hasDocument = true;
+        bool isRestored = false; // the document is not embedded, and lies in the pane of its tab
         bool hasPrivateButton = false;
         int unprimed = 0;    // so many questions for the document are answered with none
         int lateAddress = 0; // so many questions for the address are answered with an empty one
@@ -79,6 +80,7 @@ private:
     void serveRoot();
     void serveFrame(int number);
     void serveControls(int number);
+    void servePanes(int number);
     sdbus::IObject& object(const std::string& path);
     void method(sdbus::IObject& object, const char* interface, const char* name, const char* input, const char* output,
                 std::function<void(sdbus::MethodReply&)> answer);

@@ -75,6 +75,12 @@ public:
     bool isGranted() {
         return queue_.sync([this] { return parts_->titles.isGranted(); });
     }
+    /// The windows of this class, front to back.
+    std::optional<std::vector<X11PlacedWindow>> placed(const std::string& className) {
+        return queue_.sync([&] {
+            return parts_->windows.placed([&](const X11Window& window) { return window.className == className; });
+        });
+    }
     std::optional<Seconds> idle() {
         return queue_.sync([this] { return parts_->idle.sinceLastInput(); });
     }
@@ -226,6 +232,37 @@ TEST_F(X11, aPassingNoneIsNotSeen) {
     client.setActive(XCB_NONE);
     EXPECT_TRUE(comesTrue([&] { return readers->fronts() == std::vector<std::string>{"none"}; })) << "one that lasts";
     EXPECT_EQ(readers->frontID(), "none");
+}
+
+TEST_F(X11, windowsStandFrontToBackWithTheirPlaceAndWithoutTheirShadow) {
+    const Client client(display.name());
+    client.manage();
+    const auto back = client.create("alpha");
+    const auto front = client.create("alpha");
+    const auto other = client.create("beta");
+    client.setText(front, "_NET_WM_NAME", "UTF8_STRING", "the front one");
+    const std::uint32_t place[] = {30, 40, 200, 150};
+    xcb_configure_window(client.xcb(), front,
+                         XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT,
+                         place);
+    const std::uint32_t shadow[] = {4, 6, 1, 9}; // left, right, top, bottom
+    xcb_change_property(client.xcb(), XCB_PROP_MODE_REPLACE, front, client.atom("_GTK_FRAME_EXTENTS"),
+                        XCB_ATOM_CARDINAL, 32, 4, shadow);
+    client.setManaged({back, other, front});
+    client.setActive(front);
+    ASSERT_TRUE(comesTrue([&] { return readers->front() && readers->placed("alpha")->size() == 2; }));
+    const auto placed = readers->placed("alpha").value();
+    EXPECT_EQ(placed[0].window.id, front);
+    EXPECT_EQ(placed[0].title, "the front one");
+    EXPECT_EQ(placed[0].extents, (Rectangle{30, 40, 200, 150}));
+    EXPECT_EQ(placed[0].bounds, (Rectangle{34, 41, 190, 140}));
+    EXPECT_TRUE(placed[0].isActive);
+    EXPECT_EQ(placed[1].window.id, back);
+    EXPECT_EQ(placed[1].title, "");
+    EXPECT_EQ(placed[1].bounds, (Rectangle{0, 0, 100, 100}));
+    EXPECT_FALSE(placed[1].isActive);
+    display.kill();
+    EXPECT_TRUE(comesTrue([&] { return !readers->placed("alpha"); })) << "without a server";
 }
 
 TEST_F(X11, titlesAreReadInEveryEncoding) {
