@@ -235,7 +235,7 @@ TEST_F(X11, aPassingNoneIsNotSeen) {
 }
 
 TEST_F(X11, windowsStandFrontToBackWithTheirPlaceAndWithoutTheirShadow) {
-    const Client client(display.name());
+    const X11TestClient client(display.name());
     client.manage();
     const auto back = client.create("alpha");
     const auto front = client.create("alpha");
