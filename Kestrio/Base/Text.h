@@ -32,8 +32,21 @@ std::string prefix(std::string_view text, std::size_t count);
 enum class Ignoring { caseOnly, caseAndDiacritics };
 std::string folded(std::string_view text, Ignoring ignoring);
 
-/// Whether `needle` occurs in `text`. An empty needle occurs nowhere.
+/// Whether `needle` occurs in `text`. An empty needle occurs nowhere, nor does one of which nothing is left to compare.
 bool contains(std::string_view text, std::string_view needle, Ignoring ignoring);
+
+/// A text in which several others are looked for: it is folded once.
+class FoldedText {
+public:
+    FoldedText(std::string_view text, Ignoring ignoring) : folded_(folded(text, ignoring)), ignoring_(ignoring) {}
+
+    /// As the function of that name.
+    bool contains(std::string_view needle) const;
+
+private:
+    const std::string folded_;
+    const Ignoring ignoring_;
+};
 
 /// A copy without zero-width spaces, direction marks, embeddings, overrides, isolates and byte order marks. The
 /// joiners U+200C and U+200D stay: some scripts and many emoji need them.
@@ -41,6 +54,9 @@ std::string withoutInvisibleMarks(std::string_view text);
 
 /// The bytes as UTF-8, with U+FFFD in place of each ill-formed piece and of U+0000. For texts from other programs.
 std::string fromUntrustedBytes(std::string_view bytes);
+
+/// How many of the bytes, from the first on, are UTF-8. Stops before a character that is cut off at the end.
+std::size_t wellFormedLength(std::string_view bytes);
 
 /// The part of the text between white space at both ends, by the Unicode property. Points into the argument.
 std::string_view trimmed(std::string_view text);

@@ -3,15 +3,16 @@
 #include "Kestrio/Activity/AlongsideSessions.h"
 #include "Kestrio/Activity/Database.h"
 #include "Kestrio/Activity/LiveRows.h"
+#include "Kestrio/Base/Formatters.h"
 #include "Kestrio/Base/LoopQueue.h"
 #include "Kestrio/Base/Text.h"
 #include "Kestrio/Model/ModelsJSON.h"
-#include "Kestrio/Shell/Formatters.h"
 #include "Kestrio/Shell/Settings.h"
 #include "Programs/Agent/Agent.h"
 #include "Programs/CommandLine/Moments.h"
 #include "Programs/CommandLine/Places.h"
 #include "Programs/CommandLine/StatusText.h"
+#include "Programs/CommandLine/StoredSessions.h"
 #include "Programs/CommandLine/Terminal.h"
 
 #include <algorithm>
@@ -25,43 +26,11 @@ namespace {
 
 using JSON = nlohmann::ordered_json;
 
-constexpr int done = 0;
-constexpr int failed = 1;
-constexpr int wrongUsage = 2;
+using namespace exitStatus;
 
 int reportNotRunning() {
     complain("Kestrio is not running here. Start it with: kestrio");
     return failed;
-}
-
-/// The stored sessions, for looking at only.
-class StoredSessions {
-public:
-    explicit StoredSessions(const Locations& places) {
-        const auto file = dataFolder(places) / Database::fileName;
-        std::error_code ignored;
-        if (std::filesystem::exists(file, ignored))
-            database_.emplace(file, queue_, Database::Access::readOnly);
-    }
-
-    /// Null when nothing was ever recorded.
-    Database* database() { return database_ ? &*database_ : nullptr; }
-
-private:
-    WorkerQueue queue_{"Kestrio.database"};
-    std::optional<Database> database_;
-};
-
-/// Runs a command that reads the database; one that cannot be read is a clear line.
-template <class Work>
-int withStored(const Locations& places, Work work) {
-    try {
-        StoredSessions stored(places);
-        return work(stored.database());
-    } catch (const DatabaseError& error) {
-        complain((dataFolder(places) / Database::fileName).string() + ": " + error.what());
-        return failed;
-    }
 }
 
 /// The sessions of an interval, with what is open in the agent's memory right now.
