@@ -1,8 +1,6 @@
 #include "Programs/CommandLine/Commands.h"
 
-#include "Kestrio/Activity/AlongsideSessions.h"
 #include "Kestrio/Activity/Database.h"
-#include "Kestrio/Activity/LiveRows.h"
 #include "Kestrio/Base/Formatters.h"
 #include "Kestrio/Base/LoopQueue.h"
 #include "Kestrio/Base/Text.h"
@@ -11,6 +9,7 @@
 #include "Programs/Agent/Agent.h"
 #include "Programs/CommandLine/Moments.h"
 #include "Programs/CommandLine/Places.h"
+#include "Programs/CommandLine/RecordedSessions.h"
 #include "Programs/CommandLine/StatusText.h"
 #include "Programs/CommandLine/StoredSessions.h"
 #include "Programs/CommandLine/Terminal.h"
@@ -31,23 +30,6 @@ using namespace exitStatus;
 int reportNotRunning() {
     complain("Kestrio is not running here. Start it with: kestrio");
     return failed;
-}
-
-/// The sessions of an interval, with what is open in the agent's memory right now.
-std::vector<ActivitySession> sessionsOf(Database* database, const std::optional<AgentStatus>& agent,
-                                        DateInterval interval) {
-    std::vector<ActivitySession> found;
-    if (database)
-        found = database->sessions(interval.start, interval.end);
-    if (!agent)
-        return found;
-    std::int64_t nextID = -1;
-    if (agent->live)
-        joinLive(found, *agent->live, interval, nextID);
-    for (const auto& session : agent->alongside)
-        if (session.lastSeen - session.start >= AlongsideSessions::minimum)
-            joinLive(found, session, interval, nextID);
-    return found;
 }
 
 Seconds focusedTime(const std::vector<ActivitySession>& sessions, DateInterval interval) {

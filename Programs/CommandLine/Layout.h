@@ -2,8 +2,11 @@
 #pragma once
 
 #include "Kestrio/Base/Text.h"
+#include "Kestrio/Model/Models.h"
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <fmt/format.h>
 #include <string>
 
@@ -20,10 +23,27 @@ public:
     std::string shade(std::size_t index, const std::string& text) const {
         return painted(fmt::format("38;5;{}", shades[index % shades.size()]), text);
     }
+    std::string colour(SystemColor color, const std::string& text) const {
+        return painted(fmt::format("38;5;{}", terminalColour(color)), text);
+    }
 
 private:
     /// Seven shades that read on light and on dark grounds, from the 256 colours of terminals.
     static constexpr std::array shades{33, 37, 98, 172, 167, 65, 139};
+
+    /// The colours of categories, out of the same 256.
+    static int terminalColour(SystemColor color) {
+        switch (color) {
+        case SystemColor::blue: return 33;
+        case SystemColor::teal: return 37;
+        case SystemColor::purple: return 98;
+        case SystemColor::orange: return 172;
+        case SystemColor::red: return 167;
+        case SystemColor::brown: return 137;
+        case SystemColor::gray: return 245;
+        }
+        return 245;
+    }
 
     std::string painted(const std::string& code, const std::string& text) const {
         return hasColour_ && !text.empty() ? fmt::format("\x1B[{}m{}\x1B[0m", code, text) : text;
@@ -40,6 +60,17 @@ inline std::string padded(const std::string& text, std::size_t columns) {
 inline std::string paddedLeft(const std::string& text, std::size_t columns) {
     const auto used = text::columns(text);
     return used < columns ? std::string(columns - used, ' ') + text : text;
+}
+
+/// A bar of at most so many columns, in eighths of a column. What lasted at all shows at least one eighth.
+inline std::string bar(double share, std::size_t columns) {
+    static constexpr std::array<const char*, 8> eighths{"", "▏", "▎", "▍", "▌", "▋", "▊", "▉"};
+    const auto most = static_cast<double>(columns * 8);
+    const auto units = static_cast<std::size_t>(std::max(1L, std::lround(std::clamp(share, 0.0, 1.0) * most)));
+    std::string text;
+    for (std::size_t full = 0; full < units / 8; ++full)
+        text += "█";
+    return padded(text + eighths[units % 8], columns);
 }
 
 /// "1 session", "2 sessions".

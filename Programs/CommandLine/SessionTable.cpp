@@ -5,8 +5,6 @@
 #include "Programs/CommandLine/Layout.h"
 
 #include <algorithm>
-#include <array>
-#include <cmath>
 #include <fmt/format.h>
 #include <map>
 #include <set>
@@ -24,16 +22,6 @@ constexpr std::size_t durationColumns = 7;
 /// A narrower terminal has no room for bars.
 constexpr std::size_t leastWidthForBars = 56;
 constexpr std::size_t clockColumns = 8;
-
-/// A bar in eighths of a column. What lasted at all shows at least one eighth.
-std::string bar(double share) {
-    static constexpr std::array<const char*, 8> eighths{"", "▏", "▎", "▍", "▌", "▋", "▊", "▉"};
-    const auto units = std::max<long>(1, std::lround(share * barColumns * 8));
-    std::string text;
-    for (long full = 0; full < units / 8; ++full)
-        text += "█";
-    return padded(text + eighths[static_cast<std::size_t>(units % 8)], barColumns);
-}
 
 class Table {
 public:
@@ -91,7 +79,7 @@ private:
             title = fmt::format("{}{}{}", label(session.kind), title.empty() ? "" : ": ", title);
         text_ +=
             fmt::format("  {}  {}{}  {}  {}\n", paint_.dim(calendar_.formatted(session.start, "HH:mm:ss")),
-                        barColumns_ > 0 ? paint_.shade(shade, bar(share)) + "  " : "",
+                        barColumns_ > 0 ? paint_.shade(shade, bar(share, barColumns)) + "  " : "",
                         paddedLeft(Fmt::duration(session.duration()), durationColumns),
                         paint_.shade(shade, padded(text::fittedToColumns(session.appName, nameLimit_), nameColumns_)),
                         text::fittedToColumns(title, room));
