@@ -2,6 +2,7 @@
 #include "Programs/CommandLine/ClassificationCommands.h"
 #include "Programs/CommandLine/Commands.h"
 #include "Programs/CommandLine/MachineCommands.h"
+#include "Programs/CommandLine/ReportCommand.h"
 #include "Programs/CommandLine/SessionFiles.h"
 #include "Programs/StandardStreams.h"
 
@@ -128,6 +129,21 @@ std::string complaint(const CLI::App& app, const CLI::ParseError& error) {
     return problem + ". Try " + command + " --help.";
 }
 
+void addReport(CLI::App& app, kestrio::ReportOptions& options, int& status) {
+    add(
+        app, "report", "What you did on a day, in a week or a month", status, [&] { return kestrio::report(options); },
+        [&](CLI::App& command) {
+            command.add_option("--day", options.day, "The day of a moment: today (so unless said), 2026-11-21");
+            command.add_option("--week", options.week, "The week of a moment");
+            command.add_option("--month", options.month, "The month of a moment");
+            command.add_option("--from", options.from, "Beginning of any other range: today unless said");
+            command.add_option("--to", options.to, "Its end: now unless said");
+            command.add_option("--section", options.section,
+                               "overview (so unless said), apps, websites, youtube, projects or timeline");
+            command.add_flag("--json", options.json, "The whole report as data for scripts");
+        });
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -192,6 +208,8 @@ int main(int argc, char** argv) {
         [&](CLI::App& command) {
             command.add_option("files", imported, "The files, or - for standard input")->required();
         });
+    kestrio::ReportOptions reportOptions;
+    addReport(app, reportOptions, result);
 
     std::optional<std::string> length;
     add(
