@@ -7,7 +7,6 @@
 #include "Programs/Agent/Agent.h"
 #include "Programs/CommandLine/Moments.h"
 #include "Programs/CommandLine/Places.h"
-#include "Programs/CommandLine/RecordedSessions.h"
 #include "Programs/CommandLine/StatusText.h"
 #include "Programs/CommandLine/StoredSessions.h"
 #include "Programs/CommandLine/Terminal.h"

@@ -1,8 +1,12 @@
 #include "Programs/CommandLine/ReportText.h"
 
 #include "Kestrio/Base/Formatters.h"
-#include "Programs/CommandLine/Layout.h"
+#include "Kestrio/Base/Text.h"
 #include "Programs/CommandLine/ReportChart.h"
+#include "Programs/CommandLine/TableParts.h"
+
+#include <algorithm>
+#include <fmt/format.h>
 
 namespace kestrio {
 namespace {

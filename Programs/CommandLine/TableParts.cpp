@@ -13,6 +13,20 @@ namespace {
 /// From the 256 colours of terminals.
 constexpr std::array shades{33, 37, 98, 172, 167, 65, 139};
 
+/// The colours of categories, out of the same 256.
+int terminalColour(SystemColor color) {
+    switch (color) {
+    case SystemColor::blue: return 33;
+    case SystemColor::teal: return 37;
+    case SystemColor::purple: return 98;
+    case SystemColor::orange: return 172;
+    case SystemColor::red: return 167;
+    case SystemColor::brown: return 137;
+    case SystemColor::gray: return 245;
+    }
+    return 245;
+}
+
 std::string sizeText(double bytes, double step) {
     static constexpr std::array units{"B", "KB", "MB", "GB", "TB", "PB"};
     std::size_t unit = 0;
@@ -29,6 +43,10 @@ std::string sizeText(double bytes, double step) {
 
 std::string Painter::shade(std::size_t index, const std::string& text) const {
     return painted(fmt::format("38;5;{}", shades[index % shades.size()]), text);
+}
+
+std::string Painter::colour(SystemColor color, const std::string& text) const {
+    return painted(fmt::format("38;5;{}", terminalColour(color)), text);
 }
 
 std::string Painter::painted(const std::string& code, const std::string& text) const {

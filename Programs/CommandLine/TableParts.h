@@ -1,6 +1,8 @@
 // What texts and tables for a terminal are put together from: columns, bars, colours, counts, sizes. Pure functions.
 #pragma once
 
+#include "Kestrio/Model/Models.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -18,6 +20,7 @@ public:
     std::string bad(const std::string& text) const { return painted("31", text); }
     /// One of seven shades that read on light and on dark grounds.
     std::string shade(std::size_t index, const std::string& text) const;
+    std::string colour(SystemColor color, const std::string& text) const;
 
 private:
     std::string painted(const std::string& code, const std::string& text) const;
