@@ -107,6 +107,11 @@ std::optional<std::string_view> LinuxProcessTable::read(pid_t process, const cha
     return length > 0 && static_cast<std::size_t>(length) < path.size() ? buffer_.read(path.data()) : std::nullopt;
 }
 
+std::optional<ProcessStat> LinuxProcessTable::readStat(pid_t process) {
+    const auto text = read(process, "stat");
+    return text ? parseProcessStat(*text) : std::nullopt;
+}
+
 std::optional<ProcessPages> LinuxProcessTable::readPages(const Known& known, pid_t process) {
     const auto text = known.pagesFile ? buffer_.read(known.pagesFile.number()) : read(process, "statm");
     return text ? parseProcessPages(*text) : std::nullopt;
@@ -134,9 +139,14 @@ std::optional<ProcessCounters> LinuxProcessTable::counters(pid_t process) {
 /// Absent when the process has to be read in full.
 std::optional<ProcessCounters> LinuxProcessTable::unchanged(Known& known, pid_t process,
                                                             std::optional<std::uint64_t> clock) {
-    // Without an open file nothing here would tell a later process of the same number.
-    if (!known.pagesFile || clock != known.counters.cpu || known.isKernelThread)
+    if (!known.hasClock || clock != known.counters.cpu || known.isKernelThread)
         return std::nullopt;
+    // An open file answers for its own process alone; without one its start tells it from a later one.
+    if (!known.pagesFile) {
+        const auto stat = readStat(process);
+        if (!stat || stat->startTicks != known.counters.start)
+            return std::nullopt;
+    }
     const auto pages = readPages(known, process);
     if (!pages)
         return std::nullopt;
@@ -163,7 +173,7 @@ bool LinuxProcessTable::readMemory(Known& known, pid_t process) {
 bool LinuxProcessTable::readFully(Known& known, pid_t process, std::optional<std::uint64_t> clock) {
     if (known.isKernelThread && known.pagesFile && readPages(known, process))
         return true;
-    auto pages = readPages(known, process);
+    auto pages = known.hasClock ? readPages(known, process) : std::nullopt;
     if (!pages && known.pagesFile) {
         // The one that the file belonged to has ended; another may have its number now.
         --descriptors_;
@@ -180,8 +190,7 @@ bool LinuxProcessTable::readFully(Known& known, pid_t process, std::optional<std
     known.counters.diskWritten = disk ? std::optional(disk->written) : std::nullopt;
 
     // Read last: still the same process here, it was the same one all along.
-    const auto text = read(process, "stat");
-    const auto stat = text ? parseProcessStat(*text) : std::nullopt;
+    const auto stat = readStat(process);
     if (!stat)
         return false;
     auto& counters = known.counters;
@@ -210,8 +219,7 @@ void LinuxProcessTable::keepOpen(Known& known, pid_t process) {
 
 std::optional<pid_t> LinuxProcessTable::responsible(pid_t process) {
     const auto parentOf = [this](pid_t of) -> std::optional<pid_t> {
-        const auto text = read(of, "stat");
-        const auto stat = text ? parseProcessStat(*text) : std::nullopt;
+        const auto stat = readStat(of);
         return stat ? std::optional(stat->parent) : std::nullopt;
     };
     auto parent = parentOf(process);
@@ -248,8 +256,7 @@ std::optional<std::string> LinuxProcessTable::programPath(pid_t process) {
     if (const auto program = readProgram(setup_.processes, process))
         return text::fromUntrustedBytes(program->native());
     // Somebody else's process does not show its executable; the kernel's short name is open to all.
-    const auto text = read(process, "stat");
-    const auto stat = text ? parseProcessStat(*text) : std::nullopt;
+    const auto stat = readStat(process);
     if (!stat || stat->isKernelThread || stat->name.empty())
         return std::nullopt;
     return text::fromUntrustedBytes(stat->name);

@@ -64,6 +64,8 @@ private:
     using Table = std::unordered_map<pid_t, Known>;
 
     std::optional<std::string_view> read(pid_t process, const char* file);
+    /// Its name points into the buffer, until the next reading.
+    std::optional<ProcessStat> readStat(pid_t process);
     std::optional<ProcessPages> readPages(const Known& known, pid_t process);
     std::optional<ProcessCounters> unchanged(Known& known, pid_t process, std::optional<std::uint64_t> clock);
     bool readMemory(Known& known, pid_t process);
