@@ -70,7 +70,9 @@ private:
     std::optional<ProcessCounters> unchanged(Known& known, pid_t process, std::optional<std::uint64_t> clock);
     bool readMemory(Known& known, pid_t process);
     bool readFully(Known& known, pid_t process, std::optional<std::uint64_t> clock);
+    bool isSame(const Known& known, pid_t process);
     void keepOpen(Known& known, pid_t process);
+    void closeFile(Known& known);
     Table::iterator forget(Table::iterator known);
     std::optional<std::string> unitApplication(pid_t process);
     std::string programName(pid_t process);
