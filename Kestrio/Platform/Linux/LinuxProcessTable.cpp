@@ -96,15 +96,25 @@ std::vector<pid_t> LinuxProcessTable::processes() {
 }
 
 LinuxProcessTable::Table::iterator LinuxProcessTable::forget(Table::iterator known) {
-    if (known->second.pagesFile)
-        --descriptors_;
+    closeFile(known->second);
     return known_.erase(known);
+}
+
+void LinuxProcessTable::closeFile(Known& known) {
+    if (known.pagesFile)
+        --descriptors_;
+    known.pagesFile.close();
 }
 
 std::optional<std::string_view> LinuxProcessTable::read(pid_t process, const char* file) {
     Path path{};
     const int length = std::snprintf(path.data(), path.size(), "%s/%d/%s", setup_.processes.c_str(), process, file);
     return length > 0 && static_cast<std::size_t>(length) < path.size() ? buffer_.read(path.data()) : std::nullopt;
+}
+
+std::optional<ProcessStat> LinuxProcessTable::readStat(pid_t process) {
+    const auto text = read(process, "stat");
+    return text ? parseProcessStat(*text) : std::nullopt;
 }
 
 std::optional<ProcessPages> LinuxProcessTable::readPages(const Known& known, pid_t process) {
@@ -117,6 +127,8 @@ std::optional<ProcessCounters> LinuxProcessTable::counters(pid_t process) {
     const auto clock = setup_.clock ? setup_.clock(process) : std::nullopt;
     auto known = known_.find(process);
     if (known != known_.end()) {
+        if (known->second.isKernelThread && isSame(known->second, process))
+            return std::nullopt;
         if (const auto counters = unchanged(known->second, process, clock))
             return counters;
     } else {
@@ -125,17 +137,28 @@ std::optional<ProcessCounters> LinuxProcessTable::counters(pid_t process) {
         known->second.hasClock = clock.has_value();
         keepOpen(known->second, process);
     }
-    if (readFully(known->second, process, clock))
-        return known->second.isKernelThread ? std::nullopt : std::optional(known->second.counters);
-    forget(known);
+    if (!readFully(known->second, process, clock)) {
+        forget(known);
+        return std::nullopt;
+    }
+    if (!known->second.isKernelThread)
+        return known->second.counters;
+    closeFile(known->second); // others have more use for it
     return std::nullopt;
+}
+
+bool LinuxProcessTable::isSame(const Known& known, pid_t process) {
+    const auto stat = readStat(process);
+    return stat && stat->startTicks == known.counters.start;
 }
 
 /// Absent when the process has to be read in full.
 std::optional<ProcessCounters> LinuxProcessTable::unchanged(Known& known, pid_t process,
                                                             std::optional<std::uint64_t> clock) {
-    // Without an open file nothing here would tell a later process of the same number.
-    if (!known.pagesFile || clock != known.counters.cpu || known.isKernelThread)
+    if (!known.hasClock || clock != known.counters.cpu || known.isKernelThread)
+        return std::nullopt;
+    // An open file answers for its own process alone; without one its start tells it from a later one.
+    if (!known.pagesFile && !isSame(known, process))
         return std::nullopt;
     const auto pages = readPages(known, process);
     if (!pages)
@@ -161,12 +184,10 @@ bool LinuxProcessTable::readMemory(Known& known, pid_t process) {
 }
 
 bool LinuxProcessTable::readFully(Known& known, pid_t process, std::optional<std::uint64_t> clock) {
-    if (known.isKernelThread && known.pagesFile && readPages(known, process))
-        return true;
-    auto pages = readPages(known, process);
+    auto pages = known.hasClock ? readPages(known, process) : std::nullopt;
     if (!pages && known.pagesFile) {
         // The one that the file belonged to has ended; another may have its number now.
-        --descriptors_;
+        closeFile(known);
         known = Known{.counters = {}, .pages = {}, .pagesFile = {}, .hasClock = clock.has_value(), .listing = listing_};
         keepOpen(known, process);
         pages = readPages(known, process);
@@ -180,14 +201,13 @@ bool LinuxProcessTable::readFully(Known& known, pid_t process, std::optional<std
     known.counters.diskWritten = disk ? std::optional(disk->written) : std::nullopt;
 
     // Read last: still the same process here, it was the same one all along.
-    const auto text = read(process, "stat");
-    const auto stat = text ? parseProcessStat(*text) : std::nullopt;
+    const auto stat = readStat(process);
     if (!stat)
         return false;
     auto& counters = known.counters;
-    const bool isSame = counters.start == stat->startTicks && counters.image != 0;
+    const bool isContinued = counters.start == stat->startTicks && counters.image != 0;
     const auto cpu = known.hasClock && clock ? *clock : stat->cpuTicks * nanosPerTick_;
-    if (!isSame)
+    if (!isContinued)
         counters.performanceCPU = 0;
     else if (cpu > counters.cpu && cores_.isPerformance(stat->processor.value_or(-1)))
         counters.performanceCPU += cpu - counters.cpu;
@@ -210,8 +230,7 @@ void LinuxProcessTable::keepOpen(Known& known, pid_t process) {
 
 std::optional<pid_t> LinuxProcessTable::responsible(pid_t process) {
     const auto parentOf = [this](pid_t of) -> std::optional<pid_t> {
-        const auto text = read(of, "stat");
-        const auto stat = text ? parseProcessStat(*text) : std::nullopt;
+        const auto stat = readStat(of);
         return stat ? std::optional(stat->parent) : std::nullopt;
     };
     auto parent = parentOf(process);
@@ -248,8 +267,7 @@ std::optional<std::string> LinuxProcessTable::programPath(pid_t process) {
     if (const auto program = readProgram(setup_.processes, process))
         return text::fromUntrustedBytes(program->native());
     // Somebody else's process does not show its executable; the kernel's short name is open to all.
-    const auto text = read(process, "stat");
-    const auto stat = text ? parseProcessStat(*text) : std::nullopt;
+    const auto stat = readStat(process);
     if (!stat || stat->isKernelThread || stat->name.empty())
         return std::nullopt;
     return text::fromUntrustedBytes(stat->name);

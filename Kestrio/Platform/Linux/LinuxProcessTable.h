@@ -64,11 +64,15 @@ private:
     using Table = std::unordered_map<pid_t, Known>;
 
     std::optional<std::string_view> read(pid_t process, const char* file);
+    /// Its name points into the buffer, until the next reading.
+    std::optional<ProcessStat> readStat(pid_t process);
     std::optional<ProcessPages> readPages(const Known& known, pid_t process);
     std::optional<ProcessCounters> unchanged(Known& known, pid_t process, std::optional<std::uint64_t> clock);
     bool readMemory(Known& known, pid_t process);
     bool readFully(Known& known, pid_t process, std::optional<std::uint64_t> clock);
+    bool isSame(const Known& known, pid_t process);
     void keepOpen(Known& known, pid_t process);
+    void closeFile(Known& known);
     Table::iterator forget(Table::iterator known);
     std::optional<std::string> unitApplication(pid_t process);
     std::string programName(pid_t process);

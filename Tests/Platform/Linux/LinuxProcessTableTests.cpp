@@ -4,6 +4,7 @@
 #include "Kestrio/Platform/Linux/SessionMachinery.h"
 #include "Tests/Support/TemporaryFolder.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -222,6 +223,20 @@ TEST(LinuxProcessTable, seesMemoryThatIsSwappedOutOfASleepingProcess) {
     system.file(5, "statm", "100 5 2 1 0 9 0\n");
     EXPECT_EQ(table.counters(5).value().resident, 20u * 1024);
     EXPECT_EQ(table.counters(5).value().footprint, 412u * 1024);
+}
+
+TEST(LinuxProcessTable, tellsALaterProcessByItsStartWhereItKeepsNoFileOpen) {
+    const FakeSystem system;
+    auto setup = system.setup();
+    setup.clock = [](pid_t) { return std::optional<std::uint64_t>(500); };
+    LinuxProcessTable table(setup, nullptr);
+    system.run(5, {.start = 100, .faults = 1});
+    const auto first = table.counters(5).value();
+    system.run(5, {.start = 100, .faults = 2});
+    EXPECT_EQ(table.counters(5), first) << "nothing is read while the clock stands still";
+    system.run(5, {.start = 200, .faults = 3});
+    EXPECT_EQ(table.counters(5).value().start, 200u);
+    EXPECT_EQ(table.counters(5).value().pageins, 3u);
 }
 
 TEST(LinuxProcessTable, readsBeyondItsShareOfDescriptorsToo) {
