@@ -221,14 +221,15 @@ std::string folded(std::string_view text, Ignoring ignoring) {
 }
 
 bool contains(std::string_view text, std::string_view needle, Ignoring ignoring) {
-    if (needle.empty())
+    return !needle.empty() && FoldedText(text, ignoring).contains(needle);
+}
+
+bool FoldedText::contains(std::string_view needle) const {
+    const auto wanted = folded(needle, ignoring_);
+    if (wanted.empty())
         return false;
-    const auto within = folded(text, ignoring);
-    const auto wanted = folded(needle, ignoring);
-    if (wanted.empty()) // nothing but accents
-        return false;
-    for (auto at = within.find(wanted); at != std::string::npos; at = within.find(wanted, at + 1))
-        if (!beginsWithMark(std::string_view(within).substr(at + wanted.size())))
+    for (auto at = folded_.find(wanted); at != std::string::npos; at = folded_.find(wanted, at + 1))
+        if (!beginsWithMark(std::string_view(folded_).substr(at + wanted.size())))
             return true;
     return false;
 }

@@ -32,8 +32,21 @@ std::string prefix(std::string_view text, std::size_t count);
 enum class Ignoring { caseOnly, caseAndDiacritics };
 std::string folded(std::string_view text, Ignoring ignoring);
 
-/// Whether `needle` occurs in `text`. An empty needle occurs nowhere.
+/// Whether `needle` occurs in `text`. An empty needle occurs nowhere, nor does one of which nothing is left to compare.
 bool contains(std::string_view text, std::string_view needle, Ignoring ignoring);
+
+/// A text in which several others are looked for: it is folded once.
+class FoldedText {
+public:
+    FoldedText(std::string_view text, Ignoring ignoring) : folded_(folded(text, ignoring)), ignoring_(ignoring) {}
+
+    /// As the function of that name.
+    bool contains(std::string_view needle) const;
+
+private:
+    const std::string folded_;
+    const Ignoring ignoring_;
+};
 
 /// A copy without zero-width spaces, direction marks, embeddings, overrides, isolates and byte order marks. The
 /// joiners U+200C and U+200D stay: some scripts and many emoji need them.

@@ -6,21 +6,38 @@
 namespace kestrio {
 namespace {
 
+using text::FoldedText;
 using text::Ignoring;
 using Where = ProjectResolution::Where;
 
-/// The first of the three texts that holds the keyword. Accents are passed over in the title alone: it is written for
-/// people, the others are names.
-std::optional<Where> placeOf(std::string_view keyword, std::string_view title, const std::optional<std::string>& url,
-                             const std::optional<std::string>& detected) {
-    if (text::contains(title, keyword, Ignoring::caseAndDiacritics))
-        return Where::title;
-    if (url && text::contains(*url, keyword, Ignoring::caseOnly))
-        return Where::url;
-    if (detected && text::contains(*detected, keyword, Ignoring::caseOnly))
-        return Where::detected;
-    return std::nullopt;
+std::optional<FoldedText> caseless(const std::optional<std::string>& text) {
+    return text ? std::optional<FoldedText>(std::in_place, *text, Ignoring::caseOnly) : std::nullopt;
 }
+
+/// The texts of one session, for looking for one keyword after the other. Accents are passed over in the title alone:
+/// it is written for people, the others are names.
+class SearchedTexts {
+public:
+    SearchedTexts(std::string_view title, const std::optional<std::string>& url,
+                  const std::optional<std::string>& detected)
+        : title_(title, Ignoring::caseAndDiacritics), url_(caseless(url)), detected_(caseless(detected)) {}
+
+    /// The first of the three that holds the keyword.
+    std::optional<Where> placeOf(std::string_view keyword) const {
+        if (title_.contains(keyword))
+            return Where::title;
+        if (url_ && url_->contains(keyword))
+            return Where::url;
+        if (detected_ && detected_->contains(keyword))
+            return Where::detected;
+        return std::nullopt;
+    }
+
+private:
+    const FoldedText title_;
+    const std::optional<FoldedText> url_;
+    const std::optional<FoldedText> detected_;
+};
 
 std::optional<std::string> unlessEmpty(std::string_view name) {
     return name.empty() ? std::nullopt : std::optional<std::string>(name);
@@ -84,11 +101,12 @@ void ProjectRules::reload() {
 ProjectResolution ProjectRules::resolution(const std::vector<ProjectRule>& rules, std::string_view title,
                                            const std::optional<std::string>& url,
                                            const std::optional<std::string>& detected) {
-    for (std::size_t i = 0; i < rules.size(); ++i) {
-        const auto keyword = text::trimmedOfBlanks(rules[i].keyword);
-        if (const auto where = placeOf(keyword, title, url, detected))
+    if (rules.empty()) // as for most people: then the texts need not be looked at
+        return {detected, std::nullopt};
+    const SearchedTexts texts(title, url, detected);
+    for (std::size_t i = 0; i < rules.size(); ++i)
+        if (const auto where = texts.placeOf(text::trimmedOfBlanks(rules[i].keyword)))
             return {unlessEmpty(text::trimmedOfBlanks(rules[i].project)), ProjectResolution::Match{i, *where}};
-    }
     return {detected, std::nullopt};
 }
 

@@ -21,8 +21,9 @@ std::vector<TimeBucket> BucketSums::timeBuckets() const {
     std::vector<TimeBucket> buckets;
     for (const auto& sum : sums_) {
         const auto first = buckets.size();
-        sum.times.forEach(
-            [&](ActivityCategory category, Seconds time) { buckets.push_back({sum.start, category, time}); });
+        sum.times.forEach([&](ActivityCategory category, Seconds time) {
+            buckets.push_back({sum.start, category, time});
+        });
         std::sort(buckets.begin() + static_cast<std::ptrdiff_t>(first), buckets.end(),
                   [](const TimeBucket& a, const TimeBucket& b) { return rawValue(a.category) < rawValue(b.category); });
     }

@@ -5,8 +5,8 @@
 namespace kestrio {
 
 void ItemTally::add(const Key& key, const ClassifiedSession& session) {
-    const auto [number, isNew] = numbers_.number(
-        {key.owner, static_cast<std::uint32_t>(key.group), static_cast<std::uint32_t>(key.text)});
+    const auto [number, isNew] =
+        numbers_.number({key.owner, static_cast<std::uint32_t>(key.group), static_cast<std::uint32_t>(key.text)});
     if (isNew)
         rows_.emplace_back().key = key;
     auto& row = rows_[number];

@@ -112,6 +112,7 @@ private:
     };
 
     struct App {
+        const ClassifiedSession* first;
         const ClassifiedSession* named; // the latest in front, or the first that was alongside
         ActivityCategory category;
         Seconds duration{};
@@ -139,6 +140,8 @@ private:
         });
         report_.sessions.reserve(static_cast<std::size_t>(focused));
         report_.alongsideSessions.reserve(sessions.size() - static_cast<std::size_t>(focused));
+        focusTimeline_.reserve(report_.sessions.capacity());
+        alongsideTimeline_.reserve(report_.alongsideSessions.capacity());
         for (auto& session : sessions) {
             auto& list = session.kind == SessionKind::focus ? report_.sessions : report_.alongsideSessions;
             list.push_back(unclassified(std::move(session)));
@@ -167,8 +170,7 @@ private:
     ActivityCategory category(const Numbers& texts) {
         const auto [number, isNew] = categoryNumbers_.number({value(texts.bundleID), value(texts.domain)});
         if (isNew)
-            categories_.push_back(
-                classification_.categories.category(texts.session->bundleID, texts.session->domain));
+            categories_.push_back(classification_.categories.category(texts.session->bundleID, texts.session->domain));
         return categories_[number];
     }
 
@@ -202,8 +204,7 @@ private:
         texts.project = detectedProject(session);
         if (classification_.rules.empty())
             return texts.project;
-        const auto [number, isNew] =
-            ruleNumbers_.number({value(texts.title), value(texts.url), value(texts.project)});
+        const auto [number, isNew] = ruleNumbers_.number({value(texts.title), value(texts.url), value(texts.project)});
         if (isNew) {
             const auto project =
                 ProjectRules::resolve(classification_.rules, session.title, session.url, session.project);
@@ -238,7 +239,7 @@ private:
     std::uint32_t app(const ClassifiedSession& session, TextNumber bundleID) {
         const auto [number, isNew] = appNumbers_.number({value(bundleID)});
         if (isNew)
-            apps_.push_back({&session, classification_.categories.appCategory(session.bundleID)});
+            apps_.push_back({&session, &session, classification_.categories.appCategory(session.bundleID)});
         return number;
     }
 
@@ -369,10 +370,10 @@ private:
         report_.apps.reserve(apps_.size());
         for (std::size_t i = 0; i < apps_.size(); ++i) {
             const auto& app = apps_[i];
-            report_.apps.push_back(
-                {app.named->bundleID, app.named->appName, app.category, app.duration, app.alongside, app.visits,
-                 items(titles[i], [&](const ItemTally::Row& row) { return windowItem(row); }),
-                 items(played[i], [&](const ItemTally::Row& row) { return playedItem(row); })});
+            report_.apps.push_back({app.first->bundleID, app.named->appName, app.category, app.duration, app.alongside,
+                                    app.visits,
+                                    items(titles[i], [&](const ItemTally::Row& row) { return windowItem(row); }),
+                                    items(played[i], [&](const ItemTally::Row& row) { return playedItem(row); })});
         }
         sortLongestFirst(
             report_.apps, [](const auto& app) { return app.duration + app.alongside; },
@@ -423,11 +424,10 @@ private:
         report_.projects.reserve(projects_.size());
         for (std::size_t i = 0; i < projects_.size(); ++i) {
             const auto& project = projects_[i];
-            report_.projects.push_back(
-                {*project.first->project, project.duration,
-                 items(apps[i], [&](const ItemTally::Row& row) { return projectAppItem(row); }),
-                 items(work[i], [&](const ItemTally::Row& row) { return projectItem(row); }), project.first->start,
-                 project.lastSeen});
+            report_.projects.push_back({*project.first->project, project.duration,
+                                        items(apps[i], [&](const ItemTally::Row& row) { return projectAppItem(row); }),
+                                        items(work[i], [&](const ItemTally::Row& row) { return projectItem(row); }),
+                                        project.first->start, project.lastSeen});
         }
         sortLongestFirst(
             report_.projects, [](const auto& project) { return project.duration; },

@@ -78,10 +78,8 @@ private:
         return *word(interval.start) + " to " + *word(interval.end);
     }
     template <class Case>
-        requires std::is_enum_v<Case>
-    static std::optional<std::string> word(Case one) {
-        return fmt::format("{}", rawValue(one));
-    }
+    requires std::is_enum_v<Case>
+    static std::optional<std::string> word(Case one) { return fmt::format("{}", rawValue(one)); }
     template <class Value>
     std::optional<std::string> word(const std::optional<Value>& value) const {
         return value ? word(*value) : std::nullopt;

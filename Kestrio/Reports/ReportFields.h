@@ -177,6 +177,8 @@ struct AnyVisitor {
 
 /// A record of the report, of which the fields are told.
 template <class Type>
-concept ReportRecord = requires(const Type& record) { visitFields(record, reportFields::AnyVisitor{}); };
+concept ReportRecord = requires(const Type& record) {
+    visitFields(record, reportFields::AnyVisitor{});
+};
 
 } // namespace kestrio

@@ -10,8 +10,8 @@ namespace {
 using JSON = nlohmann::ordered_json;
 
 template <class Value>
-    requires std::same_as<Value, std::string> || std::same_as<Value, std::int64_t> || std::same_as<Value, bool>
-JSON json(const Value& value) {
+requires std::same_as<Value, std::string> || std::same_as<Value, std::int64_t> || std::same_as<Value, bool>
+    JSON json(const Value& value) {
     return value;
 }
 
@@ -24,8 +24,7 @@ JSON json(Seconds seconds) {
 }
 
 template <class Case>
-    requires std::is_enum_v<Case>
-JSON json(Case one) {
+requires std::is_enum_v<Case> JSON json(Case one) {
     return rawValue(one);
 }
 

@@ -47,7 +47,7 @@ private:
 
     std::vector<Slot> slots_; // a power of two
     std::size_t spellings_ = 0;
-    std::vector<std::string_view> texts_;                           // by number
+    std::vector<std::string_view> texts_;                            // by number
     std::unordered_multimap<std::size_t, TextNumber> notPlainASCII_; // by the hash that equivalent texts share
     std::deque<std::string> kept_;
 };

@@ -19,9 +19,9 @@ ActivityCategory longestCategory(const CategoryTimes& times) {
 
 /// The title of the entry with the most time, or what can be said in its place.
 std::string headline(const TimelineBlock& block) {
-    const auto longest =
-        std::max_element(block.entries.begin(), block.entries.end(),
-                         [](const auto& a, const auto& b) { return a.active < b.active; }); // the earliest of equal ones
+    const auto longest = std::max_element(block.entries.begin(), block.entries.end(), [](const auto& a, const auto& b) {
+        return a.active < b.active;
+    }); // the earliest of equal ones
     if (longest == block.entries.end())
         return block.appName;
     return !longest->title.empty() ? longest->title : longest->domain.value_or(block.appName);

@@ -12,6 +12,12 @@ public:
     /// `gap`: sessions that are less than this apart belong together.
     explicit Timeline(Seconds gap) : gap_(gap) {}
 
+    /// Makes room for so many sessions at once.
+    void reserve(std::size_t sessions) {
+        blocks_.reserve(sessions);
+        entries_.reserve(sessions);
+    }
+
     /// Adds the session, which begins no earlier than the one before, with the numbers of its texts. It must stay where
     /// it is until the timeline is finished.
     void add(const ClassifiedSession& session, TextNumber bundleID, TextNumber title, TextNumber url);

@@ -1,8 +1,8 @@
 #include "Programs/CommandLine/Commands.h"
 
+#include "Kestrio/Base/Formatters.h"
 #include "Kestrio/Base/Text.h"
 #include "Kestrio/Model/ModelsJSON.h"
-#include "Kestrio/Shell/Formatters.h"
 #include "Kestrio/Shell/Settings.h"
 #include "Programs/Agent/Agent.h"
 #include "Programs/CommandLine/Moments.h"

@@ -1,4 +1,4 @@
-// What every command answers with.
+// What the programs of the command line end with.
 #pragma once
 
 namespace kestrio::exitStatus {

@@ -1,7 +1,8 @@
 #include "Programs/CommandLine/SessionTable.h"
 
+#include "Kestrio/Base/Formatters.h"
 #include "Kestrio/Base/Text.h"
-#include "Kestrio/Shell/Formatters.h"
+#include "Programs/CommandLine/Layout.h"
 
 #include <algorithm>
 #include <array>
@@ -23,37 +24,6 @@ constexpr std::size_t durationColumns = 7;
 /// A narrower terminal has no room for bars.
 constexpr std::size_t leastWidthForBars = 56;
 constexpr std::size_t clockColumns = 8;
-
-/// Seven shades that read on light and on dark grounds, from the 256 colours of terminals.
-constexpr std::array shades{33, 37, 98, 172, 167, 65, 139};
-
-class Painter {
-public:
-    explicit Painter(bool hasColour) : hasColour_(hasColour) {}
-
-    std::string dim(const std::string& text) const { return painted("2", text); }
-    std::string bold(const std::string& text) const { return painted("1", text); }
-    std::string shade(std::size_t index, const std::string& text) const {
-        return painted(fmt::format("38;5;{}", shades[index % shades.size()]), text);
-    }
-
-private:
-    std::string painted(const std::string& code, const std::string& text) const {
-        return hasColour_ && !text.empty() ? fmt::format("\x1B[{}m{}\x1B[0m", code, text) : text;
-    }
-
-    bool hasColour_;
-};
-
-std::string padded(const std::string& text, std::size_t columns) {
-    const auto used = text::columns(text);
-    return used < columns ? text + std::string(columns - used, ' ') : text;
-}
-
-std::string paddedLeft(const std::string& text, std::size_t columns) {
-    const auto used = text::columns(text);
-    return used < columns ? std::string(columns - used, ' ') + text : text;
-}
 
 /// A bar in eighths of a column. What lasted at all shows at least one eighth.
 std::string bar(double share) {
@@ -137,9 +107,8 @@ private:
             (session.kind == SessionKind::focus ? focused : alongside) += session.duration();
             applications.insert(session.bundleID);
         }
-        auto sum = fmt::format("{} focused in {} {}, {} {}", Fmt::duration(focused), sessions_.size(),
-                               sessions_.size() == 1 ? "session" : "sessions", applications.size(),
-                               applications.size() == 1 ? "application" : "applications");
+        auto sum = fmt::format("{} focused in {}, {}", Fmt::duration(focused), counted(sessions_.size(), "session"),
+                               counted(applications.size(), "application"));
         if (alongside >= Seconds(1))
             sum += fmt::format(", {} alongside", Fmt::duration(alongside));
         text_ += fmt::format("\n  {}\n", sum);

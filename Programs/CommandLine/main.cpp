@@ -1,4 +1,5 @@
 #include "Kestrio/Shell/AppInfo.h"
+#include "Programs/CommandLine/ClassificationCommands.h"
 #include "Programs/CommandLine/Commands.h"
 #include "Programs/CommandLine/SessionFiles.h"
 #include "Programs/StandardStreams.h"
@@ -16,6 +17,98 @@ void add(CLI::App& to, const char* name, const char* about, int& status, std::fu
     if (configure)
         configure(*command);
     command->callback([&status, run = std::move(run)] { status = run(); });
+}
+
+/// Where the options and arguments of the commands about categories and projects end up.
+struct ClassificationArguments {
+    bool json = false;
+    bool everything = false;
+    bool preview = false;
+    kestrio::CategoryTarget target;
+    std::string category;
+    kestrio::NewProjectRule rule;
+    std::int64_t number = 0;
+    std::int64_t to = 0;
+    kestrio::ExplainOptions explained;
+};
+
+void addCategories(CLI::App& app, ClassificationArguments& arguments, int& result) {
+    auto* categories = app.add_subcommand("categories", "What counts as work, learning, entertainment and so on");
+    categories->require_subcommand(1);
+    const auto withTarget = [&arguments](CLI::App& command) {
+        command.add_option("--app", arguments.target.app, "An application: its identifier, or its name on this host");
+        command.add_option("--site", arguments.target.site, "A site with all below it: a host, or a page's address");
+        command.add_flag("--preview", arguments.preview, "Only count the past sessions that would change");
+    };
+    add(
+        *categories, "list", "The categories that you set", result,
+        [&] { return kestrio::listCategories(arguments.everything, arguments.json); },
+        [&](CLI::App& command) {
+            command.add_flag("--all", arguments.everything, "The built-in ones too");
+            command.add_flag("--json", arguments.json, "Data for scripts");
+        });
+    add(
+        *categories, "set", "Set the category of an application or a site, for all that was ever recorded", result,
+        [&] { return kestrio::setCategory(arguments.target, arguments.category, arguments.preview); },
+        [&](CLI::App& command) {
+            command
+                .add_option("category", arguments.category,
+                            "development, work, learning, communication, entertainment, social or other")
+                ->required();
+            withTarget(command);
+        });
+    add(
+        *categories, "reset", "Back to the built-in category", result,
+        [&] { return kestrio::resetCategory(arguments.target, arguments.preview); }, withTarget);
+}
+
+void addProjects(CLI::App& app, ClassificationArguments& arguments, int& result) {
+    auto* projects = app.add_subcommand("projects", "Your rules for what belongs to which project");
+    projects->require_subcommand(1);
+    const auto withNumber = [&arguments](CLI::App& command) {
+        command.add_option("number", arguments.number, "The rule's number in the list")->required();
+    };
+    add(
+        *projects, "list", "Your rules; the first that matches decides", result,
+        [&] { return kestrio::listProjects(arguments.json); },
+        [&](CLI::App& command) { command.add_flag("--json", arguments.json, "Data for scripts"); });
+    add(
+        *projects, "add", "Put what holds a keyword into a project, for all that was ever recorded", result,
+        [&] { return kestrio::addProject(arguments.rule); },
+        [&](CLI::App& command) {
+            auto& rule = arguments.rule;
+            command.add_option("keyword", rule.keyword, "Part of a title, an address or a detected project")
+                ->required();
+            command.add_option("project", rule.project, "The project's name");
+            command.add_flag("--ignore", rule.ignore, "No project, whatever was detected");
+            command.add_option("--at", rule.at, "The new rule's number; the last unless said");
+            command.add_flag("--preview", rule.preview, "Only count the past sessions that would change");
+        });
+    add(
+        *projects, "move", "Give a rule another place in the list", result,
+        [&] { return kestrio::moveProject(arguments.number, arguments.to); },
+        [&](CLI::App& command) {
+            withNumber(command);
+            command.add_option("to", arguments.to, "Its new number")->required();
+        });
+    add(
+        *projects, "remove", "Take a rule out of the list", result,
+        [&] { return kestrio::removeProject(arguments.number); }, withNumber);
+}
+
+void addExplain(CLI::App& app, ClassificationArguments& arguments, int& result) {
+    add(
+        app, "explain", "Why something has its category and its project", result,
+        [&] { return kestrio::explain(arguments.explained); },
+        [&](CLI::App& command) {
+            auto& explained = arguments.explained;
+            command.add_option("--app", explained.app, "The application: its identifier, or its name on this host")
+                ->required();
+            command.add_option("--name", explained.name, "What the desktop calls it; looked up unless said");
+            command.add_option("--title", explained.title, "The title of its window or tab");
+            command.add_option("--url", explained.url, "The address of the page");
+            command.add_flag("--json", explained.json, "Data for scripts");
+        });
 }
 
 /// What was wrong with the words on the command line, and where to read on.
@@ -108,6 +201,11 @@ int main(int argc, char** argv) {
         });
     add(
         *settings, "reset", "Back to the built-in value", result, [&] { return kestrio::resetSetting(key); }, withKey);
+
+    ClassificationArguments classification;
+    addCategories(app, classification, result);
+    addProjects(app, classification, result);
+    addExplain(app, classification, result);
 
     try {
         app.parse(argc, argv);

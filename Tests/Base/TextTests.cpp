@@ -95,11 +95,14 @@ TEST(TextContains, ignoresCaseAndAccentsAsAsked) {
         {"İstanbul", "istanbul", false, true},
         {"ΣΊΣΥΦΟΣ", "σίσυφος", true, true},
         {"русский", "РУССКИЙ", true, true},
+        {"Cafe", "\u0301", false, false}, // nothing but an accent
+        {"Café", "\u0301", true, false},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(text::contains(row.text, row.needle, Ignoring::caseOnly), row.caseOnly) << row.text << row.needle;
         EXPECT_EQ(text::contains(row.text, row.needle, Ignoring::caseAndDiacritics), row.both)
             << row.text << row.needle;
+        EXPECT_EQ(text::FoldedText(row.text, Ignoring::caseAndDiacritics).contains(row.needle), row.both) << row.text;
     }
 }
 

@@ -43,23 +43,31 @@ private:
 
 constexpr std::array projects{"harbour", "lantern", "field-notes", "tidewater", "website", "dotfiles"};
 constexpr std::array folders{"Parser", "Store", "Views", "Sync", "Export", "Tests", "Model", "Layout"};
-constexpr std::array parts{"Reader", "Writer", "Cache", "Index", "Session", "Queue", "Palette", "Table", "Menu", "Clock"};
+constexpr std::array parts{"Reader", "Writer",  "Cache", "Index", "Session",
+                           "Queue",  "Palette", "Table", "Menu",  "Clock"};
 constexpr std::array endings{".cpp", ".h", ".md", ".qml", ".py"};
 constexpr std::array shellCommands{"ninja", "git log", "vim", "ctest", "less", "ssh build", "git rebase -i", "htop"};
 constexpr std::array channels{"general", "releases", "design", "random", "support", "field-notes", "coffee"};
 constexpr std::array people{"Ada", "Mirela", "Jonas", "Noor", "Chiara", "Émile", "Søren", "Yuki"};
-constexpr std::array subjects{"Minutes of Tuesday", "The offer, once more", "Re: dates for the review",
-                              "Invoice 2231", "A question about the export", "Your train on Friday"};
+constexpr std::array subjects{"Minutes of Tuesday", "The offer, once more",        "Re: dates for the review",
+                              "Invoice 2231",       "A question about the export", "Your train on Friday"};
 constexpr std::array documents{"Roadmap", "Notes of the week", "Reading list", "Interview questions", "Budget"};
 constexpr std::array questions{"sqlite wal checkpoint", "c++ string_view lifetime", "qml listview sections",
-                               "icu date skeleton", "best bread flour", "trains to trieste", "rainy day hikes",
-                               "cmake presets inherit", "how to descale a kettle", "x11 idle time"};
-constexpr std::array talks{"Rust in anger – a field report", "A history of tidal power",
-                           "CppCon: the allocator you already have", "Lo-fi beats for a rainy afternoon",
-                           "Baking sourdough, from the start", "Night train to Narvik, cab view",
-                           "What every chart hides", "Building a cabin, part seven", "The mathematics of knots"};
-constexpr std::array songs{"Harbour Lights", "Slow Tram", "Weather Report, Tomorrow", "Kites", "Blue Kettle",
-                           "North of Here", "Two Left Shoes", "The Long Corridor", "Ferry at Dusk", "Small Hours"};
+                               "icu date skeleton",     "best bread flour",         "trains to trieste",
+                               "rainy day hikes",       "cmake presets inherit",    "how to descale a kettle",
+                               "x11 idle time"};
+constexpr std::array talks{"Rust in anger – a field report",
+                           "A history of tidal power",
+                           "CppCon: the allocator you already have",
+                           "Lo-fi beats for a rainy afternoon",
+                           "Baking sourdough, from the start",
+                           "Night train to Narvik, cab view",
+                           "What every chart hides",
+                           "Building a cabin, part seven",
+                           "The mathematics of knots"};
+constexpr std::array songs{"Harbour Lights", "Slow Tram",     "Weather Report, Tomorrow", "Kites",
+                           "Blue Kettle",    "North of Here", "Two Left Shoes",           "The Long Corridor",
+                           "Ferry at Dusk",  "Small Hours"};
 constexpr std::array articles{"The last lighthouse keepers", "Why bridges hum", "A town without cars",
                               "How paper maps survived", "The quiet return of the night train"};
 
@@ -179,11 +187,10 @@ private:
     ActivitySample editor() {
         if (dice_.chance(0.3))
             file_ = dice_.favourite(folders.size() * parts.size() * endings.size());
-        const auto name = fmt::format("{}{}{}", folders[file_ % folders.size()],
-                                      parts[file_ / folders.size() % parts.size()],
-                                      endings[file_ / folders.size() / parts.size() % endings.size()]);
-        auto made =
-            sample("com.microsoft.VSCode", "Code", fmt::format("{} — {}", name, projects[project_]));
+        const auto name =
+            fmt::format("{}{}{}", folders[file_ % folders.size()], parts[file_ / folders.size() % parts.size()],
+                        endings[file_ / folders.size() / parts.size() % endings.size()]);
+        auto made = sample("com.microsoft.VSCode", "Code", fmt::format("{} — {}", name, projects[project_]));
         made.project = projects[project_];
         return made;
     }
@@ -246,8 +253,8 @@ private:
     void listen(Date start, Date end) {
         while (start < end) {
             const auto next = std::min(end, start + Seconds(dice_.uniform(150, 280)));
-            auto song = sample("com.spotify.client", "Spotify",
-                               fmt::format("{} – {}", dice_.one(people), dice_.one(songs)));
+            auto song =
+                sample("com.spotify.client", "Spotify", fmt::format("{} – {}", dice_.one(people), dice_.one(songs)));
             song.kind = SessionKind::listening;
             add(song, start, next);
             start = next;
@@ -287,9 +294,9 @@ bool writeHistory(const std::filesystem::path& file, const std::vector<ActivityS
     sqlite3_open(file.c_str(), &raw);
     const sqlite::Connection connection(raw);
     sqlite::Transaction transaction(raw);
-    sqlite::Statement insert(raw,
-                             "INSERT INTO sessions (start, end, bundle_id, app_name, title, url, domain, project, kind) "
-                             "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)");
+    sqlite::Statement insert(
+        raw, "INSERT INTO sessions (start, end, bundle_id, app_name, title, url, domain, project, kind) "
+             "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)");
     for (const auto& session : sessions) {
         insert.bind(1, session.start);
         insert.bind(2, session.end);

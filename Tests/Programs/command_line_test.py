@@ -26,7 +26,9 @@ BIN = pathlib.Path(sys.argv.pop(1)).resolve()
 DEADLINE = 20  # seconds; what is waited for takes less than three
 
 COMMANDS = ["record", "watch", "status", "sessions", "pause", "resume", "settings", "settings list", "settings get",
-            "settings set", "settings reset", "doctor", "export", "import"]
+            "settings set", "settings reset", "doctor", "categories", "categories list", "categories set",
+            "categories reset", "projects", "projects list", "projects add", "projects move", "projects remove", "explain",
+            "export", "import"]
 
 SESSION_KEYS = ["id", "start", "end", "bundleID", "appName", "title", "url", "domain", "project", "kind"]
 STATUS_KEYS = ["state", "pausedUntil", "live", "alongside", "unsaved", "isAccessibilityGranted", "version",
@@ -150,7 +152,15 @@ class Usage(Case):
             "settings set idleMinutes 0", "settings set idleMinutes -5", "settings set idleMinutes 1441",
             "settings set idleMinutes five", "settings set idleMinutes 99999999999999999999",
             "settings set showActivityLight maybe", "settings set appearanceMode pink", "settings set resourceDetail 2",
-            "settings set idleMinutes 5 6", "settings reset", "settings reset bogus", "doctor extra", "export",
+            "settings set idleMinutes 5 6", "settings reset", "settings reset bogus", "doctor extra",
+            "categories", "categories bogus", "categories list extra", "categories set", "categories set work",
+            "categories set fun --app a", "categories set work --app a --site b.org", "categories set work --site a/b",
+            "categories set work --site file:///a", "categories set work --site", "categories reset",
+            "categories reset work --app a", "projects", "projects add", "projects add kest", "projects add kest A B",
+            "projects add kest A --ignore", "projects add kest A --at 0", "projects add kest A --at 2",
+            "projects add kest A --at x", "projects move 1", "projects move 1 1", "projects remove", "projects remove 1",
+            "projects remove x", "projects remove -1", "explain", "explain --app", "explain --title x",
+            "export",
             "export --range today", "export -o", "export --range -o x", "export --range bogus -o x", "export extra -o x",
             "import", "import --bogus",
         ]
@@ -160,7 +170,10 @@ class Usage(Case):
                 self.assertEqual((ran.returncode, ran.stdout), (2, ""))
                 self.assert_one_line(ran.stderr)
         for arguments in (["pause", ""], ["sessions", "--from", ""], ["settings", "get", ""],
-                          ["settings", "get", "a\x1b[31m\nb"], ["pause", "x" * 10_000]):
+                          ["settings", "get", "a\x1b[31m\nb"], ["pause", "x" * 10_000],
+                          ["categories", "set", "a\x1b[31m\nb", "--app", "a"], ["categories", "set", "work", "--app", " "],
+                          ["categories", "set", "work", "--site", "a\x1b\nb"], ["projects", "add", " ", "A"],
+                          ["projects", "add", "kest", " "], ["projects", "add", b"\xff", "A"], ["explain", "--app", ""]):
             with self.subTest(arguments):
                 ran = self.run_ctl(*arguments)
                 self.assertEqual((ran.returncode, ran.stdout), (2, ""))
@@ -280,9 +293,145 @@ class Settings(Case):
         self.assertEqual(tree(self.home), before)
 
 
+class Classification(Case):
+    def record(self):
+        self.record_nothing()
+        with sqlite3.connect(self.database) as connection:
+            for start, length, app, title, domain, project in [
+                    (0, 3600, "com.microsoft.VSCode", "main.cpp — kestrio", None, "kestrio"),
+                    (4000, 1800, "org.mozilla.firefox", "Café", "docs.example.org", None),
+                    (90 * 86400, 600, "org.mozilla.firefox", "News", "example.org", None),
+                    (91 * 86400, 60, "org.mozilla.firefox", "Search", "google.com", None)]:
+                connection.execute(
+                    "INSERT INTO sessions (start, end, bundle_id, app_name, title, domain, project) "
+                    "VALUES (?, ?, ?, 'A', ?, ?, ?)",
+                    (NOON + start, NOON + start + length, app, title, domain, project))
+        connection.close()
+
+    def categories(self):
+        rows = json.loads(self.ctl("categories", "list", "--json"))
+        return {row["name"]: row["category"] for row in rows}
+
+    def projects(self):
+        return [(rule["keyword"], rule["project"]) for rule in json.loads(self.ctl("projects", "list", "--json"))]
+
+    def test_categories_are_set_listed_and_put_back(self):
+        ran = self.run_ctl("categories", "list")
+        self.assertEqual((ran.returncode, ran.stdout), (0, ""))
+        self.assert_one_line(ran.stderr)
+        self.assertEqual(self.ctl("categories", "set", "work", "--site", " https://www.Example.org/page "),
+                         "example.org counts as Work & Docs now; before, it was Other.\n")
+        self.assertEqual(self.ctl("categories", "set", "Social media", "--app", "code"),
+                         "com.microsoft.VSCode counts as Social Media now; before, it was Development.\n")
+        self.assertEqual(self.categories(), {"com.microsoft.VSCode": "social", "example.org": "work"})
+        self.assertRegex(self.ctl("categories", "list"),
+                         r"(?m)^  • com\.microsoft\.VSCode  Social Media  otherwise Development$")
+        self.assertEqual(self.ctl("categories", "reset", "--app", "com.microsoft.VSCode"),
+                         "com.microsoft.VSCode counts as Development now; before, it was Social Media.\n")
+        self.assertEqual(self.categories(), {"example.org": "work"})
+        self.ctl("categories", "reset", "--app", "nobody.knows")
+        self.assertEqual(len(json.loads(self.ctl("categories", "list", "--all", "--json"))), 103 + 251 + 1)
+
+    def test_a_preview_counts_and_stores_nothing(self):
+        self.record()
+        self.ctl("categories", "set", "social", "--app", "a")
+        settings = self.home / "config" / "Kestrio" / "settings.json"
+        before = settings.read_bytes()
+        rest = "\n  Nothing was changed; without --preview it will be.\n"
+        self.assertEqual(self.ctl("categories", "set", "work", "--site", "example.org", "--preview"),
+                         "  2 sessions would change: 40m\n\n"
+                         "  Other → Work & Docs  2 sessions  40m\n" + rest)
+        self.assertEqual(self.ctl("categories", "set", "development", "--app", "code", "--preview"),
+                         "  No recorded session would change.\n" + rest)
+        self.assertEqual(self.ctl("categories", "reset", "--app", "a", "--preview"),
+                         "  No recorded session would change.\n" + rest)
+        self.assertEqual(self.ctl("projects", "add", "cafe", "Reading", "--preview"),
+                         "  1 session would change: 30m\n\n"
+                         "  no project → Reading  1 session  30m\n" + rest)
+        self.assertEqual(self.ctl("projects", "add", "kest", "--ignore", "--preview"),
+                         "  1 session would change: 1h\n\n"
+                         "  kestrio → no project  1 session  1h\n" + rest)
+        self.assertEqual(settings.read_bytes(), before)
+
+    def test_a_preview_without_recordings_makes_no_files(self):
+        self.assertIn("No recorded session", self.ctl("categories", "set", "work", "--app", "a", "--preview"))
+        self.assertFalse(self.home.exists())
+
+    def test_rules_keep_their_order(self):
+        self.ctl("projects", "add", "one", "A")
+        self.ctl("projects", "add", "two", "B")
+        self.ctl("projects", "add", "three", "--ignore", "--at", "1")
+        self.assertEqual(self.projects(), [("three", ""), ("one", "A"), ("two", "B")])
+        self.ctl("projects", "move", "3", "1")
+        self.assertEqual(self.projects(), [("two", "B"), ("three", ""), ("one", "A")])
+        self.ctl("projects", "move", "1", "3")
+        self.assertEqual(self.projects(), [("three", ""), ("one", "A"), ("two", "B")])
+        self.ctl("projects", "remove", "2")
+        self.assertEqual(self.projects(), [("three", ""), ("two", "B")])
+        for number in ("0", "3", "-1"):
+            ran = self.run_ctl("projects", "remove", "--", number)
+            self.assertEqual((ran.returncode, ran.stdout), (2, ""))
+            self.assert_one_line(ran.stderr)
+        ran = self.run_ctl("projects", "move", "1", "3")
+        self.assertEqual((ran.returncode, ran.stderr),
+                         (2, "kestrioctl: there is no rule 3; they go from 1 to 2. See: kestrioctl projects list\n"))
+
+    def test_a_rule_that_is_never_asked_is_said(self):
+        self.ctl("projects", "add", "Kest", "A")
+        ran = self.run_ctl("projects", "add", "kestrel", "B")
+        self.assertEqual(ran.returncode, 0)
+        self.assert_one_line(ran.stderr)
+        self.assertIn('rule 1 ("Kest") comes first', ran.stderr)
+        self.assertEqual(self.run_ctl("projects", "add", "kestrel", "B", "--at", "1").stderr, "")
+
+    def test_rules_that_cannot_be_read_are_left_alone(self):
+        self.ctl("settings", "set", "projectRules", '[{"keyword": "a"}]')
+        before = tree(self.home)
+        for command in ("projects list", "projects add a B", "projects move 1 1", "projects remove 1"):
+            with self.subTest(command):
+                ran = self.run_ctl(*command.split())
+                self.assertEqual(ran.returncode, 1)
+                self.assert_one_line(ran.stderr)
+                self.assertEqual(tree(self.home), before)
+        self.assertEqual(json.loads(self.ctl("projects", "list", "--json", status=1)), [])
+
+    def test_an_explanation_follows_the_choices(self):
+        self.ctl("projects", "add", "kest", "Tindra")
+        text = self.ctl("explain", "--app", "code", "--name", "Visual Studio Code", "--title",
+                        "main.cpp - kestrio - Visual Studio Code")
+        self.assertIn("  Category     Development\n    your choice for the application → –\n", text)
+        self.assertIn('  Project      Tindra\n    the title read with the file before the project → kestrio\n'
+                      '    your rule 1, "kest" in the title → Tindra\n', text)
+        found = json.loads(self.ctl("explain", "--app", "firefox", "--url", "https://docs.google.com/kest", "--json"))
+        self.assertEqual((found["bundleID"], found["domain"], found["category"], found["project"]),
+                         ("org.mozilla.firefox", "docs.google.com", "work", "Tindra"))
+        self.assertEqual(found["rule"], {"number": 1, "keyword": "kest", "project": "Tindra", "where": "url"})
+
+    def test_a_damaged_database_is_said(self):
+        self.database.parent.mkdir(parents=True)
+        self.database.write_bytes(b"This is no database, however you look at it. " * 100)
+        ran = self.run_ctl("categories", "set", "work", "--app", "a", "--preview")
+        self.assertEqual((ran.returncode, ran.stdout), (1, ""))
+        self.assert_one_line(ran.stderr)
+
+    def test_what_cannot_be_stored_is_a_failure(self):
+        self.ctl("settings", "set", "idleMinutes", "5")
+        folder = self.home / "config" / "Kestrio"
+        shutil.rmtree(folder)
+        folder.write_text("in the way")
+        for command in ("categories set work --app a", "projects add kest A"):
+            with self.subTest(command):
+                ran = self.run_ctl(*command.split())
+                self.assertEqual((ran.returncode, ran.stdout), (1, ""))
+                self.assertNotEqual(ran.stderr, "")
+
+
 class Files(Case):
     READING = ["status", "status --json", "sessions", "sessions --json", "settings list", "settings list --json",
-               "settings get idleMinutes", "doctor", "doctor --json", "watch", "resume", "pause"]
+               "settings get idleMinutes", "doctor", "doctor --json", "watch", "resume", "pause",
+               "categories list", "categories list --all --json", "projects list", "projects list --json",
+               "explain --app code --title x", "categories set work --app code --preview",
+               "projects add kest A --preview"]
 
     def test_reading_makes_no_files(self):
         for command in self.READING:
@@ -693,6 +842,12 @@ class OnADesktop(Case):
         self.assertEqual(last["title"], "First")
         self.assertTrue(before <= last["end"] <= time.time())
         self.ctl("status", status=1)
+
+    def test_a_session_carries_the_project_that_its_title_names(self):
+        self.start_agent()
+        self.start("xterm", "-T", "alice@walrus: ~/work/kestrio", "-e", "sleep 1000")
+        self.until_front("alice@walrus: ~/work/kestrio")
+        self.assertEqual(self.status()["live"]["sample"]["project"], "kestrio")
 
     def test_recording_in_the_foreground_needs_no_bus(self):
         self.open_window("First")
