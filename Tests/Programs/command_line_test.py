@@ -28,7 +28,7 @@ DEADLINE = 20  # seconds; what is waited for takes less than three
 COMMANDS = ["record", "watch", "status", "sessions", "pause", "resume", "settings", "settings list", "settings get",
             "settings set", "settings reset", "doctor", "categories", "categories list", "categories set",
             "categories reset", "projects", "projects list", "projects add", "projects move", "projects remove", "explain",
-            "export", "import", "top", "machine", "disk-test"]
+            "report", "export", "import", "top", "machine", "disk-test"]
 
 SESSION_KEYS = ["id", "start", "end", "bundleID", "appName", "title", "url", "domain", "project", "kind"]
 STATUS_KEYS = ["state", "pausedUntil", "live", "alongside", "unsaved", "isAccessibilityGranted", "version",
