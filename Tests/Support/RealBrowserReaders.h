@@ -39,8 +39,9 @@ struct RealBrowserReaders {
                                                     processEnvironment("XDG_RUNTIME_DIR").value_or("")};
     AccessibilityBrowserReader accessibility;
     TitledBrowserReader titled{titledWindows(windows, applicationOf)};
-    TitledBrowserReader titledBehindAccessibility{
-        titledWindows(windows, applicationOf), [this](const std::string& id) { return !accessibility.isReadable(id); }};
+    TitledBrowserReader titledBehindAccessibility{titledWindows(windows, applicationOf), [this](const std::string& id) {
+                                                      return !accessibility.knowsPrivacy(id);
+                                                  }};
     PreferringBrowserReader chain{{{accessibility}, {titledBehindAccessibility}}};
 };
 

@@ -40,6 +40,11 @@ bool AccessibilityBrowserReader::isReadable(const std::string& bundleIdentifier)
     return found != memories_.end() && found->second.isReadable;
 }
 
+bool AccessibilityBrowserReader::knowsPrivacy(const std::string& bundleIdentifier) const {
+    const auto found = memories_.find(bundleIdentifier);
+    return found != memories_.end() && found->second.isFrontKnown;
+}
+
 const BrowserFrame* AccessibilityBrowserReader::View::frame(const AccessibleObject& object) const {
     const auto found =
         std::find_if(frames.begin(), frames.end(), [&](const BrowserFrame& each) { return each.object == object; });
@@ -95,7 +100,7 @@ void AccessibilityBrowserReader::forgetWhatIsGone(const View& view) const {
     };
     if (!view.windows.empty()) { // an answer that did not come says nothing
         std::erase_if(memory.frameOfWindow, [&](const auto& entry) { return !isThere(entry.first); });
-        std::erase_if(memory.privateWindows, [&](std::uint32_t id) { return !isThere(id); });
+        std::erase_if(memory.isPrivateWindow, [&](const auto& entry) { return !isThere(entry.first); });
     }
     if (!view.frames.empty())
         std::erase_if(memory.frames, [&](const auto& entry) { return !view.frame(entry.first); });
@@ -170,15 +175,16 @@ const BrowserFrame* AccessibilityBrowserReader::theOne(const std::vector<const B
 /// Which of them it is cannot be said: if one of them is private, that is what it may be.
 AccessibilityBrowserReader::Found
 AccessibilityBrowserReader::amongSeveral(const View& view, const std::vector<const BrowserFrame*>& candidates) {
-    return {nullptr, std::any_of(candidates.begin(), candidates.end(),
-                                 [&](const BrowserFrame* frame) { return isPrivate(view, *frame); })};
+    const bool isOnePrivate = std::any_of(candidates.begin(), candidates.end(),
+                                          [&](const BrowserFrame* frame) { return isPrivate(view, *frame); });
+    return {nullptr, isOnePrivate, !candidates.empty()};
 }
 
 AccessibilityBrowserReader::Found AccessibilityBrowserReader::withPrivacy(View& view, const BrowserFrame* frame,
                                                                           const TitledWindow* window) {
-    const Found found{frame, isPrivate(view, *frame)};
-    if (window && found.isPrivate)
-        view.memory.privateWindows.insert(window->id);
+    const Found found{frame, isPrivate(view, *frame), true};
+    if (window)
+        view.memory.isPrivateWindow[window->id] = found.isPrivate;
     return found;
 }
 
@@ -187,8 +193,10 @@ AccessibilityBrowserReader::Found AccessibilityBrowserReader::frameOf(View& view
     if (const auto known = learned.find(window.id); known != learned.end())
         if (const auto* frame = view.frame(known->second))
             return withPrivacy(view, frame, &window);
-    if (view.memory.privateWindows.contains(window.id))
-        return {nullptr, true};
+    if (view.frames.empty()) { // it does not answer: what was known of the window still holds
+        const auto known = view.memory.isPrivateWindow.find(window.id);
+        return known == view.memory.isPrivateWindow.end() ? Found() : Found{nullptr, known->second, true};
+    }
     const auto frames = possible(view, window);
     const auto candidates = named(frames, window);
     // None with a name that is just changing, and for what is no browser's window: a dialog.
@@ -220,6 +228,7 @@ BrowserAnswer AccessibilityBrowserReader::frontTab(const std::string& bundleIden
     if (!seen)
         return std::string();
     const auto found = front(*seen);
+    seen->memory.isFrontKnown = found.isKnown;
     if (found.isPrivate)
         return privateTabText();
     if (!found.frame)

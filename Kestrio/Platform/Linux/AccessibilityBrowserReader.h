@@ -56,8 +56,12 @@ public:
     /// the moment, because it is covered, is told by its tabs. Bounds are zero without a window system that knows them.
     BrowserAnswer windows(const std::string& bundleIdentifier) override;
 
-    /// Whether the browser let its pages be read when it was last asked. Asks nothing.
+    /// Whether the browser has let its pages be read since it runs. Asks nothing.
     bool isReadable(const std::string& bundleIdentifier) const;
+
+    /// Whether the last answer to `frontTab` was given knowing whether the window is private; an empty text then means
+    /// that it is an ordinary one. Asks nothing.
+    bool knowsPrivacy(const std::string& bundleIdentifier) const;
 
 private:
     struct Watched {
@@ -70,12 +74,14 @@ private:
         std::map<AccessibleObject, Watched> frames;
         VisitedPages visited;
         std::map<std::uint32_t, AccessibleObject> frameOfWindow; // where it was certain once
-        std::set<std::uint32_t> privateWindows;
+        std::map<std::uint32_t, bool> isPrivateWindow;
+        bool isFrontKnown = false;
     };
-    /// Which frame a window is, or the front one. Private without a frame means that it may be one that is.
+    /// Which frame a window is, or the front one. Private without a frame means that it is or may be one that is.
     struct Found {
         const BrowserFrame* frame = nullptr;
         bool isPrivate = false;
+        bool isKnown = false; // whether it is private
     };
     /// All that is known of a browser at one question.
     struct View {

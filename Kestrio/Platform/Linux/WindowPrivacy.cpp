@@ -47,9 +47,12 @@ constexpr std::array privateWords{
     std::string_view("ιδιωτική περιήγηση"),
 };
 
+/// Edge's mark, in titles and in the names of frames.
+constexpr std::string_view inPrivate = "[InPrivate]";
+
 /// In the titles of browsers that are made from Chromium.
 constexpr std::array chromiumMarks{
-    std::string_view("[InPrivate]"),
+    inPrivate,
     std::string_view("(Incognito)"),
     std::string_view("(InPrivate)"),
     std::string_view("(Private)"),
@@ -125,7 +128,7 @@ WindowPrivacy privacyOfTitle(std::string_view title, std::string_view bundleIden
 }
 
 bool isPrivateFrame(std::string_view name, std::string_view applicationName, const std::vector<std::string>& titles) {
-    if (privacyOfChromiumTitle(name) == WindowPrivacy::isPrivate && name.find("[InPrivate]") != std::string_view::npos)
+    if (name.find(inPrivate) != std::string_view::npos)
         return true;
     if (!endsInBracket(name))
         return false;

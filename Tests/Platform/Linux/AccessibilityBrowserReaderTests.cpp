@@ -98,6 +98,9 @@ struct AccessibilityBrowserReaderTest : testing::Test {
     std::string allWindows() {
         return std::get<std::string>(queue.sync([this] { return reader->windows(id); }));
     }
+    bool knowsPrivacy() {
+        return queue.sync([this] { return reader->knowsPrivacy(id); });
+    }
     bool isReadable() {
         return queue.sync([this] { return reader->isReadable(id); });
     }
@@ -346,6 +349,34 @@ TEST_F(AccessibilityBrowserReaderTest, aPrivateWindowOfAStoppedBrowserIsPrivateS
     EXPECT_EQ(front(), privateTab);
     EXPECT_EQ(front(), privateTab);
     browser->pause(false);
+}
+
+TEST_F(AccessibilityBrowserReaderTest, anEmptyAnswerSaysWhetherTheWindowIsKnownToBeOrdinary) {
+    EXPECT_FALSE(knowsPrivacy());
+    show({page(1)});
+    windows = {{{1, getpid(), "Page 1 - Chromium", {}, {}, true}}};
+    edit(0, [](auto& frame) { frame.hasDocument = false; });
+    EXPECT_EQ(front(), "");
+    EXPECT_TRUE(knowsPrivacy()) << "by the frame's name, though it has no page";
+    browser->pause(true);
+    EXPECT_EQ(front(), "");
+    EXPECT_TRUE(knowsPrivacy()) << "as before it was stopped";
+    windows->front().id = 2;
+    EXPECT_EQ(front(), "");
+    EXPECT_FALSE(knowsPrivacy()) << "another window, and nobody to ask";
+    browser->pause(false);
+    registry->list({});
+    EXPECT_EQ(front(), "");
+    EXPECT_FALSE(knowsPrivacy()) << "it is gone";
+}
+
+TEST_F(AccessibilityBrowserReaderTest, aNewWindowWithTheNumberOfAPrivateOneIsLookedAtAnew) {
+    show({incognito(1)});
+    windows = {{{1, getpid(), "Page 1 - Chromium", {}, {}, true}}};
+    ASSERT_EQ(front(), privateTab);
+    edit(0, [](auto& frame) { frame = page(2); });
+    windows->front().title = "Page 2 - Chromium";
+    EXPECT_EQ(front(), tabOf(2));
 }
 
 TEST_F(AccessibilityBrowserReaderTest, aStoppedRegistryHoldsNobodyTwice) {
