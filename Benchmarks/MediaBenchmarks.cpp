@@ -23,7 +23,7 @@ constexpr int windowCount = 30;
 
 /// The owners of this host, with no window system behind them.
 struct Owners {
-    const SystemClock clock;
+    const SystemClock clock{};
     DesktopEntries entries{applicationFolders(processEnvironment), "en_US", clock};
     ApplicationIdentity identity{entries, IdentityCatalogue::builtIn()};
     ScriptedWorkspace workspace;
@@ -107,7 +107,7 @@ void withADisplay(benchmark::State& state, Ask ask) {
         return;
     }
     const Desktop desktop(*display);
-    const SystemClock clock;
+    const SystemClock clock{};
     MainQueue queue;
     X11Connection connection(queue, clock, *display);
     X11Windows windows(connection);
