@@ -14,12 +14,12 @@ namespace kestrio {
 
 /// As typed. At most one of the day, the week, the month and the free range.
 struct ReportOptions {
-    std::optional<std::string> day;
-    std::optional<std::string> week;
-    std::optional<std::string> month;
-    std::optional<std::string> from;
-    std::optional<std::string> to;
-    std::optional<std::string> section;
+    std::optional<std::string> day = {};
+    std::optional<std::string> week = {};
+    std::optional<std::string> month = {};
+    std::optional<std::string> from = {};
+    std::optional<std::string> to = {};
+    std::optional<std::string> section = {};
     bool json = false;
 };
 

@@ -32,6 +32,12 @@ struct Row {
     std::vector<UsageItem> items = {}; // quiet lines below it
 };
 
+struct List {
+    const char* title;
+    std::vector<Row> rows;
+    Seconds full{}; // what a whole bar stands for
+};
+
 std::string joined(const std::vector<std::string>& texts, const char* separator) {
     std::string all;
     for (const auto& text : texts)
@@ -40,9 +46,9 @@ std::string joined(const std::vector<std::string>& texts, const char* separator)
     return all;
 }
 
-template <class List>
-List first(std::size_t count, const List& list) {
-    return List(list.begin(), list.begin() + static_cast<std::ptrdiff_t>(std::min(count, list.size())));
+template <class Element>
+std::vector<Element> first(std::size_t count, const std::vector<Element>& list) {
+    return std::vector<Element>(list.begin(), list.begin() + static_cast<std::ptrdiff_t>(std::min(count, list.size())));
 }
 
 class Page {
@@ -56,11 +62,7 @@ public:
           width_(std::max(style.width, leastWidth)) {}
 
     std::string text(const ReportHeading& heading, ReportSection section) {
-        line(paint_.bold(fitted(heading.title, width_ - 2)) +
-             (heading.subtitle == heading.title || heading.subtitle.empty()
-                  ? ""
-                  : "   " + paint_.dim(fitted(heading.subtitle,
-                                              width_ - 5 - std::min(width_ - 5, text::columns(heading.title))))));
+        addHeading(heading);
         switch (section) {
         case ReportSection::overview: addOverview(); break;
         case ReportSection::apps: addApps(report_.apps.size(), details); break;
@@ -69,10 +71,18 @@ public:
         case ReportSection::projects: addProjects(report_.projects.size(), details); break;
         case ReportSection::timeline: addTimeline(); break;
         }
+        addLists();
         return std::move(text_);
     }
 
 private:
+    void addHeading(const ReportHeading& heading) {
+        const auto title = fitted(heading.title, width_ - 2);
+        const auto used = 2 + text::columns(title) + 3;
+        const auto subtitle = width_ > used ? fitted(heading.subtitle, width_ - used) : "";
+        line(paint_.bold(title) + (subtitle.empty() ? "" : "   " + paint_.dim(subtitle)));
+    }
+
     void addOverview() {
         text_ += '\n';
         addFigures();
@@ -137,10 +147,8 @@ private:
             auto items = first(itemCount, app.items);
             if (items.empty())
                 items = first(itemCount, app.alongsideItems);
-            const auto more =
-                itemCount > 0
-                    ? joined({std::string(label(app.category)), counted(app.visits, "visit"), split(app)}, " · ")
-                    : splitOrFirst(app, app.items);
+            const auto more = itemCount > 0 ? joined({std::string(label(app.category)), visits(app), split(app)}, " · ")
+                                            : splitOrFirst(app, app.items);
             rows.push_back({app.name, app.duration + app.alongside, color(app.category), more, std::move(items)});
         }
         addRows(itemCount > 0 ? "Apps" : "Top apps", rows, longest(report_.apps));
@@ -149,10 +157,9 @@ private:
     void addWebsites(std::size_t count, std::size_t itemCount) {
         std::vector<Row> rows;
         for (const auto& site : first(count, report_.domains)) {
-            const auto more =
-                itemCount > 0
-                    ? joined({std::string(label(site.category)), counted(site.visits, "visit"), split(site)}, " · ")
-                    : splitOrFirst(site, site.pages);
+            const auto more = itemCount > 0
+                                  ? joined({std::string(label(site.category)), visits(site), split(site)}, " · ")
+                                  : splitOrFirst(site, site.pages);
             rows.push_back({site.domain, site.duration + site.alongside, color(site.category), more,
                             first(itemCount, site.pages)});
         }
@@ -242,29 +249,33 @@ private:
 
     // The shapes.
 
-    void addRows(const char* title, const std::vector<Row>& rows, Seconds full) {
-        if (rows.empty())
-            return;
-        text_ += '\n';
-        line(paint_.bold(title));
-        std::size_t nameColumns = 0;
+    /// The lists stand below everything else, and share their columns.
+    void addRows(const char* title, std::vector<Row> rows, Seconds full) {
+        if (!rows.empty())
+            lists_.push_back({title, std::move(rows), full});
+    }
+
+    void addLists() {
+        std::size_t nameColumns = 12;
         const auto limit = std::min(mostNameColumns, width_ / 3);
-        for (const auto& row : rows)
-            nameColumns = std::max(nameColumns, text::columns(fitted(row.name, limit)));
-        for (const auto& row : rows) {
-            addRow(row, full, nameColumns);
-            for (const auto& item : row.items)
-                addItem(item);
+        for (const auto& list : lists_)
+            for (const auto& row : list.rows)
+                nameColumns = std::max(nameColumns, text::columns(fitted(row.name, limit)));
+        for (const auto& list : lists_) {
+            text_ += '\n';
+            line(paint_.bold(list.title));
+            for (const auto& row : list.rows) {
+                addRow(row, list.full, nameColumns);
+                for (const auto& item : row.items)
+                    addItem(item, nameColumns);
+            }
         }
     }
 
     void addRow(const Row& row, Seconds full, std::size_t nameColumns) {
-        auto columns = barColumns(nameColumns);
-        std::string bars;
-        if (columns > 0)
-            bars = paint_.colour(row.color, bar(full > Seconds(0) ? row.time / full : 0, columns)) + "  ";
-        else
-            columns = 0;
+        const auto columns = barColumns(nameColumns);
+        const auto bars =
+            columns > 0 ? paint_.colour(row.color, bar(full > Seconds(0) ? row.time / full : 0, columns)) + "  " : "";
         const auto used = 2 + nameColumns + 2 + (columns > 0 ? columns + 2 : 0) + durationColumns + 2;
         const auto room = width_ > used ? width_ - used : 0;
         const auto more = room < leastDetailColumns ? "" : fitted(row.more, room);
@@ -279,10 +290,13 @@ private:
         return std::min(mostBarColumns, (width_ - nameColumns) / 3);
     }
 
-    void addItem(const UsageItem& item) {
-        const auto room = width_ - 4 - durationColumns - 2;
-        line("  " +
-             paint_.dim(paddedLeft(Fmt::duration(item.duration), durationColumns) + "  " + fitted(item.title, room)));
+    /// Quietly below its row, with the time in the row's column.
+    void addItem(const UsageItem& item, std::size_t nameColumns) {
+        constexpr std::size_t indent = 2;
+        const auto bars = barColumns(nameColumns);
+        const auto room = nameColumns + (bars > 0 ? bars + 2 : 0) - indent;
+        line(paint_.dim(std::string(indent, ' ') + padded(fitted(item.title, room), room) + "  " +
+                        paddedLeft(Fmt::duration(item.duration), durationColumns)));
     }
 
     /// A line with the margin, without blanks at its end.
@@ -299,6 +313,12 @@ private:
 
     static std::string counted(auto count, const char* noun) {
         return kestrio::counted(static_cast<std::size_t>(count), noun);
+    }
+
+    /// Nothing for what only ran alongside.
+    template <class Usage>
+    static std::string visits(const Usage& usage) {
+        return usage.visits > 0 ? counted(usage.visits, "visit") : "";
     }
 
     template <class Usage>
@@ -325,6 +345,7 @@ private:
     const Painter paint_;
     const std::size_t width_;
     std::string text_;
+    std::vector<List> lists_;
 };
 
 } // namespace
