@@ -219,6 +219,8 @@ TEST(LiveScan, chargesTheHelpersOfAnApplicationToIt) {
     EXPECT_EQ(found.bundleID, "painter");
     EXPECT_EQ(found.appPath, program.string());
     EXPECT_EQ(found.processes.front().pid, painter.process());
+    for (const auto& process : found.processes)
+        kill(process.pid, SIGKILL); // its helpers would outlive it
 }
 
 TEST(LiveScan, leavesOutAChildThatHasEnded) {
