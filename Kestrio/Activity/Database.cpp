@@ -1,6 +1,5 @@
 #include "Kestrio/Activity/Database.h"
 
-#include "Kestrio/Base/Files.h"
 #include "Kestrio/Base/Log.h"
 #include "Kestrio/Base/Text.h"
 
@@ -10,9 +9,6 @@ namespace {
 namespace fs = std::filesystem;
 using sqlite::Statement;
 using sqlite::Step;
-
-/// How long a statement waits for another connection's lock.
-constexpr int busyTimeoutMilliseconds = 3000;
 
 /// A session that began this long before a range can still be found reaching into it, without giving up the index.
 constexpr Seconds reachBack{43'200};
@@ -69,16 +65,10 @@ fs::path Database::directory(const fs::path& base) {
 }
 
 Database::Database(const fs::path& file, Queue& queue, Access access) : file_(file), queue_(queue) {
-    if (access == Access::readWrite) {
-        if (const auto error = makePrivateFolder(file.parent_path()))
-            throw DatabaseError::open(file.parent_path().string() + ": " + error.message());
-        if (const auto error = makePrivateFile(file)) // SQLite gives its sidecars the mode of the file
-            throw DatabaseError::open(file.string() + ": " + error.message());
-    }
     std::exception_ptr failure;
     queue_.sync([&] {
         try {
-            openConnection(access);
+            connection_ = openDatabaseFile(file_, access);
             if (access == Access::readWrite)
                 migrate();
             else
@@ -92,40 +82,19 @@ Database::Database(const fs::path& file, Queue& queue, Access access) : file_(fi
         std::rethrow_exception(failure);
 }
 
-void Database::openConnection(Access access) {
-    const int flags = access == Access::readWrite ? SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE : SQLITE_OPEN_READONLY;
-    sqlite3* raw = nullptr;
-    const int result = sqlite3_open_v2(file_.c_str(), &raw, flags | SQLITE_OPEN_FULLMUTEX, nullptr);
-    connection_.reset(raw);
-    if (result != SQLITE_OK)
-        throw DatabaseError::open(sqlite::errorMessage(raw));
-    sqlite3_busy_timeout(raw, busyTimeoutMilliseconds);
-}
-
 void Database::check() {
     // Opening alone looks at nothing; a file that is no database would read as an empty one.
-    if (const auto error = sqlite::execute(connection_.get(), "SELECT kind FROM sessions LIMIT 0"))
-        throw DatabaseError::execute(*error);
+    executeOrThrow(connection_.get(), "SELECT kind FROM sessions LIMIT 0");
 }
 
 void Database::migrate() {
     for (const char* sql : {"PRAGMA journal_mode = WAL", "PRAGMA synchronous = NORMAL", schema})
-        if (const auto error = sqlite::execute(connection_.get(), sql))
-            throw DatabaseError::execute(*error);
+        executeOrThrow(connection_.get(), sql);
     // A file from before there were kinds: all its rows are focus rows.
-    if (!columns("sessions").contains("kind"))
+    if (!tableColumns(connection_.get(), "sessions").contains("kind"))
         if (const auto error =
                 sqlite::execute(connection_.get(), "ALTER TABLE sessions ADD COLUMN kind INTEGER NOT NULL DEFAULT 0"))
             logSQLError(*error);
-}
-
-std::set<std::string> Database::columns(const std::string& table) {
-    std::set<std::string> names;
-    auto statement = prepare("PRAGMA table_info(" + table + ")");
-    while (statement.step() == Step::row)
-        if (auto name = statement.text(1))
-            names.insert(std::move(*name));
-    return names;
 }
 
 Statement Database::prepare(std::string_view sql) {
@@ -233,14 +202,7 @@ std::optional<Date> Database::earliestStart() {
 }
 
 std::int64_t Database::fileSize() {
-    std::int64_t bytes = 0;
-    for (const char* suffix : {"", "-wal", "-shm"}) {
-        std::error_code error;
-        const auto size = fs::file_size(file_.string() + suffix, error);
-        if (!error)
-            bytes += static_cast<std::int64_t>(size);
-    }
-    return bytes;
+    return databaseFileSize(file_);
 }
 
 std::vector<NamedTotal> Database::totals(const char* sql, std::int32_t limit) {

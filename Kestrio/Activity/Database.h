@@ -6,27 +6,13 @@
 #pragma once
 
 #include "Kestrio/Activity/SessionStore.h"
+#include "Kestrio/Base/DatabaseFile.h"
 #include "Kestrio/Base/Queue.h"
-#include "Kestrio/Base/Sqlite.h"
 
 #include <filesystem>
-#include <set>
-#include <stdexcept>
 #include <vector>
 
 namespace kestrio {
-
-/// Thrown at opening alone.
-class DatabaseError : public std::runtime_error {
-public:
-    static DatabaseError open(const std::string& message) {
-        return DatabaseError("Could not open database: " + message);
-    }
-    static DatabaseError execute(const std::string& message) { return DatabaseError("Database error: " + message); }
-
-private:
-    using std::runtime_error::runtime_error;
-};
 
 /// The time spent on one application or site, over all kinds of session together.
 struct NamedTotal {
@@ -39,10 +25,7 @@ struct NamedTotal {
 
 class Database final : public SessionStore {
 public:
-    enum class Access {
-        readWrite, // the agent: makes the file, brings old ones up to date
-        readOnly,  // the faces: look at a file that the agent writes
-    };
+    using Access = DatabaseAccess;
 
     /// The folder for the program's data below the person's data folder. A folder that an earlier version left under
     /// an earlier name is moved here once; one log line when that fails, and the new folder is used all the same.
@@ -77,10 +60,8 @@ public:
     std::vector<NamedTotal> totals(const char* sql, std::int32_t limit);
 
 private:
-    void openConnection(Access access);
     void check();
     void migrate();
-    std::set<std::string> columns(const std::string& table);
     std::optional<std::int64_t> insertOnQueue(const ActivitySample& sample, Date start, Date end);
     bool updateEndOnQueue(std::int64_t id, Date end);
     void executeOnQueue(const char* sql, std::optional<Date> parameter);

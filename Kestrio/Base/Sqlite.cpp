@@ -46,6 +46,20 @@ void Statement::bind(int parameter, const std::optional<std::string>& text) {
         sqlite3_bind_null(statement_.get(), parameter);
 }
 
+void Statement::bind(int parameter, const std::optional<std::int64_t>& value) {
+    if (value)
+        bind(parameter, *value);
+    else if (statement_)
+        sqlite3_bind_null(statement_.get(), parameter);
+}
+
+void Statement::bind(int parameter, const std::optional<double>& value) {
+    if (value)
+        bind(parameter, *value);
+    else if (statement_)
+        sqlite3_bind_null(statement_.get(), parameter);
+}
+
 Step Statement::step() {
     if (!statement_)
         return Step::failed;
@@ -79,6 +93,16 @@ std::optional<std::string> Statement::text(int column) const {
         return std::nullopt;
     return std::string(reinterpret_cast<const char*>(bytes),
                        static_cast<std::size_t>(sqlite3_column_bytes(statement_.get(), column)));
+}
+
+std::optional<double> Columns::optionalReal() {
+    const int column = next_++;
+    return row_.isNull(column) ? std::nullopt : std::optional(row_.real(column));
+}
+
+std::optional<std::int64_t> Columns::optionalInteger() {
+    const int column = next_++;
+    return row_.isNull(column) ? std::nullopt : std::optional(row_.integer(column));
 }
 
 Transaction::Transaction(sqlite3* connection)

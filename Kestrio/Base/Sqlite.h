@@ -4,6 +4,7 @@
 
 #include "Kestrio/Base/Date.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -38,7 +39,17 @@ public:
     void bind(int parameter, std::int64_t value);
     void bind(int parameter, std::string_view text);
     void bind(int parameter, Date date) { bind(parameter, date.seconds()); }
-    void bind(int parameter, const std::optional<std::string>& text); // NULL when absent
+    // NULL when absent.
+    void bind(int parameter, const std::optional<std::string>& text);
+    void bind(int parameter, const std::optional<std::int64_t>& value);
+    void bind(int parameter, const std::optional<double>& value);
+
+    /// Binds parameter 1, 2 and so on.
+    template <class... Values>
+    void bindAll(const Values&... values) {
+        int parameter = 0;
+        (bind(++parameter, values), ...);
+    }
 
     Step step();
 
@@ -57,6 +68,25 @@ private:
         void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
     };
     std::unique_ptr<sqlite3_stmt, Finalize> statement_;
+};
+
+/// Reads the columns of a statement's row one after the other; each call takes the next.
+class Columns {
+public:
+    explicit Columns(const Statement& row) : row_(row) {}
+
+    double real() { return row_.real(next_++); }
+    std::int64_t integer() { return row_.integer(next_++); }
+    /// A count that cannot be below zero.
+    std::uint64_t natural() { return static_cast<std::uint64_t>(std::max(integer(), std::int64_t{0})); }
+    Date date() { return row_.date(next_++); }
+    std::optional<std::string> text() { return row_.text(next_++); }
+    std::optional<double> optionalReal();
+    std::optional<std::int64_t> optionalInteger();
+
+private:
+    const Statement& row_;
+    int next_ = 0;
 };
 
 /// Everything between its making and `commit` happens as a whole; without `commit` it never happened.
