@@ -106,6 +106,8 @@ LiveScreen::Event LiveScreen::wait(Seconds longest) {
         default: return Ended();
         }
     }
+    if (sources[0].revents == 0)
+        return TimePassed();
     char character = 0;
     const auto count = read(STDIN_FILENO, &character, 1);
     // A terminal that is gone can be read for ever and gives nothing.

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
@@ -98,7 +99,7 @@ private:
         for (std::size_t i = 0; i + 1 < memoryParts.size(); ++i) {
             upTo += static_cast<double>(memory.*memoryParts[i].bytes) / static_cast<double>(statistics.total);
             const auto end =
-                std::min(barColumns, static_cast<std::size_t>(upTo * static_cast<double>(barColumns) + 0.5));
+                std::min(barColumns, static_cast<std::size_t>(std::lround(upTo * static_cast<double>(barColumns))));
             strip += paint_.shade(i, repeated("█", end - std::min(drawn, end)));
             drawn = std::max(drawn, end);
         }

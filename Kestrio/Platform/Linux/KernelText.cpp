@@ -38,22 +38,35 @@ std::optional<std::uint64_t> leadingNumber(std::string_view text) {
 
 std::optional<std::string_view> KernelTextBuffer::read(const char* path) {
     const Descriptor file(open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    return file ? read(file.number()) : std::nullopt;
-}
-
-std::optional<std::string_view> KernelTextBuffer::read(int descriptor) {
+    if (!file)
+        return std::nullopt;
     std::size_t length = 0;
     while (true) {
-        const auto count =
-            pread(descriptor, buffer_.data() + length, buffer_.size() - length, static_cast<off_t>(length));
-        if (count < 0)
+        // A list comes in pieces of some records, and only nothing tells that it is at its end.
+        const auto count = readAt(file.number(), length);
+        if (!count)
             return std::nullopt;
-        length += static_cast<std::size_t>(count);
-        // The kernel gives as much as there is room for, so a text that leaves room has ended.
-        if (length < buffer_.size() || buffer_.size() >= longestText)
+        length += *count;
+        if (*count == 0 || length >= longestText)
             return std::string_view(buffer_).substr(0, length);
-        buffer_.resize(buffer_.size() * 2);
+        if (length == buffer_.size())
+            buffer_.resize(buffer_.size() * 2);
     }
+}
+
+std::optional<std::string_view> KernelTextBuffer::readPiece(const char* path) {
+    const Descriptor file(open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    return file ? readPiece(file.number()) : std::nullopt;
+}
+
+std::optional<std::string_view> KernelTextBuffer::readPiece(int descriptor) {
+    const auto count = readAt(descriptor, 0);
+    return count ? std::optional(std::string_view(buffer_).substr(0, *count)) : std::nullopt;
+}
+
+std::optional<std::size_t> KernelTextBuffer::readAt(int descriptor, std::size_t offset) {
+    const auto count = pread(descriptor, buffer_.data() + offset, buffer_.size() - offset, static_cast<off_t>(offset));
+    return count < 0 ? std::nullopt : std::optional(static_cast<std::size_t>(count));
 }
 
 std::optional<std::string> kernelValue(const std::filesystem::path& file) {

@@ -42,10 +42,15 @@ public:
     /// The file's text up to 256 KiB, valid until the next reading. Absent when it cannot be read.
     std::optional<std::string_view> read(const char* path);
 
-    /// The same from the beginning of an open file, which stays open.
-    std::optional<std::string_view> read(int descriptor);
+    /// The same of a text that the kernel hands over in one piece, as it does the counters of a process. Saves asking
+    /// whether there is more.
+    std::optional<std::string_view> readPiece(const char* path);
+    /// From the beginning of an open file, which stays open.
+    std::optional<std::string_view> readPiece(int descriptor);
 
 private:
+    std::optional<std::size_t> readAt(int descriptor, std::size_t offset);
+
     std::string buffer_ = std::string(8192, '\0');
 };
 

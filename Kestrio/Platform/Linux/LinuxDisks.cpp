@@ -167,8 +167,8 @@ std::unique_ptr<SpeedTestFile> makeSpeedTestFile(const fs::path& folder) {
     return nullptr;
 }
 
-LinuxDisks::LinuxDisks(std::vector<fs::path> testFolders, fs::path processes, fs::path sys)
-    : testFolders_(std::move(testFolders)), statistics_(std::move(processes) / "diskstats"), sys_(std::move(sys)) {}
+LinuxDisks::LinuxDisks(std::vector<fs::path> testFolders, const fs::path& processes, fs::path sys)
+    : testFolders_(std::move(testFolders)), statistics_(processes / "diskstats"), sys_(std::move(sys)) {}
 
 std::optional<DiskCounters> LinuxDisks::internalDrives() {
     const auto text = buffer_.read(statistics_.c_str());

@@ -35,8 +35,8 @@ std::unique_ptr<SpeedTestFile> makeSpeedTestFile(const std::filesystem::path& fo
 class LinuxDisks final : public Disks {
 public:
     /// The folders for the test file, best first; those that cannot be used are passed over.
-    explicit LinuxDisks(std::vector<std::filesystem::path> testFolders, std::filesystem::path processes = "/proc",
-                        std::filesystem::path sys = "/sys");
+    explicit LinuxDisks(std::vector<std::filesystem::path> testFolders,
+                        const std::filesystem::path& processes = "/proc", std::filesystem::path sys = "/sys");
 
     std::optional<DiskCounters> internalDrives() override;
     std::unique_ptr<SpeedTestFile> makeSpeedTestFile() override;

@@ -109,7 +109,7 @@ void LinuxProcessTable::closeFile(Known& known) {
 std::optional<std::string_view> LinuxProcessTable::read(pid_t process, const char* file) {
     Path path{};
     const int length = std::snprintf(path.data(), path.size(), "%s/%d/%s", setup_.processes.c_str(), process, file);
-    return length > 0 && static_cast<std::size_t>(length) < path.size() ? buffer_.read(path.data()) : std::nullopt;
+    return length > 0 && static_cast<std::size_t>(length) < path.size() ? buffer_.readPiece(path.data()) : std::nullopt;
 }
 
 std::optional<ProcessStat> LinuxProcessTable::readStat(pid_t process) {
@@ -118,7 +118,7 @@ std::optional<ProcessStat> LinuxProcessTable::readStat(pid_t process) {
 }
 
 std::optional<ProcessPages> LinuxProcessTable::readPages(const Known& known, pid_t process) {
-    const auto text = known.pagesFile ? buffer_.read(known.pagesFile.number()) : read(process, "statm");
+    const auto text = known.pagesFile ? buffer_.readPiece(known.pagesFile.number()) : read(process, "statm");
     return text ? parseProcessPages(*text) : std::nullopt;
 }
 

@@ -3,6 +3,10 @@
 // Belongs to the queue of the scanner that owns it. A process that has not run since the last reading costs two system
 // calls and no allocation: its clock is asked, and one small file that is kept open, which also tells it from a later
 // process of the same number. Only one that has run is read in full.
+//
+// Two figures are what the kernel lets be had cheaply: each increase of CPU time counts wholly for the class of core
+// that the process's first thread ran on last, and wake-ups are those of that thread. Energy it does not measure by
+// process.
 #pragma once
 
 #include "Kestrio/Platform/Linux/CoreClasses.h"

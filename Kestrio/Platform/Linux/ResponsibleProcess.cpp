@@ -1,6 +1,7 @@
 #include "Kestrio/Platform/Linux/ResponsibleProcess.h"
 
 #include "Kestrio/Platform/Linux/ProcessIdentity.h"
+#include "Kestrio/Platform/Linux/SessionMachinery.h"
 
 #include <algorithm>
 #include <charconv>
@@ -10,104 +11,6 @@ namespace kestrio {
 namespace {
 
 constexpr std::size_t mostGenerations = 64;
-
-/// The kernel keeps 15 bytes of a name.
-constexpr std::size_t shortName = 15;
-
-constexpr std::string_view machinery[] = {
-    // what starts sessions
-    "systemd",
-    "init",
-    "runit",
-    "dinit",
-    "login",
-    "sshd",
-    "su",
-    "sudo",
-    "gdm",
-    "gdm3",
-    "gdm-session-worker",
-    "gdm-wayland-session",
-    "gdm-x-session",
-    "lightdm",
-    "sddm",
-    "sddm-helper",
-    "greetd",
-    "xdm",
-    "xinit",
-    "startx",
-    "Xorg",
-    "Xwayland",
-    "Xvfb",
-    // buses and launchers of the session
-    "dbus-daemon",
-    "dbus-broker",
-    "dbus-broker-launch",
-    "dbus-run-session",
-    "dbus-launch",
-    "ssh-agent",
-    "kdeinit5",
-    "kdeinit6",
-    "klauncher",
-    "at-spi-bus-launcher",
-    // sessions, shells of desktops, window managers
-    "gnome-session",
-    "gnome-session-binary",
-    "gnome-shell",
-    "gnome-panel",
-    "plasmashell",
-    "plasma_session",
-    "startplasma-wayland",
-    "startplasma-x11",
-    "ksmserver",
-    "kwin_x11",
-    "kwin_wayland",
-    "kglobalaccel5",
-    "krunner",
-    "xfce4-session",
-    "xfce4-panel",
-    "xfwm4",
-    "xfdesktop",
-    "cinnamon",
-    "cinnamon-session",
-    "cinnamon-session-binary",
-    "mate-session",
-    "mate-panel",
-    "marco",
-    "lxsession",
-    "lxpanel",
-    "lxqt-session",
-    "lxqt-panel",
-    "lxqt-runner",
-    "budgie-panel",
-    "budgie-wm",
-    "openbox",
-    "openbox-session",
-    "fluxbox",
-    "icewm",
-    "icewm-session",
-    "i3",
-    "sway",
-    "Hyprland",
-    "labwc",
-    "wayfire",
-    "river",
-    "bspwm",
-    "sxhkd",
-    "dwm",
-    "awesome",
-    "xmonad",
-    "herbstluftwm",
-    "qtile",
-    "cosmic-session",
-    "cosmic-comp",
-    "cosmic-panel",
-    "rofi",
-    "dmenu",
-    "wofi",
-    "tint2",
-    "xbindkeys",
-};
 
 constexpr std::string_view shells[] = {"sh", "dash", "bash", "zsh", "fish", "ksh"};
 
@@ -153,12 +56,6 @@ std::optional<ProcessDescent> processDescent(std::string_view stat) {
     const auto number = stat.substr(close + 4);
     const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), descent.parent);
     return error == std::errc() && descent.parent >= 0 ? std::optional(descent) : std::nullopt;
-}
-
-bool isSessionMachinery(std::string_view name) {
-    name = name.substr(0, shortName);
-    return std::any_of(std::begin(machinery), std::end(machinery),
-                       [name](std::string_view known) { return known.substr(0, shortName) == name; });
 }
 
 std::vector<pid_t> responsibleProcesses(pid_t process, const std::filesystem::path& root) {

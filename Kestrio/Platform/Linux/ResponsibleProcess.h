@@ -20,9 +20,6 @@ struct ProcessDescent {
 };
 std::optional<ProcessDescent> processDescent(std::string_view stat);
 
-/// Whether a process of this short name belongs to the session itself: it starts applications and is none.
-bool isSessionMachinery(std::string_view name);
-
 /// The process and those that it works for, nearest first; the last one is the responsible process: the one that the
 /// desktop made an application's control group for, else the highest below the session's own machinery. Empty when the
 /// process is gone, or is such machinery itself. `root` is `/proc`, or a folder like it.

@@ -153,6 +153,12 @@ constexpr auto names = std::to_array<std::string_view>({
     "gtk-launch",
     "dex",
     "uwsm",
+    "Xvfb",
+    "ssh-agent",
+    "kdeinit6",
+    "at-spi-bus-launcher",
+    "gnome-panel",
+    "kglobalaccel5",
 });
 
 } // namespace

@@ -1,6 +1,8 @@
+#include "Kestrio/Platform/Linux/Descriptor.h"
 #include "Kestrio/Platform/Linux/KernelText.h"
 #include "Tests/Support/TemporaryFolder.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 
 namespace kestrio {
@@ -52,6 +54,28 @@ TEST(KernelText, readsATextOfAnyLengthAgainAndAgain) {
     }
     EXPECT_EQ(buffer.read((folder.path() / "none").c_str()), std::nullopt);
     EXPECT_EQ(buffer.read(folder.path().c_str()), std::nullopt) << "a folder is no text";
+}
+
+TEST(KernelText, readsAListThatTheKernelGivesInPieces) {
+    KernelTextBuffer buffer;
+    const auto* file = "/proc/kallsyms"; // megabytes, in pieces of a page
+    const auto text = buffer.read(file);
+    if (!text || text->empty())
+        GTEST_SKIP() << "this kernel does not list its names";
+    EXPECT_EQ(text->size(), 262'144u);
+}
+
+TEST(KernelText, readsOnePieceAgainAndAgainFromAFileThatStaysOpen) {
+    const TemporaryFolder folder;
+    const auto path = folder.write("text", "one");
+    KernelTextBuffer buffer;
+    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    EXPECT_EQ(buffer.readPiece(file.number()), "one");
+    EXPECT_EQ(buffer.readPiece(file.number()), "one");
+    writeFile(path, "two more");
+    EXPECT_EQ(buffer.readPiece(file.number()), "two more");
+    EXPECT_EQ(buffer.readPiece(path.c_str()), "two more");
+    EXPECT_EQ(buffer.readPiece(-1), std::nullopt);
 }
 
 TEST(KernelText, endsAtAQuarterOfAMebibyte) {

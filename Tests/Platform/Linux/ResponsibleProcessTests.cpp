@@ -1,6 +1,7 @@
 #include "Kestrio/Base/LoopQueue.h"
 #include "Kestrio/Platform/Linux/ApplicationOwners.h"
 #include "Kestrio/Platform/Linux/ResponsibleProcess.h"
+#include "Kestrio/Platform/Linux/SessionMachinery.h"
 #include "Kestrio/Platform/Testing/ScriptedDesktop.h"
 #include "Tests/Support/TemporaryFolder.h"
 
