@@ -7,6 +7,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <variant>
 
 namespace kestrio {
@@ -19,6 +20,9 @@ struct BrowserRefusal {
 /// A text of fields, in valid UTF-8. Between fields stands U+001F, between windows U+001E, between the tabs inside a
 /// field U+001D; none of them can occur in a title or an address, so nothing is quoted.
 using BrowserAnswer = std::variant<std::string, BrowserRefusal>;
+
+/// A private window is told by this in place of an address.
+inline constexpr std::string_view privateAddress = "about:private";
 
 class BrowserReader {
 public:
