@@ -86,6 +86,19 @@ Background::Failure BackgroundClient::openDashboard() {
     return call("OpenDashboard");
 }
 
+std::optional<std::vector<std::string>> BackgroundClient::connectedBrowsers() {
+    try {
+        std::vector<std::string> browsers;
+        proxy_->callMethod("Browsers")
+            .onInterface(busNames::interface)
+            .withTimeout(deadline())
+            .storeResultsTo(browsers);
+        return browsers;
+    } catch (const sdbus::Error&) {
+        return std::nullopt;
+    }
+}
+
 Subscription BackgroundClient::observe(std::function<void(const AgentStatus&)> receiver) {
     *receiver_ = std::move(receiver);
     if (call("Watch"))

@@ -25,6 +25,7 @@ public:
     Failure pause(std::optional<Seconds> length) override;
     Failure resume() override;
     Failure openDashboard() override;
+    std::optional<std::vector<std::string>> connectedBrowsers() override;
     Subscription observe(std::function<void(const AgentStatus&)> receiver) override;
 
     /// Delivers changes on the calling thread until the agent ends (true) or the bus does (false).

@@ -2,6 +2,7 @@
 //
 //   Pause(d seconds)      pauses for so long         PauseIndefinitely()   until somebody resumes
 //   Resume()              goes on recording          OpenDashboard()
+//   Browsers() -> as      the browsers whose extension is connected, as bundle identifiers
 //   Status() -> s         everything that lives in memory, as JSON
 //   Watch()               from now on `Changed` is sent, until the caller leaves the bus
 //   State s, PausedUntil d (seconds since 1970, 0 when not paused), Version s      properties, with change notices

@@ -2,8 +2,12 @@
 
 namespace kestrio {
 
-LocalBackground::LocalBackground(AppModel& model, Facts facts, OpenDashboard openDashboard)
-    : model_(model), facts_(std::move(facts)), openDashboard_(std::move(openDashboard)) {
+LocalBackground::LocalBackground(AppModel& model, Facts facts, OpenDashboard openDashboard,
+                                 ConnectedBrowsers connectedBrowsers)
+    : model_(model),
+      facts_(std::move(facts)),
+      openDashboard_(std::move(openDashboard)),
+      connectedBrowsers_(std::move(connectedBrowsers)) {
     const auto soon = [this](const auto&) { tellSoon(); };
     tokens_.push_back(model_.live().observe(soon));
     tokens_.push_back(model_.liveAlongside().observe(soon));
@@ -47,6 +51,10 @@ Background::Failure LocalBackground::resume() {
 
 Background::Failure LocalBackground::openDashboard() {
     return openDashboard_();
+}
+
+std::optional<std::vector<std::string>> LocalBackground::connectedBrowsers() {
+    return connectedBrowsers_ ? connectedBrowsers_() : std::vector<std::string>();
 }
 
 Subscription LocalBackground::observe(std::function<void(const AgentStatus&)> receiver) {

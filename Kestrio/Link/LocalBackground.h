@@ -20,13 +20,18 @@ public:
     /// Brings up the dashboard; says what is missing when it cannot.
     using OpenDashboard = std::function<Failure()>;
 
+    /// The browsers whose extension is connected.
+    using ConnectedBrowsers = std::function<std::vector<std::string>()>;
+
     /// The model must outlive this.
-    LocalBackground(AppModel& model, Facts facts, OpenDashboard openDashboard);
+    LocalBackground(AppModel& model, Facts facts, OpenDashboard openDashboard,
+                    ConnectedBrowsers connectedBrowsers = {});
 
     std::optional<AgentStatus> status() override;
     Failure pause(std::optional<Seconds> length) override;
     Failure resume() override;
     Failure openDashboard() override;
+    std::optional<std::vector<std::string>> connectedBrowsers() override;
     Subscription observe(std::function<void(const AgentStatus&)> receiver) override;
 
     /// Runs work on the queue after what runs now.
@@ -41,6 +46,7 @@ private:
     AppModel& model_;
     const Facts facts_;
     const OpenDashboard openDashboard_;
+    const ConnectedBrowsers connectedBrowsers_; // empty: nobody connects them
     Signal<AgentStatus> changed_;
     Signal<> stateChanged_;
     Subscription telling_;

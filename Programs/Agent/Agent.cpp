@@ -18,6 +18,7 @@
 #include "Kestrio/Shell/AppModel.h"
 #include "Kestrio/Shell/Launch.h"
 #include "Kestrio/Shell/Settings.h"
+#include "Programs/Agent/BrowserTabs.h"
 #include "Programs/Agent/HostDesktop.h"
 
 #include <csignal>
@@ -84,15 +85,16 @@ public:
         if (!openDatabase())
             return 1;
         connectReaders();
+        browserTabs_.emplace(clock_, tabSocketPath(locations_));
         monitor_.emplace(ActivityMonitor::Host{clock_, monitorQueue_, desktop_->workspace, desktop_->windowTitles,
                                                desktop_->inputIdle, desktop_->sessionEvents, settings_},
                          *database_, HostDesktop::hostApplications(), collaborators());
         const auto program = ownProgram();
         loginItem_.emplace(locations_.autostartFolder(), program);
         model_.emplace(AppModel::Parts{clock_, main_, *monitor_, settings_, *loginItem_, isInstalledCopy(program)});
-        background_.emplace(*model_,
-                            LocalBackground::Facts{AppInfo::version(), getpid(), dataFolder_.string(), clock_.now()},
-                            [this] { return openDashboard(); });
+        background_.emplace(
+            *model_, LocalBackground::Facts{AppInfo::version(), getpid(), dataFolder_.string(), clock_.now()},
+            [this] { return openDashboard(); }, [this] { return browserTabs_->board().browsers(); });
         if (!offerOnBus())
             return 0;
         const auto signals = signals_.observe(main_, [this] { endBySignal(); });
@@ -241,6 +243,7 @@ private:
     std::optional<Database> database_;
     WorkerQueue monitorQueue_{"Kestrio.monitor"};
     std::unique_ptr<HostDesktop> desktop_; // on the monitor queue
+    std::optional<BrowserTabs> browserTabs_;
     std::optional<ActivityMonitor> monitor_;
     std::optional<AutostartLoginItem> loginItem_;
     std::optional<AppModel> model_;

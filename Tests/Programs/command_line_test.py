@@ -25,7 +25,7 @@ BIN = pathlib.Path(sys.argv.pop(1)).resolve()
 DEADLINE = 20  # seconds; what is waited for takes less than three
 
 COMMANDS = ["record", "watch", "status", "sessions", "pause", "resume", "settings", "settings list", "settings get",
-            "settings set", "settings reset", "doctor"]
+            "settings set", "settings reset", "doctor", "browsers"]
 
 SESSION_KEYS = ["id", "start", "end", "bundleID", "appName", "title", "url", "domain", "project", "kind"]
 STATUS_KEYS = ["state", "pausedUntil", "live", "alongside", "unsaved", "isAccessibilityGranted", "version",
@@ -150,6 +150,7 @@ class Usage(Case):
             "settings set idleMinutes five", "settings set idleMinutes 99999999999999999999",
             "settings set showActivityLight maybe", "settings set appearanceMode pink", "settings set resourceDetail 2",
             "settings set idleMinutes 5 6", "settings reset", "settings reset bogus", "doctor extra",
+            "browsers extra", "browsers --install --remove",
         ]
         for line in wrong:
             with self.subTest(line):
