@@ -22,9 +22,6 @@ constexpr Seconds freshInput{3.0};
 /// The clocks drift apart by microseconds; a difference like this is a machine that slept or a clock that was set.
 constexpr Seconds leastJump{1.0};
 
-/// Addresses longer than this, in characters, are cut.
-constexpr std::size_t longestURL = 2048;
-
 constexpr std::int64_t defaultIdleMinutes = 3;
 
 std::set<std::string> united(std::set<std::string> a, const std::set<std::string>& b) {
@@ -306,7 +303,7 @@ ActivitySample ActivityMonitor::makeSample(const RunningApplication& front, cons
             rawTitle = "Private Browsing"; // nothing of the page is kept
         } else {
             rawTitle = tab->title;
-            made.url = text::prefix(tab->url, longestURL);
+            made.url = text::prefix(tab->url, longestRecordedURL);
         }
     } else {
         if (front.processIdentifier)

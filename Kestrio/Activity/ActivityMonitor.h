@@ -6,6 +6,7 @@
 // sessions through `sessions`. Stores may block the queue; a tick that comes late is simply late.
 #pragma once
 
+#include "Kestrio/Activity/AlongsideEvidence.h"
 #include "Kestrio/Activity/AlongsideSessions.h"
 #include "Kestrio/Activity/BrowserTab.h"
 #include "Kestrio/Activity/SessionWriter.h"
@@ -28,12 +29,6 @@
 #include <vector>
 
 namespace kestrio {
-
-/// What plays alongside right now.
-struct AlongsideEvidence {
-    std::vector<ActivitySample> detected; // each of kind watching or listening
-    std::set<std::string> appsPlayingVideo;
-};
 
 class ActivityMonitor {
 public:

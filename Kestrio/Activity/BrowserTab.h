@@ -3,10 +3,14 @@
 
 #include "Kestrio/Base/Rectangle.h"
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
 namespace kestrio {
+
+/// Addresses are recorded up to so many characters.
+inline constexpr std::size_t longestRecordedURL = 2048;
 
 /// A page as a browser tells it. Nothing of a private one may be kept.
 struct BrowserTab {

@@ -210,6 +210,15 @@ Date Calendar::date(int year, int month, int day, int hour, int minute, int seco
     return parts_->get();
 }
 
+int Calendar::secondsFromUTC(Date date) const {
+    UErrorCode error = U_ZERO_ERROR;
+    std::int32_t standard = 0;
+    std::int32_t summer = 0;
+    parts_->zone->getOffset(date.seconds() * millisecondsPerSecond, false, standard, summer, error);
+    require(error, "no offset");
+    return (standard + summer) / static_cast<int>(millisecondsPerSecond);
+}
+
 std::string Calendar::formatted(Date date, const std::string& pattern) const {
     icu::UnicodeString result;
     parts_->format(icu::UnicodeString::fromUTF8(pattern)).format(date.seconds() * millisecondsPerSecond, result);

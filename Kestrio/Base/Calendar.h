@@ -56,6 +56,9 @@ public:
     /// The moment at which the zone's clocks first show these components; overflowing ones carry over.
     Date date(int year, int month, int day, int hour = 0, int minute = 0, int second = 0) const;
 
+    /// By how much the zone's clocks are ahead of UTC at that moment; negative where they are behind.
+    int secondsFromUTC(Date date) const;
+
     /// The date by a Unicode pattern that is taken literally, such as "yyyy-MM-dd HH:mm".
     std::string formatted(Date date, const std::string& pattern) const;
 

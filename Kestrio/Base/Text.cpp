@@ -1,6 +1,7 @@
 #include "Kestrio/Base/Text.h"
 
 #include <algorithm>
+#include <cstring>
 #include <functional>
 #include <memory>
 #include <unicode/brkiter.h>
@@ -18,6 +19,20 @@ namespace {
 
 bool isASCII(std::string_view text) {
     return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
+/// How many of the bytes, from the first on, are ASCII; eight at a time.
+std::size_t asciiLength(std::string_view bytes) {
+    constexpr std::uint64_t highBits = 0x8080'8080'8080'8080;
+    std::size_t at = 0;
+    for (std::uint64_t eight = 0; at + sizeof eight <= bytes.size(); at += sizeof eight) {
+        std::memcpy(&eight, bytes.data() + at, sizeof eight);
+        if ((eight & highBits) != 0)
+            break;
+    }
+    while (at < bytes.size() && static_cast<unsigned char>(bytes[at]) < 0x80)
+        ++at;
+    return at;
 }
 
 icu::StringPiece piece(std::string_view text) {
@@ -233,6 +248,22 @@ std::string fromUntrustedBytes(std::string_view bytes) {
     result.reserve(bytes.size());
     forEachCodePoint(bytes, [&](UChar32 c, std::string_view piece) { result += c <= 0 ? "\uFFFD" : piece; });
     return result;
+}
+
+std::size_t wellFormedLength(std::string_view bytes) {
+    std::size_t at = asciiLength(bytes);
+    while (at < bytes.size()) {
+        const auto* character = reinterpret_cast<const std::uint8_t*>(bytes.data() + at);
+        const auto most = static_cast<std::int32_t>(std::min<std::size_t>(bytes.size() - at, U8_MAX_LENGTH));
+        std::int32_t length = 0;
+        UChar32 codePoint = 0;
+        U8_NEXT(character, length, most, codePoint);
+        if (codePoint < 0)
+            return at;
+        at += static_cast<std::size_t>(length);
+        at += asciiLength(bytes.substr(at));
+    }
+    return at;
 }
 
 std::string_view trimmed(std::string_view text) {

@@ -42,6 +42,9 @@ std::string withoutInvisibleMarks(std::string_view text);
 /// The bytes as UTF-8, with U+FFFD in place of each ill-formed piece and of U+0000. For texts from other programs.
 std::string fromUntrustedBytes(std::string_view bytes);
 
+/// How many of the bytes, from the first on, are UTF-8. Stops before a character that is cut off at the end.
+std::size_t wellFormedLength(std::string_view bytes);
+
 /// The part of the text between white space at both ends, by the Unicode property. Points into the argument.
 std::string_view trimmed(std::string_view text);
 

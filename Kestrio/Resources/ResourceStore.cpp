@@ -281,6 +281,7 @@ const char* column(ResourceStore::SecondMeasure measure) {
     switch (measure) {
     case ResourceStore::SecondMeasure::lag: return "s.lag_ms";
     case ResourceStore::SecondMeasure::disk: return "s.ssd_r + s.ssd_w";
+    case ResourceStore::SecondMeasure::memory: return "s.ram_r + s.ram_w";
     case ResourceStore::SecondMeasure::cpu: return "s.cpu";
     }
     return "s.ts";

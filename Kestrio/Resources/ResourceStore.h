@@ -75,7 +75,7 @@ public:
     std::vector<SecondBucket> secondsSeries(DateInterval range, std::int64_t bucket);
     /// For reading a long range in pieces: those strictly after the last one of the piece before.
     std::vector<SystemSecond> seconds(DateInterval range, std::optional<Date> after, std::int64_t limit);
-    enum class SecondMeasure { lag, disk, cpu };
+    enum class SecondMeasure { lag, disk, memory, cpu };
     std::vector<SystemSecond> worstSeconds(DateInterval range, SecondMeasure by, std::int64_t limit);
     std::int64_t secondsCount(DateInterval range);
     /// Periods of `bucket` seconds, at least 60.

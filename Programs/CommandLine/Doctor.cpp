@@ -1,12 +1,12 @@
 #include "Programs/CommandLine/Doctor.h"
 
 #include "Kestrio/Activity/Database.h"
+#include "Kestrio/Base/Formatters.h"
 #include "Kestrio/Base/Text.h"
 #include "Kestrio/Platform/Linux/AutostartLoginItem.h"
 #include "Kestrio/Platform/Linux/BusConnection.h"
 #include "Kestrio/Platform/Linux/LinuxHostFacts.h"
 #include "Kestrio/Shell/AppInfo.h"
-#include "Kestrio/Shell/Formatters.h"
 #include "Programs/Agent/HostDesktop.h"
 #include "Programs/CommandLine/Commands.h"
 #include "Programs/CommandLine/Places.h"

@@ -1,7 +1,7 @@
 #include "Programs/CommandLine/SessionTable.h"
 
+#include "Kestrio/Base/Formatters.h"
 #include "Kestrio/Base/Text.h"
-#include "Kestrio/Shell/Formatters.h"
 
 #include <algorithm>
 #include <array>

@@ -245,15 +245,16 @@ protected:
     /// A file of a hundred minutes without setups, and these switchings: the minute, and on or off.
     void makeFile(const std::vector<std::pair<double, bool>>& switchings) {
         open();
-        run("PRAGMA user_version = 0; DELETE FROM configs;");
+        std::string sql = "BEGIN; DELETE FROM configs;";
         for (int i = 0; i < 100; ++i)
-            run(fmt::format("INSERT INTO system_minutes (minute, cpu, cpu_peak, cpu_p, cpu_e, mem_used, mem_total,"
-                            " compressed, swap_used, swap_in, swap_out, pressure, thermal, lag_ms)"
-                            " VALUES ({}, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0)",
-                            static_cast<std::int64_t>(minuteAfter(i).seconds())));
+            sql += fmt::format("INSERT INTO system_minutes (minute, cpu, cpu_peak, cpu_p, cpu_e, mem_used, mem_total,"
+                               " compressed, swap_used, swap_in, swap_out, pressure, thermal, lag_ms)"
+                               " VALUES ({}, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0);",
+                               static_cast<std::int64_t>(minuteAfter(i).seconds()));
         for (const auto& [minute, on] : switchings)
-            run(fmt::format("INSERT INTO events (at, kind) VALUES ({}, '{}')", (noon + Seconds(60 * minute)).seconds(),
-                            on ? "optimizerOn" : "optimizerOff"));
+            sql += fmt::format("INSERT INTO events (at, kind) VALUES ({}, '{}');",
+                               (noon + Seconds(60 * minute)).seconds(), on ? "optimizerOn" : "optimizerOff");
+        run(sql + "PRAGMA user_version = 0; COMMIT;");
     }
 
     /// The minutes that count as on, as "first-last" of each run.

@@ -1,5 +1,6 @@
-#include "Kestrio/Shell/Formatters.h"
+#include "Kestrio/Base/Formatters.h"
 
+#include <cmath>
 #include <gtest/gtest.h>
 
 namespace kestrio {
@@ -99,6 +100,47 @@ TEST(Fmt, millisecondsAreSecondsWithADecimalUpToTen) {
     EXPECT_EQ(Fmt::seconds(10'000, english), "10 s");
     EXPECT_EQ(Fmt::seconds(12'999, english), "12 s");
     EXPECT_EQ(Fmt::seconds(1500, Calendar("de_DE", "UTC")), "1,5 s");
+}
+
+TEST(Fmt, sizesAreInTheLargestUnitThatFits) {
+    struct Row {
+        std::uint64_t bytes;
+        const char* memory;
+        const char* fileSize;
+    };
+    const Row table[] = {
+        {0, "0 bytes", "0 bytes"},
+        {1, "1 bytes", "1 bytes"},
+        {999, "999 bytes", "999 bytes"},
+        {1000, "1,000 bytes", "1 KB"},
+        {1023, "1,023 bytes", "1 KB"},
+        {1024, "1 KB", "1 KB"},
+        {1500, "1 KB", "2 KB"},
+        {1'048'576, "1 MB", "1 MB"},
+        {1'572'864, "1.5 MB", "1.6 MB"},
+        {537'919'488, "513 MB", "537.9 MB"},
+        {1'073'741'823, "1 GB", "1.07 GB"}, // rounds up to the next unit
+        {1'610'612'736, "1.5 GB", "1.61 GB"},
+        {1'181'116'006, "1.1 GB", "1.18 GB"},
+        {20'000'000'000, "18.63 GB", "20 GB"},
+        {5'497'558'138'880, "5 TB", "5.5 TB"},
+        {18'446'744'073'709'551'615u, "16 EB", "18.45 EB"},
+    };
+    const Calendar english("en_US", "UTC");
+    for (const auto& row : table) {
+        EXPECT_EQ(Fmt::memory(row.bytes, english), row.memory) << row.bytes;
+        EXPECT_EQ(Fmt::fileSize(row.bytes, english), row.fileSize) << row.bytes;
+    }
+    EXPECT_EQ(Fmt::memory(1'610'612'736, Calendar("de_DE", "UTC")), "1,5 GB");
+}
+
+TEST(Fmt, speedsAreInTheUnitsOfDrives) {
+    const Calendar english("en_US", "UTC");
+    EXPECT_EQ(Fmt::speed(0, english), "0 bytes/s");
+    EXPECT_EQ(Fmt::speed(-5, english), "0 bytes/s");
+    EXPECT_EQ(Fmt::speed(std::nan(""), english), "0 bytes/s");
+    EXPECT_EQ(Fmt::speed(1.5e9, english), "1.5 GB/s");
+    EXPECT_EQ(Fmt::speed(2'345'678, english), "2.3 MB/s");
 }
 
 } // namespace

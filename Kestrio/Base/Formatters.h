@@ -1,5 +1,5 @@
-// Durations, shares, times and CPU figures in words, the same everywhere. Pure functions; any thread, each with its own
-// calendar.
+// Durations, shares, times, sizes and CPU figures in words, the same everywhere. Pure functions; any thread, each with
+// its own calendar.
 #pragma once
 
 #include "Kestrio/Base/Calendar.h"
@@ -39,5 +39,15 @@ std::string cores(double value, const Calendar& calendar);
 
 /// "0.3 s", "12 s": up to ten seconds with one decimal as the locale writes it, from there whole seconds, cut.
 std::string seconds(std::int64_t milliseconds, const Calendar& calendar);
+
+/// "512 MB", "1.5 GB": memory, in powers of 1,024; megabytes with up to one decimal as the locale writes it, from
+/// gigabytes on up to two. Below a kilobyte "{n} bytes".
+std::string memory(std::uint64_t bytes, const Calendar& calendar);
+
+/// The same for files and drives, in powers of 1,000.
+std::string fileSize(std::uint64_t bytes, const Calendar& calendar);
+
+/// "1.5 GB/s": bytes per second in powers of 1,000, as drives and memory are rated.
+std::string speed(double bytesPerSecond, const Calendar& calendar);
 
 } // namespace kestrio::Fmt

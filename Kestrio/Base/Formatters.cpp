@@ -1,4 +1,4 @@
-#include "Kestrio/Shell/Formatters.h"
+#include "Kestrio/Base/Formatters.h"
 
 #include <algorithm>
 #include <cmath>
@@ -19,6 +19,33 @@ std::string percentOf(double share) {
 
 std::string shortTime(Date date, const Calendar& calendar) {
     return calendar.localized(date, "jmm");
+}
+
+/// Rounded to so many decimals, of which those at the end that are zeros are left out.
+std::string shortDecimal(double value, int mostDecimals, const Calendar& calendar) {
+    int decimals = mostDecimals;
+    for (double scaled = std::round(value * std::pow(10, decimals)); decimals > 0 && std::fmod(scaled, 10) == 0;
+         scaled /= 10)
+        --decimals;
+    return calendar.decimal(value, decimals);
+}
+
+struct Unit {
+    const char* name;
+    int decimals;
+};
+constexpr Unit units[] = {{"bytes", 0}, {"KB", 0}, {"MB", 1}, {"GB", 2}, {"TB", 2}, {"PB", 2}, {"EB", 2}};
+
+std::string byteCount(double bytes, double base, const Calendar& calendar) {
+    const auto* unit = std::begin(units);
+    double value = bytes;
+    // A value that rounds up to the base is one of the next unit: never "1,024 MB".
+    const auto shown = [&] { return std::round(value * std::pow(10, unit->decimals)) / std::pow(10, unit->decimals); };
+    while (shown() >= base && std::next(unit) != std::end(units)) {
+        value /= base;
+        ++unit;
+    }
+    return shortDecimal(value, unit->decimals, calendar) + " " + unit->name;
 }
 
 } // namespace
@@ -79,6 +106,19 @@ std::string seconds(std::int64_t milliseconds, const Calendar& calendar) {
     if (milliseconds <= longestWithDecimal)
         return calendar.decimal(static_cast<double>(milliseconds) / 1000, 1) + " s";
     return fmt::format("{} s", milliseconds / 1000);
+}
+
+std::string memory(std::uint64_t bytes, const Calendar& calendar) {
+    return byteCount(static_cast<double>(bytes), 1024, calendar);
+}
+
+std::string fileSize(std::uint64_t bytes, const Calendar& calendar) {
+    return byteCount(static_cast<double>(bytes), 1000, calendar);
+}
+
+std::string speed(double bytesPerSecond, const Calendar& calendar) {
+    const bool isNumber = std::isfinite(bytesPerSecond) && bytesPerSecond > 0;
+    return byteCount(isNumber ? bytesPerSecond : 0, 1000, calendar) + "/s";
 }
 
 } // namespace kestrio::Fmt
