@@ -111,6 +111,7 @@ class WithBrowser:
             self.skipTest("it is not installed")
         self.server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Pages)
         threading.Thread(target=self.server.serve_forever, daemon=True).start()
+        self.addCleanup(self.server.server_close)
         self.addCleanup(self.server.shutdown)
         self.base = f"http://127.0.0.1:{self.server.server_port}/"
         self.browser = self.kind(self, self.home.path)
@@ -150,7 +151,9 @@ class WithBrowser:
 
     def go(self, name):
         self.key("ctrl+l")
-        self.xdotool("type", "--delay", "2", self.base + name)
+        time.sleep(0.3)  # until the field takes keys; nothing tells
+        self.xdotool("type", "--delay", "15", self.base + name)
+        time.sleep(0.1)
         self.key("Return")
 
     def start_browser(self, name="first"):

@@ -55,6 +55,15 @@ TEST_F(NativeHostFiles, aManifestLetsOurExtensionAloneStartTheHost) {
 )");
 }
 
+TEST_F(NativeHostFiles, thoseForEverybodyAreTheSame) {
+    for (const auto& [family, name] :
+         {std::pair(BrowserFamily::chromium, "chromium"), {BrowserFamily::firefox, "firefox"}}) {
+        const auto place =
+            fs::path(KESTRIO_SOURCE) / "Packaging/native-messaging-hosts" / (name + std::string(".json.in"));
+        EXPECT_EQ(fileText(place), nativeHostManifest(family, "@KESTRIO_TABS@"));
+    }
+}
+
 TEST_F(NativeHostFiles, everyBrowserHasItsPlaces) {
     struct Row {
         const char* bundleIdentifier;
