@@ -217,6 +217,17 @@ class WithBrowser:
         self.bring(second)
         self.shows("second")
 
+    def test_a_browser_that_comes_to_the_front_is_not_taken_for_private(self):
+        self.start_browser()
+        browser, other = self.browser.window("First"), self.open_window("terminal")
+        right = 0
+        for _ in range(20):
+            self.bring(other)
+            self.bring(browser)
+            right += self.front() == self.page("first")
+            self.shows("first")
+        self.assertGreaterEqual(right, 18)  # a very busy machine may be too slow once
+
     def test_of_a_private_window_nothing_is_known(self):
         self.start_browser()
         first = self.browser.window("First")

@@ -14,7 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int hostsAtOnce = 16; // that wait to be accepted
+constexpr int hostsAtOnce = 64; // that wait to be accepted; a further one would be told to come again
 
 Descriptor newSocket() {
     return Descriptor(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
