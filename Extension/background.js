@@ -73,18 +73,27 @@ async function tell() {
   }
 }
 
-function on(event, milliseconds) {
+function on(event, milliseconds, ...filter) {
   event?.addListener(() => {
     connect();
     tellWithin(milliseconds);
-  });
+  }, ...filter);
+}
+
+/** Chromium tells of other windows than ordinary ones to who asks for them; Firefox refuses to be asked. */
+function onWindows(event, milliseconds) {
+  try {
+    on(event, milliseconds, { windowTypes: types });
+  } catch {
+    on(event, milliseconds);
+  }
 }
 
 on(browser.runtime.onInstalled, atOnce);
 on(browser.runtime.onStartup, atOnce);
-on(browser.windows.onFocusChanged, atOnce);
-on(browser.windows.onCreated, atOnce);
-on(browser.windows.onRemoved, atOnce);
+onWindows(browser.windows.onFocusChanged, atOnce);
+onWindows(browser.windows.onCreated, atOnce);
+onWindows(browser.windows.onRemoved, atOnce);
 on(browser.windows.onBoundsChanged, soon); // Chromium alone has it
 on(browser.tabs.onActivated, atOnce);
 on(browser.tabs.onUpdated, soon);

@@ -304,6 +304,18 @@ TEST(KestrioTabs, handsOnWhatTheBrowserTells) {
     EXPECT_TRUE(eventually([&] { return !agent.board.isConnected(firefox); }));
 }
 
+TEST(KestrioTabs, loadsNoneOfTheLargeLibraries) {
+    const Place place;
+    const Agent agent(place.socket);
+    Host host(place.home);
+    host.tell(telling("One"));
+    EXPECT_TRUE(agent.hears("One"));
+    const auto maps = fileText(fs::path("/proc") / std::to_string(host.process()) / "maps");
+    EXPECT_NE(maps.find("libstdc++"), std::string::npos);
+    for (const char* library : {"libicu", "libxcb", "libsdbus", "libsqlite", "libfmt"})
+        EXPECT_EQ(maps.find(library), std::string::npos) << library;
+}
+
 TEST(KestrioTabs, anAgentThatStartsLaterIsToldTheLastStateAtOnce) {
     const Place place;
     Host host(place.home);
