@@ -13,6 +13,7 @@ const types = ["normal", "popup", "app", "devtools"];
 // Events come in bursts. What the person sees at once is told at once, the rest soon.
 const atOnce = 5; // milliseconds
 const soon = 60;
+const settled = 200; // a window of the developer's tools is told as focused a moment after the event
 const stableAfter = 10_000; // a connection that held so long was a good one
 
 let port = null;
@@ -77,6 +78,7 @@ function on(event, milliseconds, ...filter) {
   event?.addListener(() => {
     connect();
     tellWithin(milliseconds);
+    if (filter.length > 0) setTimeout(tellWithin, settled, atOnce);
   }, ...filter);
 }
 

@@ -285,6 +285,21 @@ class WithBrowser:
 class InChromium(WithBrowser, DesktopTest):
     kind = Chromium
 
+    def test_the_developers_tools_in_a_window_of_their_own_are_neither_a_page_nor_private(self):
+        preferences = self.home.path / "config" / "chromium" / "Default" / "Preferences"
+        preferences.parent.mkdir(parents=True)
+        undocked = {"currentDockState": '"undocked"'}
+        devtools = {"preferences": undocked, "synced_preferences_sync_disabled": undocked}
+        preferences.write_text(json.dumps({"devtools": devtools}))
+        self.start_browser()
+        page = self.browser.window("First")
+        self.key("F12")
+        self.bring(self.browser.window("DevTools"))
+        eventually(lambda: self.front() is None, "the tools are in front")
+        self.assertEqual([window[6] for window in self.windows()], ["First"])
+        self.bring(page)
+        self.shows("first")
+
 
 class InFirefox(WithBrowser, DesktopTest):
     kind = Firefox
