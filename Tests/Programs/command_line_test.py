@@ -28,7 +28,7 @@ DEADLINE = 20  # seconds; what is waited for takes less than three
 COMMANDS = ["record", "watch", "status", "sessions", "pause", "resume", "settings", "settings list", "settings get",
             "settings set", "settings reset", "doctor", "categories", "categories list", "categories set",
             "categories reset", "projects", "projects list", "projects add", "projects move", "projects remove", "explain",
-            "report", "export", "import", "top", "machine", "disk-test"]
+            "report", "export", "import", "top", "machine", "disk-test", "browsers"]
 
 SESSION_KEYS = ["id", "start", "end", "bundleID", "appName", "title", "url", "domain", "project", "kind"]
 STATUS_KEYS = ["state", "pausedUntil", "live", "alongside", "unsaved", "isAccessibilityGranted", "version",
@@ -163,6 +163,7 @@ class Usage(Case):
             "export",
             "export --range today", "export -o", "export --range -o x", "export --range bogus -o x", "export extra -o x",
             "import", "import --bogus",
+            "browsers extra", "browsers --install --remove",
         ]
         for line in wrong:
             with self.subTest(line):
@@ -197,11 +198,60 @@ class Usage(Case):
 
     def test_without_any_home_there_is_a_clear_line(self):
         for command in ("status", "sessions", "settings list", "doctor", "record", "watch", "resume", "export -o -",
-                        "import /dev/null"):
+                        "import /dev/null", "browsers", "browsers --install"):
             with self.subTest(command):
                 ran = self.run_ctl(*command.split(), HOME=None, KESTRIO_HOME=None)
                 self.assertEqual((ran.returncode, ran.stdout), (1, ""))
                 self.assert_one_line(ran.stderr)
+
+
+class Browsers(Case):
+    def setUp(self):
+        super().setUp()
+        self.applications = self.folder / "share" / "applications"
+        self.applications.mkdir(parents=True)
+        self.environment["XDG_DATA_DIRS"] = str(self.folder / "share")
+        self.environment["XDG_DATA_HOME"] = str(self.folder / "none")
+
+    def install_browser(self, desktop_id, name):
+        (self.applications / f"{desktop_id}.desktop").write_text(
+            f"[Desktop Entry]\nType=Application\nName={name}\nExec={desktop_id}\n")
+
+    def manifests(self):
+        return sorted(str(path.relative_to(self.person)) for path in self.person.rglob("*.json"))
+
+    def test_the_installed_browsers_may_start_the_host_until_they_may_no_more(self):
+        self.install_browser("chromium", "Chromium")
+        self.install_browser("firefox-esr", "Firefox ESR")
+        said = self.ctl("browsers", "--install")
+        self.assertIn("Chromium may now start kestrio-tabs. One step is left to you:\n  Open chrome://extensions", said)
+        self.assertIn("Firefox may now start kestrio-tabs. One step is left to you:\n  Open about:debugging", said)
+        name = "dev.haldorvinter.kestrio.tabs.json"
+        self.assertEqual(self.manifests(), [f".config/chromium/NativeMessagingHosts/{name}",
+                                            f".config/mozilla/native-messaging-hosts/{name}",
+                                            f".mozilla/native-messaging-hosts/{name}"])
+        manifest = json.loads((self.person / self.manifests()[0]).read_text())
+        self.assertEqual(manifest["path"], str(BIN / "kestrio-tabs"))
+        self.assertTrue(os.access(manifest["path"], os.X_OK))
+        self.ctl("browsers", "--remove")
+        self.assertEqual(self.manifests(), [])
+        self.assertFalse(self.home.exists())
+
+    def test_without_a_browser_there_is_nothing_to_install(self):
+        ran = self.run_ctl("browsers", "--install")
+        self.assertEqual((ran.returncode, ran.stdout), (1, ""))
+        self.assert_one_line(ran.stderr)
+        self.assertEqual(self.manifests(), [])
+
+    def test_each_browser_that_is_here_is_listed_with_what_is_left_to_do(self):
+        self.install_browser("chromium", "Chromium")
+        text = self.ctl("browsers")
+        self.assertRegex(text, r"(?m)^  Chromium +yes +(yes|no) +unknown +unknown\n    Run: kestrioctl browsers --install$")
+        found = {each["bundleID"]: each for each in json.loads(self.ctl("browsers", "--json"))}
+        self.assertEqual(len(found), 16)
+        self.assertEqual(found["org.chromium.Chromium"]["remedy"], "Run: kestrioctl browsers --install")
+        self.assertIsNone(found["org.chromium.Chromium"]["connected"])
+        self.assertFalse(found["com.operasoftware.Opera"]["installed"])
 
 
 class Sessions(Case):
