@@ -73,6 +73,8 @@ public:
 
 private:
     void addHeading(const ReportHeading& heading) {
+        if (heading.subtitle.find(heading.title) != std::string::npos) // says the same and more
+            return line(paint_.bold(fitted(heading.subtitle, width_ - 2)));
         const auto title = fitted(heading.title, width_ - 2);
         const auto used = 2 + text::columns(title) + 3;
         const auto subtitle = width_ > used ? fitted(heading.subtitle, width_ - used) : "";
