@@ -1,5 +1,6 @@
 #include "Fuzz/Fuzz.h"
 #include "Kestrio/Platform/Linux/ProcessIdentity.h"
+#include "Kestrio/Platform/Linux/ResponsibleProcess.h"
 
 /// The texts of the kernel about a process, which hold what that process likes.
 void kestrio::fuzz(std::string_view input) {
@@ -11,4 +12,6 @@ void kestrio::fuzz(std::string_view input) {
     launchedDesktopFile(input, 4711);
     commandArguments(input);
     startTicks(input);
+    const auto descent = processDescent(input);
+    require(!descent || (descent->parent >= 0 && descent->name.size() < input.size()));
 }

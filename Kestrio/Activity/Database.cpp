@@ -1,7 +1,7 @@
 #include "Kestrio/Activity/Database.h"
 
+#include "Kestrio/Activity/SessionRows.h"
 #include "Kestrio/Base/Log.h"
-#include "Kestrio/Base/Text.h"
 
 namespace kestrio {
 namespace {
@@ -9,9 +9,6 @@ namespace {
 namespace fs = std::filesystem;
 using sqlite::Statement;
 using sqlite::Step;
-
-/// A session that began this long before a range can still be found reaching into it, without giving up the index.
-constexpr Seconds reachBack{43'200};
 
 constexpr auto schema = "CREATE TABLE IF NOT EXISTS sessions (\n"
                         "    id        INTEGER PRIMARY KEY AUTOINCREMENT,\n"
@@ -29,21 +26,6 @@ constexpr auto schema = "CREATE TABLE IF NOT EXISTS sessions (\n"
 
 void logSQLError(const std::string& message) {
     logLine("Kestrio SQL error: " + message);
-}
-
-ActivitySession decode(const Statement& row) {
-    ActivitySession session;
-    session.id = row.integer(0);
-    session.start = row.date(1);
-    session.end = row.date(2);
-    session.bundleID = row.text(3).value_or("unknown");
-    session.appName = text::withoutInvisibleMarks(row.text(4).value_or("Unknown"));
-    session.title = text::withoutInvisibleMarks(row.text(5).value_or(""));
-    session.url = row.text(6);
-    session.domain = row.text(7);
-    session.project = row.text(8);
-    session.kind = sessionKind(row.integer(9)).value_or(SessionKind::focus);
-    return session;
 }
 
 } // namespace
@@ -109,18 +91,8 @@ std::optional<std::int64_t> Database::insert(const ActivitySample& sample, Date 
 }
 
 std::optional<std::int64_t> Database::insertOnQueue(const ActivitySample& sample, Date start, Date end) {
-    auto statement =
-        prepare("INSERT INTO sessions (start, end, bundle_id, app_name, title, url, domain, project, kind)\n"
-                "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)");
-    statement.bind(1, start);
-    statement.bind(2, end);
-    statement.bind(3, std::string_view(sample.bundleID));
-    statement.bind(4, std::string_view(sample.appName));
-    statement.bind(5, std::string_view(sample.title));
-    statement.bind(6, sample.url);
-    statement.bind(7, sample.domain);
-    statement.bind(8, sample.project);
-    statement.bind(9, rawValue(sample.kind));
+    auto statement = prepare(sessionRows::insertSQL);
+    sessionRows::bindInsert(statement, activitySession(0, sample, start, end));
     if (statement.step() != Step::done)
         return std::nullopt;
     return sqlite3_last_insert_rowid(connection_.get());
@@ -131,24 +103,18 @@ bool Database::updateEnd(std::int64_t id, Date end) {
 }
 
 bool Database::updateEndOnQueue(std::int64_t id, Date end) {
-    auto statement = prepare("UPDATE sessions SET end = ? WHERE id = ?");
-    statement.bind(1, end);
-    statement.bind(2, id);
+    auto statement = prepare(sessionRows::updateEndSQL);
+    sessionRows::bindUpdateEnd(statement, id, end);
     return statement.step() == Step::done;
 }
 
 std::vector<ActivitySession> Database::sessions(Date from, Date to) {
     return queue_.sync([&] {
-        auto statement = prepare("SELECT id, start, end, bundle_id, app_name, title, url, domain, project, kind\n"
-                                 "FROM sessions\n"
-                                 "WHERE start >= ? AND start < ? AND end > ?\n"
-                                 "ORDER BY start");
-        statement.bind(1, from - reachBack);
-        statement.bind(2, to);
-        statement.bind(3, from);
+        auto statement = prepare(sessionRows::rangeSQL);
+        sessionRows::bindRange(statement, from, to);
         std::vector<ActivitySession> found;
         while (statement.step() == Step::row)
-            found.push_back(decode(statement));
+            found.push_back(sessionRows::decode(statement));
         return found;
     });
 }

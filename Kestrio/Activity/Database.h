@@ -5,11 +5,14 @@
 // empty result, because losing one write of a session must not disturb tracking.
 #pragma once
 
+#include "Kestrio/Activity/PackedSessions.h"
 #include "Kestrio/Activity/SessionStore.h"
 #include "Kestrio/Base/DatabaseFile.h"
+#include "Kestrio/Base/LongWork.h"
 #include "Kestrio/Base/Queue.h"
 
 #include <filesystem>
+#include <variant>
 #include <vector>
 
 namespace kestrio {
@@ -58,6 +61,27 @@ public:
     static constexpr auto domainTotals = "SELECT domain, domain, SUM(end - start) AS total FROM sessions\n"
                                          "WHERE domain IS NOT NULL GROUP BY domain ORDER BY total DESC LIMIT ?";
     std::vector<NamedTotal> totals(const char* sql, std::int32_t limit);
+
+    struct ImportSummary {
+        std::int64_t added = 0;
+        std::int64_t extended = 0;   // rows of which the import knew a later end
+        std::int64_t duplicates = 0; // sessions that were there already
+
+        friend bool operator==(const ImportSummary&, const ImportSummary&) = default;
+    };
+    struct ImportStopped {};
+    struct ImportFailure {
+        std::string message; // in the library's words
+    };
+    using ImportOutcome = std::variant<ImportSummary, ImportStopped, ImportFailure>;
+
+    /// Takes in sessions recorded elsewhere: extends the rows that they go on from, ignores those that are there, adds
+    /// the rest, all in one transaction. A single row that cannot be written is passed over. Whenever the work does not
+    /// come to its end the database stays as it was. Holds the queue for as long as it takes.
+    ImportOutcome importSessions(PackedSessions sessions, const LongWork& work = {});
+
+    /// The same; all zeros when it failed.
+    ImportSummary importSessions(const std::vector<ActivitySession>& sessions);
 
 private:
     void check();

@@ -30,8 +30,8 @@ public:
     std::string locale() const;
     std::string timeZone() const;
 
-    /// The full hour on the zone's clocks that contains the date. Where the clocks change within an hour it is cut there,
-    /// so that the hours of a day always follow one another without a gap.
+    /// The full hour on the zone's clocks that contains the date. Where the clocks change within an hour it is cut
+    /// there, so that the hours of a day always follow one another without a gap.
     DateInterval hour(Date date) const;
 
     /// The intervals that contain the date. A day lasts 23 to 25 hours where the clocks change; a week begins on the

@@ -13,8 +13,8 @@ using std::chrono::seconds;
 using Moment = std::chrono::sys_time<milliseconds>;
 
 constexpr std::int64_t millisecondsPerSecond = 1000;
-constexpr Date firstMoment = distantPast;         // 0001-01-01
-constexpr Date lastMoment{253'402'300'799.999};   // the last millisecond of 9999
+constexpr Date firstMoment{-62'135'596'800};    // 0001-01-01
+constexpr Date lastMoment{253'402'300'799.999}; // the last millisecond of 9999
 constexpr int largestOffset = 24 * 3600 - 1;
 
 bool isDigit(char c) {

@@ -105,8 +105,11 @@ std::optional<std::int64_t> Columns::optionalInteger() {
     return row_.isNull(column) ? std::nullopt : std::optional(row_.integer(column));
 }
 
-Transaction::Transaction(sqlite3* connection)
-    : connection_(connection), open_(connection && !execute(connection, "BEGIN IMMEDIATE")) {}
+Transaction::Transaction(sqlite3* connection) : connection_(connection) {
+    const auto error = connection ? execute(connection, "BEGIN IMMEDIATE") : errorMessage(connection);
+    open_ = !error;
+    error_ = error.value_or("");
+}
 
 Transaction::~Transaction() {
     if (open_)
@@ -117,8 +120,10 @@ bool Transaction::commit() {
     if (!open_)
         return false;
     open_ = false;
-    if (!execute(connection_, "COMMIT"))
+    const auto error = execute(connection_, "COMMIT");
+    if (!error)
         return true;
+    error_ = *error;
     execute(connection_, "ROLLBACK");
     return false;
 }

@@ -103,9 +103,13 @@ public:
     /// False when the changes could not be kept; they are then undone.
     bool commit();
 
+    /// Why it could not be opened or kept.
+    const std::string& error() const { return error_; }
+
 private:
     sqlite3* connection_;
-    bool open_;
+    bool open_ = false;
+    std::string error_;
 };
 
 } // namespace kestrio::sqlite

@@ -42,6 +42,8 @@ std::error_code awaitReadable(int descriptor, const std::stop_token& stop) {
 
 std::error_code readText(const Descriptor& file, const std::function<void(std::string_view piece)>& receive,
                          const std::stop_token& stop) {
+    if (!file)
+        return std::make_error_code(std::errc::bad_file_descriptor);
     std::string buffer(pieceSize, '\0');
     std::size_t kept = 0; // the beginning of a character that the last piece cut in two
     for (;;) {
@@ -62,6 +64,11 @@ std::error_code readText(const Descriptor& file, const std::function<void(std::s
         receive(piece.substr(0, whole));
         buffer.replace(0, kept, buffer, whole, kept);
     }
+}
+
+std::uintmax_t fileSize(const Descriptor& file) {
+    struct stat status {};
+    return fstat(file.number(), &status) == 0 ? static_cast<std::uintmax_t>(status.st_size) : 0;
 }
 
 std::error_code writeAll(const Descriptor& file, std::string_view text) {

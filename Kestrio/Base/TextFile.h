@@ -4,6 +4,7 @@
 
 #include "Kestrio/Base/Descriptor.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <stop_token>
@@ -19,6 +20,9 @@ namespace kestrio {
 /// `operation_canceled` soon after the stop was requested, or what the system says.
 std::error_code readText(const Descriptor& file, const std::function<void(std::string_view piece)>& receive,
                          const std::stop_token& stop = {});
+
+/// In bytes; 0 for what has no size, such as a pipe.
+std::uintmax_t fileSize(const Descriptor& file);
 
 /// A file in the making, beside the one whose place it takes. What is there stays until `commit`; without that the new
 /// one never existed. The folder must exist.

@@ -6,6 +6,7 @@
 
 #include "Kestrio/Base/Subscription.h"
 #include "Kestrio/Model/Models.h"
+#include "Kestrio/Reports/SessionImport.h"
 
 #include <functional>
 #include <nlohmann/json_fwd.hpp>
@@ -51,6 +52,14 @@ public:
     virtual Failure pause(std::optional<Seconds> length) = 0;
     virtual Failure resume() = 0;
     virtual Failure openDashboard() = 0;
+
+    /// Brings the sessions of exported files into the database, which is the agent's alone to write. Does not wait;
+    /// takes as long as it takes. Dropping the token stops it; its end is told all the same, unless the agent goes
+    /// first.
+    virtual Subscription importFiles(std::vector<SessionFile> files, ImportReceiver receiver) = 0;
+
+    /// `receiver` is called whenever stored sessions changed other than by recording, until the token is dropped.
+    virtual Subscription observeData(std::function<void()> receiver) = 0;
 
     /// `receiver` hears of every published change, within two seconds of it, until the token is dropped or the agent
     /// ends.

@@ -1,8 +1,12 @@
 #include "Kestrio/Link/BackgroundClient.h"
 
+#include "Kestrio/Base/Text.h"
 #include "Kestrio/Link/BusNames.h"
+#include "Kestrio/Link/ImportJSON.h"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
+#include <poll.h>
 #include <sdbus-c++/sdbus-c++.h>
 
 namespace kestrio {
@@ -12,8 +16,18 @@ std::chrono::microseconds deadline() {
     return std::chrono::duration_cast<std::chrono::microseconds>(Background::callDeadline);
 }
 
+/// How long an import may take before nobody waits for it any more.
+constexpr std::chrono::hours importDeadline{24};
+
+constexpr auto noAnswer = "Kestrio does not answer";
+
 std::optional<AgentStatus> parse(const std::string& text) {
     return agentStatusFromJSON(nlohmann::ordered_json::parse(text, nullptr, false));
+}
+
+/// What the agent itself says is for the person; what the library says is not.
+std::string wordsOf(const sdbus::Error& error) {
+    return error.getName().starts_with(busNames::errorPrefix) ? error.getMessage() : noAnswer;
 }
 
 } // namespace
@@ -46,6 +60,16 @@ BackgroundClient::BackgroundClient(std::unique_ptr<sdbus::IConnection> connectio
             if (const auto status = parse(json); status && *receiver)
                 (*receiver)(*status);
         });
+    proxy_->uponSignal("ActivityDataDidChange").onInterface(busNames::interface).call([receiver = dataReceiver_] {
+        if (*receiver)
+            (*receiver)();
+    });
+    proxy_->uponSignal("ImportProgress")
+        .onInterface(busNames::interface)
+        .call([receiver = shareReceiver_](double share) {
+            if (*receiver)
+                (*receiver)(share);
+        });
     proxy_->finishRegistration();
 }
 
@@ -69,8 +93,7 @@ Background::Failure BackgroundClient::call(const char* method, Arguments... argu
         proxy_->callMethod(request, static_cast<std::uint64_t>(deadline().count()));
         return std::nullopt;
     } catch (const sdbus::Error& error) {
-        // What the agent itself says is for the person; what the library says is not.
-        return error.getName().starts_with(busNames::errorPrefix) ? error.getMessage() : "Kestrio does not answer";
+        return wordsOf(error);
     }
 }
 
@@ -84,6 +107,53 @@ Background::Failure BackgroundClient::resume() {
 
 Background::Failure BackgroundClient::openDashboard() {
     return call("OpenDashboard");
+}
+
+Subscription BackgroundClient::importFiles(std::vector<SessionFile> files, ImportReceiver receiver) {
+    *shareReceiver_ = std::move(receiver.progress);
+    const auto isOver = std::make_shared<bool>(false);
+    const auto answered = [isOver, ended = std::move(receiver.ended)](const sdbus::Error* error,
+                                                                      const std::string& json) {
+        *isOver = true;
+        const auto outcome = importOutcomeFromJSON(nlohmann::ordered_json::parse(json, nullptr, false));
+        ended(error ? ImportFailure{wordsOf(*error)} : outcome.value_or(ImportFailure{noAnswer}));
+    };
+    try {
+        std::vector<sdbus::Struct<std::string, sdbus::UnixFd>> onBus;
+        for (const auto& file : files)
+            onBus.emplace_back(text::fromUntrustedBytes(file.name), sdbus::UnixFd(file.content.number()));
+        proxy_->callMethodAsync("Import")
+            .onInterface(busNames::interface)
+            .withTimeout(importDeadline)
+            .withArguments(onBus)
+            .uponReplyInvoke(answered);
+    } catch (const sdbus::Error& error) {
+        answered(&error, {});
+    }
+    return Subscription([isOver, weak = std::weak_ptr(self_)] {
+        if (const auto self = weak.lock(); self && !*isOver)
+            (*self)->call("StopImport");
+    });
+}
+
+Subscription BackgroundClient::observeData(std::function<void()> receiver) {
+    *dataReceiver_ = std::move(receiver);
+    return Subscription([held = dataReceiver_] { *held = nullptr; });
+}
+
+bool BackgroundClient::serve(Seconds patience) {
+    try {
+        const auto waiting = connection_->getEventLoopPollData();
+        pollfd descriptor{waiting.fd, waiting.events, 0};
+        // What is queued already shows at no descriptor.
+        const int most = static_cast<int>(std::chrono::duration_cast<std::chrono::milliseconds>(patience).count());
+        poll(&descriptor, 1, std::min(most, waiting.getPollTimeout() < 0 ? most : waiting.getPollTimeout()));
+        while (connection_->processPendingRequest()) {
+        }
+        return true;
+    } catch (const sdbus::Error&) {
+        return false;
+    }
 }
 
 Subscription BackgroundClient::observe(std::function<void(const AgentStatus&)> receiver) {

@@ -25,10 +25,16 @@ public:
     Failure pause(std::optional<Seconds> length) override;
     Failure resume() override;
     Failure openDashboard() override;
+    Subscription importFiles(std::vector<SessionFile> files, ImportReceiver receiver) override;
+    Subscription observeData(std::function<void()> receiver) override;
     Subscription observe(std::function<void(const AgentStatus&)> receiver) override;
 
     /// Delivers changes on the calling thread until the agent ends (true) or the bus does (false).
     bool run();
+
+    /// Delivers what arrives on the calling thread for a while, and returns soon after something came. False when the
+    /// bus went.
+    bool serve(Seconds patience);
 
 private:
     explicit BackgroundClient(std::unique_ptr<sdbus::IConnection> connection);
@@ -39,6 +45,9 @@ private:
     std::unique_ptr<sdbus::IConnection> connection_;
     std::unique_ptr<sdbus::IProxy> proxy_;
     std::shared_ptr<std::function<void(const AgentStatus&)>> receiver_;
+    std::shared_ptr<std::function<void()>> dataReceiver_ = std::make_shared<std::function<void()>>();
+    std::shared_ptr<std::function<void(double)>> shareReceiver_ = std::make_shared<std::function<void(double)>>();
+    std::shared_ptr<BackgroundClient*> self_ = std::make_shared<BackgroundClient*>(this); // tokens hold it weakly
 };
 
 } // namespace kestrio

@@ -1,6 +1,7 @@
 #include "Kestrio/Link/BackgroundService.h"
 
 #include "Kestrio/Link/BusNames.h"
+#include "Kestrio/Link/ImportJSON.h"
 
 #include <nlohmann/json.hpp>
 #include <sdbus-c++/sdbus-c++.h>
@@ -14,11 +15,20 @@ struct BackgroundService::Watcher {
     sdbus::Slot leaving;
 };
 
+/// Somebody who waits for an import.
+struct BackgroundService::Import {
+    std::string caller;
+    sdbus::Result<std::string> result;
+    sdbus::Slot leaving = {};
+    Subscription running = {};
+};
+
 namespace {
 
 /// A path may hold any bytes; what is no text in it must not keep the rest from being told.
-std::string text(const AgentStatus& status) {
-    return toJSON(status).dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+template <class Value>
+std::string text(const Value& value) {
+    return toJSON(value).dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
 }
 
 bool isOnBus(sdbus::IConnection& connection, const std::string& name) {
@@ -29,6 +39,23 @@ bool isOnBus(sdbus::IConnection& connection, const std::string& name) {
         .withArguments(name)
         .storeResultsTo(answer);
     return answer;
+}
+
+/// Hears when somebody leaves the bus.
+sdbus::Slot observeLeaving(sdbus::IConnection& connection, const std::string& name, std::function<void()> left) {
+    return connection.addMatch("type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
+                               "member='NameOwnerChanged',arg0='" +
+                                   name + "',arg2=''",
+                               [left = std::move(left)](sdbus::Message&) { left(); });
+}
+
+using FilesOnBus = std::vector<sdbus::Struct<std::string, sdbus::UnixFd>>;
+
+std::vector<SessionFile> taken(FilesOnBus files) {
+    std::vector<SessionFile> result;
+    for (auto& file : files)
+        result.push_back({std::move(file.get<0>()), Descriptor(file.get<1>().release())});
+    return result;
 }
 
 /// The failure of an action as the bus tells it.
@@ -55,6 +82,9 @@ std::unique_ptr<BackgroundService> BackgroundService::offer(sdbus::IConnection& 
     if (!offered)
         return nullptr;
     service->stateChanges_ = background.observeState([self = service.get()] { self->tellState(); });
+    service->dataChanges_ = background.observeData([self = service.get()] {
+        self->perform_([self](auto&) { self->object_->emitSignal("ActivityDataDidChange").onInterface(interface); });
+    });
     return service;
 }
 
@@ -74,6 +104,18 @@ void BackgroundService::registerObject(sdbus::IConnection& connection) {
         return status ? text(*status) : std::string();
     });
     object_->registerMethod("Watch").onInterface(interface).implementedAs([this, &connection] { watch(connection); });
+    object_->registerMethod("Import")
+        .onInterface(interface)
+        .withInputParamNames("files")
+        .withOutputParamNames("json")
+        .implementedAs([this, &connection](sdbus::Result<std::string>&& result, FilesOnBus files) {
+            auto import = std::make_shared<Import>(
+                Import{object_->getCurrentlyProcessedMessage()->getSender(), std::move(result)});
+            beginImport(connection, std::move(import), taken(std::move(files)));
+        });
+    object_->registerMethod("StopImport").onInterface(interface).implementedAs([this] {
+        stopImport(object_->getCurrentlyProcessedMessage()->getSender());
+    });
     object_->registerProperty("State").onInterface(interface).withGetter(
         [this] { return std::string(rawValue(background_.status()->state)); });
     object_->registerProperty("PausedUntil").onInterface(interface).withGetter([this] {
@@ -83,6 +125,8 @@ void BackgroundService::registerObject(sdbus::IConnection& connection) {
     object_->registerProperty("Version").onInterface(interface).withGetter(
         [this] { return background_.status()->version; });
     object_->registerSignal("Changed").onInterface(interface).withParameters<std::string>("json");
+    object_->registerSignal("ImportProgress").onInterface(interface).withParameters<double>("share");
+    object_->registerSignal("ActivityDataDidChange").onInterface(interface);
     object_->finishRegistration();
 }
 
@@ -91,21 +135,21 @@ void BackgroundService::watch(sdbus::IConnection& connection) {
     if (watchers_.contains(sender))
         return;
     auto watcher = std::make_unique<Watcher>();
-    watcher->leaving = connection.addMatch("type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop."
-                                           "DBus',member='NameOwnerChanged',arg0='" +
-                                               sender + "',arg2=''",
-                                           [this, sender](sdbus::Message&) {
-                                               // The rule is in use right now; what it stands in goes a moment later.
-                                               background_.afterwards([weak = std::weak_ptr(self_), sender] {
-                                                   if (const auto self = weak.lock())
-                                                       (*self)->forget(sender);
-                                               });
-                                           });
+    watcher->leaving = observeLeaving(
+        connection, sender, [this, sender] { afterwards([sender](BackgroundService& self) { self.forget(sender); }); });
     if (!isOnBus(connection, sender))
         return; // left before the rule was there
     watchers_.emplace(sender, std::move(watcher));
     if (!changes_.isActive())
         changes_ = background_.observe([this](const AgentStatus& status) { tell(status); });
+}
+
+/// For what hears of a leaving: its rule is in use right now, and what it stands in goes a moment later.
+void BackgroundService::afterwards(std::function<void(BackgroundService&)> work) {
+    background_.afterwards([weak = std::weak_ptr(self_), work = std::move(work)] {
+        if (const auto self = weak.lock())
+            work(**self);
+    });
 }
 
 void BackgroundService::forget(const std::string& watcher) {
@@ -114,13 +158,63 @@ void BackgroundService::forget(const std::string& watcher) {
         changes_.cancel();
 }
 
-void BackgroundService::tell(const AgentStatus& status) {
-    const auto json = text(status);
-    perform_([&](sdbus::IConnection&) { object_->emitSignal("Changed").onInterface(interface).withArguments(json); });
-}
-
-void BackgroundService::tellState() {
-    perform_([&](sdbus::IConnection&) { object_->emitPropertiesChangedSignal(interface, {"State", "PausedUntil"}); });
-}
-
+void BackgroundService::beginImport(sdbus::IConnection& connection, std::shared_ptr<Import> import,
+                                    std::vector<SessionFile> files) {
+    const auto& caller = import->caller;
+    if (!imports_.emplace(caller, import).second)
+        return import->result.returnError(sdbus::Error(busNames::errorFailed, "Another import is under way."));
+    import->leaving = observeLeaving(connection, caller, [this, caller] {
+        afterwards([caller](BackgroundService& self) { self.stopImport(caller);
+});
 } // namespace kestrio
+);
+const auto withSelf = [weakSelf = std::weak_ptr(self_), weak = std::weak_ptr(import)](auto work) {
+    return [weakSelf, weak, work](const auto& what) {
+        const auto self = weakSelf.lock();
+        if (const auto import_ = weak.lock(); self && import_)
+            work(**self, *import_, what);
+    };
+};
+    import->running = background_.importFiles(
+        std::move(files),
+        {.progress = withSelf([](auto& self, const auto& running, double share) { self.tellShare(running, share);
+    }),
+         .ended = withSelf([](auto& self, const auto& ended, const auto& outcome) {
+    self.endImport(ended, outcome); })
+    });
+    if (!isOnBus(connection, caller))
+        stopImport(caller); // left before the rule was there
+    }
+
+    void BackgroundService::stopImport(const std::string& caller) {
+        if (const auto found = imports_.find(caller); found != imports_.end())
+            found->second->running.cancel();
+    }
+
+    void BackgroundService::tellShare(const Import& import, double share) {
+        perform_([&](sdbus::IConnection&) {
+            auto signal = object_->createSignal(interface, "ImportProgress");
+            signal << share;
+            signal.setDestination(import.caller);
+            object_->emitSignal(signal);
+        });
+    }
+
+    void BackgroundService::endImport(const Import& import, const ImportOutcome& outcome) {
+        perform_([&](sdbus::IConnection&) { import.result.returnResults(text(outcome)); });
+        imports_.erase(import.caller);
+    }
+
+    void BackgroundService::tell(const AgentStatus& status) {
+        const auto json = text(status);
+        perform_(
+            [&](sdbus::IConnection&) { object_->emitSignal("Changed").onInterface(interface).withArguments(json); });
+    }
+
+    void BackgroundService::tellState() {
+        perform_([&](sdbus::IConnection&) {
+            object_->emitPropertiesChangedSignal(interface, {"State", "PausedUntil"});
+        });
+    }
+
+    } // namespace kestrio

@@ -3,7 +3,12 @@
 //   Pause(d seconds)      pauses for so long         PauseIndefinitely()   until somebody resumes
 //   Resume()              goes on recording          OpenDashboard()
 //   Status() -> s         everything that lives in memory, as JSON
+//   Import(a(sh) files) -> s      brings the sessions of exported files into the database, each a name for messages and
+//                         a descriptor open for reading. Answers at the end, which may be minutes away, with the counts
+//                         or the error as JSON. The caller meanwhile hears `ImportProgress(d share)`; it stops the
+//                         import by StopImport() or by leaving the bus.
 //   Watch()               from now on `Changed` is sent, until the caller leaves the bus
+//   ActivityDataDidChange()       a signal: stored sessions changed other than by recording
 //   State s, PausedUntil d (seconds since 1970, 0 when not paused), Version s      properties, with change notices
 //
 // Belongs to the main queue, whose loop serves the connection.
@@ -36,12 +41,18 @@ public:
 
 private:
     struct Watcher;
+    struct Import;
 
     BackgroundService(Perform perform, LocalBackground& background);
 
     void registerObject(sdbus::IConnection& connection);
     void watch(sdbus::IConnection& connection);
+    void afterwards(std::function<void(BackgroundService&)> work);
     void forget(const std::string& watcher);
+    void beginImport(sdbus::IConnection& connection, std::shared_ptr<Import> import, std::vector<SessionFile> files);
+    void stopImport(const std::string& caller);
+    void tellShare(const Import& import, double share);
+    void endImport(const Import& import, const ImportOutcome& outcome);
     void tellState();
     void tell(const AgentStatus& status);
 
@@ -51,6 +62,8 @@ private:
     std::map<std::string, std::unique_ptr<Watcher>> watchers_; // by unique bus name
     Subscription changes_;                                     // while somebody watches
     Subscription stateChanges_;
+    Subscription dataChanges_;
+    std::map<std::string, std::shared_ptr<Import>> imports_; // by the caller's unique bus name
     std::shared_ptr<BackgroundService*> self_ = std::make_shared<BackgroundService*>(this); // work holds it weakly
 };
 

@@ -2,8 +2,11 @@
 
 namespace kestrio {
 
-LocalBackground::LocalBackground(AppModel& model, Facts facts, OpenDashboard openDashboard)
-    : model_(model), facts_(std::move(facts)), openDashboard_(std::move(openDashboard)) {
+LocalBackground::LocalBackground(AppModel& model, Facts facts, OpenDashboard openDashboard, ImportFiles importFiles)
+    : model_(model),
+      facts_(std::move(facts)),
+      openDashboard_(std::move(openDashboard)),
+      importFiles_(std::move(importFiles)) {
     const auto soon = [this](const auto&) { tellSoon(); };
     tokens_.push_back(model_.live().observe(soon));
     tokens_.push_back(model_.liveAlongside().observe(soon));
@@ -47,6 +50,25 @@ Background::Failure LocalBackground::resume() {
 
 Background::Failure LocalBackground::openDashboard() {
     return openDashboard_();
+}
+
+Subscription LocalBackground::importFiles(std::vector<SessionFile> files, ImportReceiver receiver) {
+    if (!importFiles_) {
+        model_.queue().async([receiver = std::move(receiver)] {
+            receiver.ended(ImportFailure{"There is no database here to import into."});
+        });
+        return {};
+    }
+    auto ended = [this, ended = std::move(receiver.ended)](const ImportOutcome& outcome) {
+        ended(outcome);
+        if (std::holds_alternative<ImportReport>(outcome))
+            activityDataDidChange_.emit();
+    };
+    return importFiles_(std::move(files), {std::move(receiver.progress), std::move(ended)});
+}
+
+Subscription LocalBackground::observeData(std::function<void()> receiver) {
+    return activityDataDidChange_.subscribe(std::move(receiver));
 }
 
 Subscription LocalBackground::observe(std::function<void(const AgentStatus&)> receiver) {

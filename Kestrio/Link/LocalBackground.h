@@ -20,13 +20,18 @@ public:
     /// Brings up the dashboard; says what is missing when it cannot.
     using OpenDashboard = std::function<Failure()>;
 
+    /// Brings files into the database, as `Background::importFiles` says.
+    using ImportFiles = std::function<Subscription(std::vector<SessionFile>, ImportReceiver)>;
+
     /// The model must outlive this.
-    LocalBackground(AppModel& model, Facts facts, OpenDashboard openDashboard);
+    LocalBackground(AppModel& model, Facts facts, OpenDashboard openDashboard, ImportFiles importFiles = {});
 
     std::optional<AgentStatus> status() override;
     Failure pause(std::optional<Seconds> length) override;
     Failure resume() override;
     Failure openDashboard() override;
+    Subscription importFiles(std::vector<SessionFile> files, ImportReceiver receiver) override;
+    Subscription observeData(std::function<void()> receiver) override;
     Subscription observe(std::function<void(const AgentStatus&)> receiver) override;
 
     /// Runs work on the queue after what runs now.
@@ -41,8 +46,10 @@ private:
     AppModel& model_;
     const Facts facts_;
     const OpenDashboard openDashboard_;
+    const ImportFiles importFiles_;
     Signal<AgentStatus> changed_;
     Signal<> stateChanged_;
+    Signal<> activityDataDidChange_;
     Subscription telling_;
     std::vector<Subscription> tokens_;
 };

@@ -7,9 +7,14 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <variant>
 
 namespace kestrio {
+
+/// Stands for the address of a private page, of which a reader passes on nothing but the mode: an empty address would
+/// say that there is no page at all.
+inline constexpr std::string_view privateAddress = "about:private";
 
 /// The person does not allow this browser to be read, or has not been asked and cannot be. Asking again soon is no use.
 struct BrowserRefusal {

@@ -1,5 +1,5 @@
-// Takes CSV text apart into records of fields, from pieces of any size and in one pass. Holds one field at most, so that
-// a file of any size and shape needs little memory. A value of one thread's; pure.
+// Takes CSV text apart into records of fields, from pieces of any size and in one pass. Holds one field at most, so
+// that a file of any size and shape needs little memory. A value of one thread's; pure.
 //
 // A field in double quotes holds commas and line ends, and a double quote written twice; a quote opens a quoted field
 // only where the field is still empty. A line feed, a carriage return, or both together end a record.

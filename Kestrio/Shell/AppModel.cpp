@@ -53,6 +53,16 @@ void AppModel::setLaunchAtLogin(bool enabled) {
         logLine("Kestrio: launch at login change failed: " + *failure);
 }
 
+void AppModel::refreshBrowserPermissions() {
+    if (parts_.browserAccess)
+        parts_.browserAccess->refresh();
+}
+
+void AppModel::requestBrowserAccess(const BrowserApp& browser) {
+    if (parts_.browserAccess)
+        parts_.browserAccess->request(browser);
+}
+
 Subscription AppModel::showLive() {
     ++*lookers_;
     pollStatus();

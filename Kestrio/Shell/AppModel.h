@@ -6,6 +6,7 @@
 #include "Kestrio/Base/Observable.h"
 #include "Kestrio/Base/Queue.h"
 #include "Kestrio/Platform/LoginItem.h"
+#include "Kestrio/Shell/BrowserAccess.h"
 
 namespace kestrio {
 
@@ -23,6 +24,8 @@ public:
         LoginItem& loginItem;
         /// Whether this copy of the program is one that stays, and so may start itself at login.
         bool isInstalled = false;
+        /// Which browsers may be read; null where nothing reads them.
+        BrowserAccess* browserAccess = nullptr;
     };
 
     explicit AppModel(Parts parts) : parts_(parts) {}
@@ -40,6 +43,12 @@ public:
     /// A failure is a line in the log and has no other effect.
     void setLaunchAtLogin(bool enabled);
 
+    /// Reads anew whether each installed browser may be read. Does not wait.
+    void refreshBrowserPermissions();
+
+    /// Does what is needed to read a browser that the person picked. Does not wait.
+    void requestBrowserAccess(const BrowserApp& browser);
+
     /// Open sessions are taken over only while somebody looks: each holder of the result is one who does.
     Subscription showLive();
 
@@ -47,6 +56,10 @@ public:
     const Observable<std::optional<Date>>& pausedUntil() const { return pausedUntil_; }
     const Observable<bool>& isAccessibilityGranted() const { return isAccessibilityGranted_; }
     const Observable<std::size_t>& unsaved() const { return unsaved_; }
+    /// Empty before the first refresh.
+    const Observable<std::vector<BrowserPermission>>& browserPermissions() const {
+        return parts_.browserAccess ? parts_.browserAccess->permissions() : noBrowserPermissions_;
+    }
     /// As they were when somebody last looked.
     const Observable<std::optional<LiveActivity>>& live() const { return live_; }
     const Observable<std::vector<LiveActivity>>& liveAlongside() const { return liveAlongside_; }
@@ -71,6 +84,7 @@ private:
     Observable<std::size_t> unsaved_{0};
     Observable<std::optional<LiveActivity>> live_;
     Observable<std::vector<LiveActivity>> liveAlongside_;
+    const Observable<std::vector<BrowserPermission>> noBrowserPermissions_;
 };
 
 } // namespace kestrio

@@ -14,6 +14,7 @@
 #include "Kestrio/Platform/Linux/DetachedProgram.h"
 #include "Kestrio/Platform/Linux/FileKeyValueStore.h"
 #include "Kestrio/Platform/Linux/SingleInstance.h"
+#include "Kestrio/Reports/SessionImport.h"
 #include "Kestrio/Shell/AppInfo.h"
 #include "Kestrio/Shell/AppModel.h"
 #include "Kestrio/Shell/Launch.h"
@@ -84,6 +85,7 @@ public:
             return *status;
         if (!openDatabase())
             return 1;
+        import_.emplace(*database_, main_);
         connectReaders();
         monitor_.emplace(ActivityMonitor::Host{clock_, monitorQueue_, desktop_->workspace, desktop_->windowTitles,
                                                desktop_->inputIdle, desktop_->sessionEvents, settings_},
@@ -91,9 +93,10 @@ public:
         const auto program = ownProgram();
         loginItem_.emplace(locations_.autostartFolder(), program);
         model_.emplace(AppModel::Parts{clock_, main_, *monitor_, settings_, *loginItem_, isInstalledCopy(program)});
-        background_.emplace(*model_,
-                            LocalBackground::Facts{AppInfo::version(), getpid(), dataFolder_.string(), clock_.now()},
-                            [this] { return openDashboard(); });
+        background_.emplace(
+            *model_, LocalBackground::Facts{AppInfo::version(), getpid(), dataFolder_.string(), clock_.now()},
+            [this] { return openDashboard(); },
+            [this](auto files, auto receiver) { return importFiles(std::move(files), std::move(receiver)); });
         if (!offerOnBus())
             return 0;
         const auto signals = signals_.observe(main_, [this] { endBySignal(); });
@@ -227,8 +230,18 @@ private:
         return std::nullopt;
     }
 
+    Subscription importFiles(std::vector<SessionFile> files, ImportReceiver receiver) {
+        receiver.ended = [ended = std::move(receiver.ended)](const ImportOutcome& outcome) {
+            ended(outcome);
+            malloc_trim(0); // a large file took much for a moment
+        };
+        return import_->start(std::move(files), std::move(receiver));
+    }
+
     /// The path without promise of time: what is open is saved first.
     void endBySignal() {
+        if (import_)
+            import_->stop(); // the monitor's last rows would wait for it
         if (monitor_)
             monitor_->stop();
         main_.stop();
@@ -246,6 +259,7 @@ private:
     std::optional<Database> database_;
     WorkerQueue monitorQueue_{"Kestrio.monitor"};
     std::unique_ptr<HostDesktop> desktop_; // on the monitor queue
+    std::optional<BackgroundImport> import_;
     std::optional<ActivityMonitor> monitor_;
     std::optional<AutostartLoginItem> loginItem_;
     std::optional<AppModel> model_;

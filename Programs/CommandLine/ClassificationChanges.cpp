@@ -1,9 +1,11 @@
 #include "Programs/CommandLine/ClassificationChanges.h"
 
 #include "Kestrio/Base/Formatters.h"
-#include "Programs/CommandLine/Layout.h"
+#include "Kestrio/Base/Text.h"
+#include "Programs/CommandLine/TableParts.h"
 
 #include <algorithm>
+#include <fmt/format.h>
 
 namespace kestrio {
 namespace {

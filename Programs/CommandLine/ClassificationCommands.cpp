@@ -1,5 +1,6 @@
 #include "Programs/CommandLine/ClassificationCommands.h"
 
+#include "Kestrio/Base/Text.h"
 #include "Kestrio/Classification/TextTools.h"
 #include "Kestrio/Platform/Linux/ApplicationIdentity.h"
 #include "Kestrio/Shell/ClassificationSettings.h"
@@ -9,10 +10,11 @@
 #include "Programs/CommandLine/ClassificationChanges.h"
 #include "Programs/CommandLine/ClassificationLists.h"
 #include "Programs/CommandLine/Explanation.h"
-#include "Programs/CommandLine/Layout.h"
 #include "Programs/CommandLine/StoredSessions.h"
+#include "Programs/CommandLine/TableParts.h"
 
 #include <algorithm>
+#include <fmt/format.h>
 #include <nlohmann/json.hpp>
 #include <variant>
 
@@ -124,6 +126,20 @@ int preview(const Locations& places, Naming before, Naming after) {
     });
 }
 
+// What a session belongs to, by name; the argument must outlive the answer.
+
+auto categoryNaming(const Categorizer::Snapshot& snapshot) {
+    return [&snapshot](const ActivitySession& session) {
+        return std::string(label(snapshot.category(session.bundleID, session.domain)));
+    };
+}
+
+auto projectNaming(const std::vector<ProjectRule>& rules) {
+    return [&rules](const ActivitySession& session) {
+        return ProjectRules::resolve(rules, session.title, session.url, session.project).value_or("no project");
+    };
+}
+
 int changeCategory(const CategoryTarget& wanted, std::optional<ActivityCategory> category, bool isPreview) {
     const auto answer = resolved(wanted);
     if (const auto* why = std::get_if<std::string>(&answer))
@@ -134,14 +150,8 @@ int changeCategory(const CategoryTarget& wanted, std::optional<ActivityCategory>
     auto& categorizer = classification.settings.categorizer();
     const auto before = categorizer.snapshot();
     const auto after = changed(before, target, category);
-    if (isPreview) {
-        const auto naming = [](const Categorizer::Snapshot& snapshot) {
-            return [&snapshot](const ActivitySession& session) {
-                return std::string(label(snapshot.category(session.bundleID, session.domain)));
-            };
-        };
-        return preview(places, naming(before), naming(after));
-    }
+    if (isPreview)
+        return preview(places, categoryNaming(before), categoryNaming(after));
     const bool isStored = target.kind == CategoryKind::app ? categorizer.setAppCategory(category, target.name)
                                                            : categorizer.setDomainCategory(category, target.name);
     if (!isStored)
@@ -271,12 +281,7 @@ int addProject(const NewProjectRule& wanted) {
     warnOfEarlierRules(after, *place);
     if (!wanted.preview)
         return storeRules(classification, after);
-    const auto naming = [](const std::vector<ProjectRule>& rules) {
-        return [&rules](const ActivitySession& session) {
-            return ProjectRules::resolve(rules, session.title, session.url, session.project).value_or("no project");
-        };
-    };
-    return preview(places, naming(*before), naming(after));
+    return preview(places, projectNaming(*before), projectNaming(after));
 }
 
 int moveProject(std::int64_t number, std::int64_t to) {

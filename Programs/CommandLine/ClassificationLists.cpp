@@ -1,8 +1,10 @@
 #include "Programs/CommandLine/ClassificationLists.h"
 
-#include "Programs/CommandLine/Layout.h"
+#include "Kestrio/Base/Text.h"
+#include "Programs/CommandLine/TableParts.h"
 
 #include <algorithm>
+#include <fmt/format.h>
 #include <nlohmann/json.hpp>
 #include <tuple>
 

@@ -1,15 +1,12 @@
 #include "Programs/CommandLine/Commands.h"
 
-#include "Kestrio/Activity/Database.h"
 #include "Kestrio/Base/Formatters.h"
-#include "Kestrio/Base/LoopQueue.h"
 #include "Kestrio/Base/Text.h"
 #include "Kestrio/Model/ModelsJSON.h"
 #include "Kestrio/Shell/Settings.h"
 #include "Programs/Agent/Agent.h"
 #include "Programs/CommandLine/Moments.h"
 #include "Programs/CommandLine/Places.h"
-#include "Programs/CommandLine/RecordedSessions.h"
 #include "Programs/CommandLine/StatusText.h"
 #include "Programs/CommandLine/StoredSessions.h"
 #include "Programs/CommandLine/Terminal.h"
@@ -190,9 +187,7 @@ int sessions(const SessionsOptions& options) {
     }
     const auto agent = runningAgent(places);
     const auto status = agent ? agent->status() : std::nullopt;
-    if (status && status->unsaved > 0)
-        complain(
-            fmt::format("{} sessions wait in the agent's memory for the disk and are not listed", status->unsaved));
+    warnOfUnsaved(status);
     return withStored(places, [&](Database* database) {
         auto found = sessionsOf(database, status, {*from, *to});
         if (options.json) {

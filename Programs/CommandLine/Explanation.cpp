@@ -1,9 +1,11 @@
 #include "Programs/CommandLine/Explanation.h"
 
 #include "Kestrio/Activity/BrowserInspector.h"
+#include "Kestrio/Base/Text.h"
 #include "Kestrio/Classification/TextTools.h"
-#include "Programs/CommandLine/Layout.h"
+#include "Programs/CommandLine/TableParts.h"
 
+#include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
 namespace kestrio {

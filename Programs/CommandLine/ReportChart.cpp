@@ -1,8 +1,11 @@
 #include "Programs/CommandLine/ReportChart.h"
 
 #include "Kestrio/Base/Formatters.h"
-#include "Programs/CommandLine/Layout.h"
+#include "Programs/CommandLine/TableParts.h"
 
+#include <algorithm>
+#include <cmath>
+#include <fmt/format.h>
 #include <map>
 
 namespace kestrio {

@@ -6,7 +6,6 @@
 #include "Kestrio/Shell/ClassificationSettings.h"
 #include "Programs/Agent/HostClassification.h"
 #include "Programs/CommandLine/Moments.h"
-#include "Programs/CommandLine/RecordedSessions.h"
 #include "Programs/CommandLine/StoredSessions.h"
 
 #include <fmt/format.h>

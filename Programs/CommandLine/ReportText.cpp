@@ -1,10 +1,13 @@
 #include "Programs/CommandLine/ReportText.h"
 
 #include "Kestrio/Base/Formatters.h"
+#include "Kestrio/Base/Text.h"
 #include "Kestrio/Reports/IntervalWalk.h"
-#include "Programs/CommandLine/Layout.h"
 #include "Programs/CommandLine/ReportChart.h"
+#include "Programs/CommandLine/TableParts.h"
 
+#include <algorithm>
+#include <fmt/format.h>
 #include <map>
 
 namespace kestrio {

@@ -2,7 +2,7 @@
 
 #include "Kestrio/Base/Formatters.h"
 #include "Kestrio/Base/Text.h"
-#include "Programs/CommandLine/Layout.h"
+#include "Programs/CommandLine/TableParts.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -16,6 +16,8 @@ namespace {
 constexpr Seconds noticeableGap{2.0};
 
 constexpr std::size_t barColumns = 8;
+/// What lasted no time at all still shows that it was there.
+constexpr double leastShare = 0.001;
 constexpr std::size_t leastNameColumns = 8;
 constexpr std::size_t mostNameColumns = 20;
 constexpr std::size_t durationColumns = 7;
@@ -79,7 +81,7 @@ private:
             title = fmt::format("{}{}{}", label(session.kind), title.empty() ? "" : ": ", title);
         text_ +=
             fmt::format("  {}  {}{}  {}  {}\n", paint_.dim(calendar_.formatted(session.start, "HH:mm:ss")),
-                        barColumns_ > 0 ? paint_.shade(shade, bar(share, barColumns)) + "  " : "",
+                        barColumns_ > 0 ? paint_.shade(shade, bar(std::max(share, leastShare), barColumns)) + "  " : "",
                         paddedLeft(Fmt::duration(session.duration()), durationColumns),
                         paint_.shade(shade, padded(text::fittedToColumns(session.appName, nameLimit_), nameColumns_)),
                         text::fittedToColumns(title, room));

@@ -1,7 +1,9 @@
 #include "Kestrio/Shell/AppInfo.h"
 #include "Programs/CommandLine/ClassificationCommands.h"
 #include "Programs/CommandLine/Commands.h"
+#include "Programs/CommandLine/MachineCommands.h"
 #include "Programs/CommandLine/ReportCommand.h"
+#include "Programs/CommandLine/SessionFiles.h"
 #include "Programs/StandardStreams.h"
 
 #include <CLI/CLI.hpp>
@@ -176,6 +178,36 @@ int main(int argc, char** argv) {
             command.add_flag("--json", range.json, "Data for scripts");
         });
 
+    kestrio::TopOptions topOptions;
+    add(
+        app, "top", "The applications, and what each of them uses with all its processes", result,
+        [&] { return kestrio::top(topOptions); },
+        [&](CLI::App& command) {
+            command.add_option("--by", topOptions.by, "What to order by: cpu (so unless said) or memory");
+            command.add_flag("--once", topOptions.once, "One table, and done");
+            command.add_flag("--json", topOptions.json, "Data for scripts");
+        });
+    add(
+        app, "machine", "The cores, the memory and the drives, and what cannot be told here", result,
+        [&] { return kestrio::machine(json); }, withJSON);
+    add(
+        app, "disk-test", "Measure how fast the drive is, with a file of 256 MB that is gone afterwards", result,
+        [&] { return kestrio::diskTest(json); }, withJSON);
+    kestrio::ExportOptions exported;
+    add(
+        app, "export", "Write sessions to a CSV file", result, [&] { return kestrio::exportSessions(exported); },
+        [&](CLI::App& command) {
+            command.add_option("--range", exported.range, "today, week, month (the last 30 days) or all (unless said)");
+            command.add_option("-o,--output", exported.output, "The file, or - for standard output")->required();
+        });
+
+    std::vector<std::string> imported;
+    add(
+        app, "import", "Bring back sessions from CSV files that Kestrio (or Timeweft) exported", result,
+        [&] { return kestrio::importSessions(imported); },
+        [&](CLI::App& command) {
+            command.add_option("files", imported, "The files, or - for standard input")->required();
+        });
     kestrio::ReportOptions reportOptions;
     addReport(app, reportOptions, result);
 

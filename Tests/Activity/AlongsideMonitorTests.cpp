@@ -61,17 +61,20 @@ protected:
             page.url + "\x1F" + page.title + "\x1F" + (page.isPrivate ? "incognito" : "normal");
     }
 
-    Rows alongsideRows() { return without("focus"); }
-    Rows focusRows() { return without("alongside"); }
+    Rows alongsideRows() {
+        auto found = rows();
+        std::erase_if(found, [](const auto& row) { return !isAlongside(row); });
+        return found;
+    }
+    Rows focusRows() {
+        auto found = rows();
+        std::erase_if(found, isAlongside);
+        return found;
+    }
 
 private:
-    Rows without(const std::string& line) {
-        auto found = rows();
-        std::erase_if(found, [&](const auto& row) {
-            const bool isAlongside = row.find("(Watching)") != row.npos || row.find("(Listening)") != row.npos;
-            return isAlongside == (line == "alongside");
-        });
-        return found;
+    static bool isAlongside(const std::string& row) {
+        return row.find("(Watching)") != row.npos || row.find("(Listening)") != row.npos;
     }
 };
 

@@ -1,9 +1,6 @@
-#include "Kestrio/Base/LoopQueue.h"
 #include "Kestrio/Link/BackgroundClient.h"
-#include "Kestrio/Link/BackgroundService.h"
 #include "Kestrio/Link/BusNames.h"
-#include "Kestrio/Platform/Linux/BusConnection.h"
-#include "Tests/Link/LinkBench.h"
+#include "Tests/Link/TestAgent.h"
 #include "Tests/Platform/Linux/ServedBus.h"
 #include "Tests/Support/Eventually.h"
 #include "Tests/Support/PrivateBus.h"
@@ -14,50 +11,6 @@
 
 namespace kestrio {
 namespace {
-
-/// An agent on a bus, served by a real loop. The monitor's virtual time passes in that loop's work.
-class TestAgent {
-public:
-    explicit TestAgent(const std::string& address) {
-        main.sync([&] {
-            bench = std::make_unique<LinkBench>(&main);
-            connection = BusConnection::open(main, address);
-            offer();
-        });
-    }
-    ~TestAgent() { end(); }
-    TestAgent(const TestAgent&) = delete;
-    TestAgent& operator=(const TestAgent&) = delete;
-
-    bool isOffered() {
-        return main.sync([&] { return service != nullptr; });
-    }
-    void end() {
-        main.sync([&] {
-            service.reset();
-            bench.reset();
-            connection.reset();
-        });
-    }
-    /// Runs work on the agent's main queue.
-    template <class Work>
-    auto with(Work work) {
-        return main.sync([&] { return work(*bench); });
-    }
-
-private:
-    void offer() {
-        if (connection)
-            service = BackgroundService::offer(
-                connection->connection(), [this](const auto& work) { return connection->perform(work); },
-                *bench->background);
-    }
-
-    WorkerQueue main{"main"};
-    std::unique_ptr<BusConnection> connection;
-    std::unique_ptr<LinkBench> bench;
-    std::unique_ptr<BackgroundService> service;
-};
 
 /// Somebody else on the bus: a script that reads properties and hears signals.
 class Script {

@@ -15,10 +15,12 @@ struct LinkBench : MonitorBench {
         show("org.example.editor", "Draft");
         model = std::make_unique<AppModel>(AppModel::Parts{time, mainQueue, *monitor, settings, loginItem});
         background = std::make_unique<LocalBackground>(
-            *model, LocalBackground::Facts{"1.2.3", 4711, "/home/ada/data/Kestrio", origin}, [this] {
+            *model, LocalBackground::Facts{"1.2.3", 4711, "/home/ada/data/Kestrio", origin},
+            [this] {
                 ++dashboards;
                 return dashboardFailure;
-            });
+            },
+            [this](auto files, auto receiver) { return importFiles(std::move(files), std::move(receiver)); });
         model->start();
         pass(2.6);
     }
@@ -28,6 +30,7 @@ struct LinkBench : MonitorBench {
     ScriptedLoginItem loginItem;
     int dashboards = 0;
     Background::Failure dashboardFailure;
+    LocalBackground::ImportFiles importFiles;
     std::unique_ptr<AppModel> model;
     std::unique_ptr<LocalBackground> background;
 };

@@ -14,6 +14,7 @@ import sqlite3
 import subprocess
 import sys
 import tempfile
+import threading
 import time
 import unittest
 
@@ -26,7 +27,8 @@ DEADLINE = 20  # seconds; what is waited for takes less than three
 
 COMMANDS = ["record", "watch", "status", "sessions", "report", "pause", "resume", "settings", "settings list", "settings get",
             "settings set", "settings reset", "doctor", "categories", "categories list", "categories set",
-            "categories reset", "projects", "projects list", "projects add", "projects move", "projects remove", "explain"]
+            "categories reset", "projects", "projects list", "projects add", "projects move", "projects remove", "explain",
+            "report", "export", "import", "top", "machine", "disk-test"]
 
 SESSION_KEYS = ["id", "start", "end", "bundleID", "appName", "title", "url", "domain", "project", "kind"]
 STATUS_KEYS = ["state", "pausedUntil", "live", "alongside", "unsaved", "isAccessibilityGranted", "version",
@@ -160,6 +162,9 @@ class Usage(Case):
             "projects add kest A --ignore", "projects add kest A --at 0", "projects add kest A --at 2",
             "projects add kest A --at x", "projects move 1", "projects move 1 1", "projects remove", "projects remove 1",
             "projects remove x", "projects remove -1", "explain", "explain --app", "explain --title x",
+            "export",
+            "export --range today", "export -o", "export --range -o x", "export --range bogus -o x", "export extra -o x",
+            "import", "import --bogus",
         ]
         for line in wrong:
             with self.subTest(line):
@@ -193,7 +198,8 @@ class Usage(Case):
         self.assertFalse(self.home.exists())
 
     def test_without_any_home_there_is_a_clear_line(self):
-        for command in ("status", "sessions", "settings list", "doctor", "record", "watch", "resume"):
+        for command in ("status", "sessions", "settings list", "doctor", "record", "watch", "resume", "export -o -",
+                        "import /dev/null"):
             with self.subTest(command):
                 ran = self.run_ctl(*command.split(), HOME=None, KESTRIO_HOME=None)
                 self.assertEqual((ran.returncode, ran.stdout), (1, ""))
@@ -495,6 +501,178 @@ class Files(Case):
             self.assertEqual(oct(mode), oct(0o700 if path.is_dir() else 0o600), path)
 
 
+HEADER = "start,end,duration_seconds,kind,app,bundle_id,category,project,title,url,domain\n"
+
+
+def csv_rows(count, length=50, first=0):
+    """An export of sessions of a minute each, from noon on."""
+    def moment(seconds):
+        return time.strftime("%Y-%m-%dT%H:%M:%S.000Z", time.gmtime(seconds))
+
+    return HEADER + "".join(
+        f"{moment(NOON + n * 60)},{moment(NOON + n * 60 + length)},{length},focused,Editor,org.example.Editor,"
+        f"Development,,Title {n},,\n" for n in range(first, first + count))
+
+
+class SessionFiles(Case):
+    def file(self, name, content):
+        path = self.folder / name
+        path.write_bytes(content if isinstance(content, bytes) else content.encode())
+        return path
+
+    def shrink_sidecar(self):
+        """What an import that was killed wrote there counts for nothing."""
+        with sqlite3.connect(self.database) as connection:
+            connection.execute("PRAGMA wal_checkpoint(TRUNCATE)")
+        connection.close()
+
+    def titles(self):
+        return [row["title"] for row in self.rows()]
+
+    def test_what_was_exported_is_already_there(self):
+        self.record_nothing()
+        self.add(NOON, NOON + 3600.5, 'A "Letter", of\ntwo lines', url="https://example.org/")
+        self.add(NOON + 3600, NOON + 5400, "Song", app="Player", kind=2)
+        file = self.folder / "out.csv"
+        self.assertEqual(self.ctl("export", "-o", str(file), TZ="Europe/Berlin"), "Exported 2 sessions to out.csv.\n")
+        self.assertEqual(file.read_text(), HEADER +
+            '2023-11-15T13:00:00.000+01:00,2023-11-15T14:00:00.500+01:00,3601,focused,Editor,org.example.Editor,Other,,'
+            '"A ""Letter"", of\ntwo lines",https://example.org/,\n'
+            '2023-11-15T14:00:00.000+01:00,2023-11-15T14:30:00.000+01:00,1800,listening,Player,org.example.Player,'
+            'Other,,Song,,\n')
+        self.assertEqual(oct(file.stat().st_mode & 0o777), oct(0o600))
+        self.assertEqual(self.ctl("import", str(file)), "Added 0 sessions, ignored 2 already in your history.\n")
+        self.assertEqual(len(self.rows()), 2)
+
+    def test_an_export_has_the_categories_and_projects_that_count(self):
+        self.record_nothing()
+        self.add(NOON, NOON + 60, "Letter")
+        settings = self.home / "config" / "Kestrio" / "settings.json"
+        settings.parent.mkdir(parents=True, exist_ok=True)
+        settings.write_text(json.dumps({"appCategoryOverrides": {"org.example.Editor": "learning"}}))
+        self.assertIn(",org.example.Editor,Learning & AI,", self.ctl("export", "-o", "-"))
+
+    def test_ranges(self):
+        self.record_nothing()
+        now = time.time()
+        for days, title in [(0, "now"), (3, "week"), (20, "month"), (400, "old")]:
+            self.add(now - days * 86400 - 2, now - days * 86400 - 1, title)
+        for name, count in [("week", 2), ("month", 3), ("all", 4)]:
+            self.assertEqual(self.ctl("export", "--range", name, "-o", "-").count("\n"), count + 1, name)
+        self.assertEqual(self.ctl("export", "-o", "-").count("\n"), 5)
+
+    def test_without_anything_recorded_an_export_is_a_header(self):
+        self.assertEqual(self.ctl("export", "-o", "-"), HEADER)
+        self.assertFalse(self.home.exists())
+
+    def test_an_export_that_fails_leaves_what_was_there(self):
+        self.record_nothing()
+        for place in ("/nonexistent/out.csv", str(self.folder), "/dev/full"):
+            with self.subTest(place):
+                self.add(NOON, NOON + 60, "Letter")
+                before = tree(self.folder)
+                ran = self.run_ctl("export", "-o", place)
+                self.assertEqual((ran.returncode, ran.stdout), (1, ""))
+                self.assertRegex(ran.stderr, r"\Akestrioctl: Export failed: [A-Z][^\n]+\n\Z")
+                after = tree(self.folder)
+                for sidecar in ("-shm", "-wal"):
+                    for each in (before, after):
+                        each.pop(f"home/data/Kestrio/activity.sqlite{sidecar}", None)
+                self.assertEqual(after, before)
+
+    def test_an_export_through_a_link_keeps_the_link(self):
+        self.record_nothing()
+        target = self.file("target.csv", "old")
+        link = self.folder / "link.csv"
+        link.symlink_to(target)
+        self.ctl("export", "-o", str(link))
+        self.assertTrue(link.is_symlink())
+        self.assertEqual(target.read_text(), HEADER)
+
+    def test_several_files_are_one_import(self):
+        first, second = self.file("a.csv", csv_rows(10)), self.file("b.csv", csv_rows(10, length=55, first=5))
+        self.assertEqual(self.ctl("import", str(first), str(second)), "Added 15 sessions, extended 5.\n")
+        self.assertEqual(self.titles(), [f"Title {n}" for n in range(15)])
+
+    def test_standard_input_is_a_file_too(self):
+        ran = subprocess.run([BIN / "kestrioctl", "import", "-"], env=self.environment, text=True, capture_output=True,
+                             input=csv_rows(3), timeout=DEADLINE)
+        self.assertEqual((ran.returncode, ran.stdout, ran.stderr), (0, "Added 3 sessions.\n", ""))
+
+    def test_a_bad_file_is_said_and_nothing_written(self):
+        good = self.file("good.csv", csv_rows(10))
+        self.ctl("import", str(good))
+        before = self.rows()
+        foreign = "This doesn't look like a Kestrio export (missing column: start, end, bundle_id)."
+        table = [
+            (self.file("foreign.csv", "date,amount\n2023-11-15,3.50\n"), foreign),
+            (self.file("bytes.csv", csv_rows(5).encode() + b"\xff"), 'The file "bytes.csv" isn\'t UTF-8 text.'),
+            (self.file("rubbish.csv", bytes(range(256)) * 4000), 'The file "rubbish.csv" isn\'t UTF-8 text.'),
+            (self.folder / "missing.csv", 'The file "missing.csv" couldn\'t be read: No such file or directory.'),
+            (self.folder, f'The file "{self.folder.name}" couldn\'t be read: Is a directory.'),
+        ]
+        more = self.file("more.csv", csv_rows(20))
+        for path, message in table:
+            with self.subTest(path.name):
+                ran = self.run_ctl("import", str(more), str(path))
+                self.assertEqual((ran.returncode, ran.stdout, ran.stderr),
+                                 (1, "", f"kestrioctl: Import failed: {message}\n"))
+                self.assertEqual(self.rows(), before)
+
+    def test_killed_or_interrupted_it_leaves_the_database_as_it_was(self):
+        self.ctl("import", str(self.file("first.csv", csv_rows(100))))
+        before = self.rows()
+        many = self.file("many.csv", csv_rows(120_000, length=55))
+        wal = self.database.with_name(self.database.name + "-wal")
+        for how, status in [(signal.SIGKILL, -signal.SIGKILL), (signal.SIGINT, 130), (signal.SIGTERM, 130)]:
+            with self.subTest(how):
+                importing = self.start("kestrioctl", "import", str(many))
+                # It writes: the sidecar grows with what is not yet kept.
+                self.assertTrue(until(lambda: wal.exists() and wal.stat().st_size > 1_000_000))
+                importing.send_signal(how)
+                self.assertEqual(importing.wait(DEADLINE), status)
+                if how != signal.SIGKILL:
+                    self.assertEqual(importing.stderr.read(), "kestrioctl: Import stopped.\n")
+                self.assertEqual(self.rows(), before)
+                self.shrink_sidecar()
+        self.assertEqual(self.ctl("import", str(many)), "Added 119,900 sessions, extended 100.\n")
+
+    def test_a_pipe_without_an_end_can_be_interrupted(self):
+        importing = subprocess.Popen([BIN / "kestrioctl", "import", "-"], env=self.environment, text=True,
+                                     stdin=subprocess.PIPE, stderr=subprocess.PIPE)
+        self.addCleanup(importing.communicate)
+        importing.stdin.write(csv_rows(10))
+        importing.stdin.flush()
+        self.assertTrue(until(self.database.exists))
+        importing.send_signal(signal.SIGINT)
+        self.assertEqual(importing.wait(DEADLINE), 130)
+        self.assertEqual(self.rows(), [])
+
+    def test_progress_shows_on_a_terminal_alone(self):
+        many = self.file("many.csv", csv_rows(20_000))
+        self.assertEqual(self.run_ctl("import", str(many)).stderr, "")
+        main, side = os.openpty()
+        ran = subprocess.run([BIN / "kestrioctl", "import", str(many)], env=self.environment, stdout=subprocess.PIPE,
+                             stderr=side, timeout=DEADLINE)
+        os.close(side)
+        shown = os.read(main, 65536).decode()
+        os.close(main)
+        self.assertIn("\rImporting… ", shown)
+        self.assertTrue(shown.endswith("\r\x1b[K"), repr(shown[-40:]))
+        self.assertIn(b"ignored 20,000", ran.stdout)
+
+    def test_it_does_not_write_beside_another_writer(self):
+        recorder = self.start("kestrioctl", "record", DISPLAY=None, DBUS_SESSION_BUS_ADDRESS=None)
+        self.assertTrue(until(self.database.exists))
+        ran = self.run_ctl("import", str(self.file("a.csv", csv_rows(3))))
+        self.assertEqual((ran.returncode, ran.stdout), (1, ""))
+        self.assertEqual(ran.stderr, "kestrioctl: Kestrio is running, but does not answer here. End it, or import where "
+                                     "it runs.\n")
+        recorder.send_signal(signal.SIGINT)
+        self.assertEqual(recorder.wait(DEADLINE), 0)
+        self.assertEqual(self.rows(), [])
+
+
 class Output(Case):
     def shell(self, script):
         return subprocess.run(["sh", "-c", script], env=self.environment | {"CTL": str(BIN / "kestrioctl")},
@@ -726,6 +904,56 @@ class OnADesktop(Case):
         self.open_window("Second")
         self.assertEqual(recorder.wait(DEADLINE), 0)
         self.assertIn("First", [row["title"] for row in self.rows()])
+
+    def test_an_import_goes_through_the_agent(self):
+        agent = self.start_agent()
+        self.open_window("First")
+        self.until_front("First")
+        file = self.folder / "a.csv"
+        file.write_text(csv_rows(1000))
+        monitor = self.start("dbus-monitor", "--session", "type='signal',member='ActivityDataDidChange'")
+        heard = []
+        threading.Thread(target=lambda: heard.extend(iter(monitor.stdout.readline, "")), daemon=True).start()
+        self.assertTrue(until(lambda: heard))  # it listens
+        self.assertEqual(self.ctl("import", str(file)), "Added 1,000 sessions.\n")
+        self.assertTrue(until(lambda: any("ActivityDataDidChange" in line for line in heard)))
+        self.assertEqual(self.ctl("import", str(file)), "Added 0 sessions, ignored 1,000 already in your history.\n")
+        file.write_text("date,amount\n")
+        ran = self.run_ctl("import", str(file))
+        self.assertEqual((ran.returncode, ran.stdout, ran.stderr),
+                         (1, "", "kestrioctl: Import failed: This doesn't look like a Kestrio export (missing column: "
+                                 "start, end, bundle_id).\n"))
+        self.assertIsNone(agent.poll())
+        self.assertTrue(until(self.is_worth_a_row))
+        self.assertIn(",XTerm,", self.ctl("export", "--range", "today", "-o", "-"))  # still open
+
+    def test_an_import_through_the_agent_can_be_interrupted(self):
+        agent = self.start_agent()
+        file = self.folder / "many.csv"
+        file.write_text(csv_rows(120_000))
+        wal = self.database.with_name(self.database.name + "-wal")
+
+        def is_writing():
+            return wal.exists() and wal.stat().st_size > 1_000_000
+
+        for how, status in [(signal.SIGINT, 130), (signal.SIGKILL, -signal.SIGKILL)]:
+            with self.subTest(how):
+                importing = self.start("kestrioctl", "import", str(file))
+                self.assertTrue(until(is_writing))
+                importing.send_signal(how)
+                self.assertEqual(importing.wait(DEADLINE), status)
+                # The next one is not refused once the agent has noticed.
+                self.assertTrue(until(lambda: self.run_ctl("import", "/dev/null").returncode == 0))
+                self.assertEqual([row for row in self.rows() if row["title"].startswith("Title")], [])
+                with sqlite3.connect(self.database) as connection:
+                    connection.execute("PRAGMA wal_checkpoint(TRUNCATE)")
+                connection.close()
+        importing = self.start("kestrioctl", "import", str(file))
+        self.assertTrue(until(is_writing))
+        agent.terminate()  # in the middle
+        self.assertEqual(agent.wait(DEADLINE), 0)
+        self.assertEqual(importing.wait(DEADLINE), 1)
+        self.assertEqual([row for row in self.rows() if row["title"].startswith("Title")], [])
 
     def test_the_doctor_finds_everything_that_is_there(self):
         self.start_agent()

@@ -248,5 +248,30 @@ TEST_F(AppModelTest, theLoginItemFollowsThePersonsChoice) {
     EXPECT_FALSE(loginItem.isEnabled());
 }
 
+TEST_F(AppModelTest, browsersAreReadOnlyWhereSomethingReadsThem) {
+    const BrowserApp browser{"org.example.browser", "Browser"};
+    model->refreshBrowserPermissions();
+    model->requestBrowserAccess(browser);
+    pass(10);
+    EXPECT_TRUE(model->browserPermissions().value().empty());
+
+    VirtualQueue worker{time, "worker"};
+    bool isRunning = false;
+    Permissions::Host host;
+    host.applicationName = [](const std::string&) { return std::optional<std::string>("Browser"); };
+    host.readiness = [&](const std::string&) { return std::optional(BrowserReadiness{.isRunning = isRunning}); };
+    host.openInBackground = [&](const BrowserApp&) { isRunning = true; };
+    const Permissions permissions({browser.bundleID}, "en_US", host);
+    BrowserAccess access(main, worker, permissions);
+    model = std::make_unique<AppModel>(AppModel::Parts{time, main, *monitor, settings, loginItem, false, &access});
+    Told told(model->browserPermissions());
+    model->refreshBrowserPermissions();
+    pass(1);
+    model->requestBrowserAccess(browser);
+    pass(3);
+    EXPECT_EQ(told.values, (std::vector<std::vector<BrowserPermission>>{{{browser, AutomationStatus::notRunning}},
+                                                                        {{browser, AutomationStatus::notDetermined}}}));
+}
+
 } // namespace
 } // namespace kestrio

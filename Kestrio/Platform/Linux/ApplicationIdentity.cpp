@@ -23,6 +23,11 @@ bool isTerminal(const DesktopEntry& entry) {
     return (";" + entry.categories + ";").find(";TerminalEmulator;") != std::string::npos;
 }
 
+/// As opposed to helpers, and to commands that only a terminal shows.
+bool isStartedByPeople(const DesktopEntry& entry) {
+    return entry.isShown && !entry.runsInTerminal;
+}
+
 std::optional<std::string> nonEmpty(std::string text) {
     return text.empty() ? std::nullopt : std::optional(std::move(text));
 }
@@ -34,13 +39,8 @@ public:
         : owner_(owner), evidence_(evidence), entries_(entries), catalogue_(catalogue) {}
 
     ApplicationID result() {
-        if (auto found = byUnit())
+        if (auto found = byOrigin())
             return *found;
-        if (evidence_.sandboxApplication)
-            return ofDesktopID(*evidence_.sandboxApplication);
-        if (evidence_.desktopFile)
-            if (const auto* entry = entries_.byFile(*evidence_.desktopFile); entry && isCredible(*entry))
-                return of(*entry);
         if (const auto* entry = byClass())
             return of(*entry);
         if (auto found = byKnownClass())
@@ -50,7 +50,31 @@ public:
         return byBareClass();
     }
 
+    std::optional<ApplicationID> resultWithoutWindow() {
+        const auto* unit = evidence_.unitApplication ? entries_.byID(*evidence_.unitApplication) : nullptr;
+        const bool isOfUnit = evidence_.sandboxApplication || (unit && runsProgramOf(*unit));
+        if (!isOfUnit)
+            for (const auto& name : evidence_.programNames)
+                if (const auto* entry = entries_.byProgram(name); entry && isStartedByPeople(*entry))
+                    return of(*entry);
+        if (auto found = byOrigin())
+            return found;
+        return byProgram();
+    }
+
 private:
+    /// By what the desktop started, from which everything below has it.
+    std::optional<ApplicationID> byOrigin() {
+        if (auto found = byUnit())
+            return found;
+        if (evidence_.sandboxApplication)
+            return ofDesktopID(*evidence_.sandboxApplication);
+        if (evidence_.desktopFile)
+            if (const auto* entry = entries_.byFile(*evidence_.desktopFile); entry && isCredible(*entry))
+                return of(*entry);
+        return std::nullopt;
+    }
+
     std::optional<ApplicationID> byUnit() {
         if (!evidence_.unitApplication)
             return std::nullopt;
@@ -155,6 +179,12 @@ ApplicationID identify(const WindowOwner& owner, const ProcessEvidence& evidence
     return Search(owner, evidence, entries, catalogue).result();
 }
 
+std::optional<ApplicationID> applicationOf(const ProcessEvidence& evidence, DesktopEntries& entries,
+                                           const IdentityCatalogue& catalogue) {
+    const WindowOwner nobody{};
+    return Search(nobody, evidence, entries, catalogue).resultWithoutWindow();
+}
+
 ApplicationIdentity::ApplicationIdentity(DesktopEntries& entries, const IdentityCatalogue& catalogue,
                                          std::filesystem::path processes)
     : entries_(entries), catalogue_(catalogue), processes_(std::move(processes)) {}
@@ -172,6 +202,20 @@ ApplicationID ApplicationIdentity::identify(const WindowOwner& owner) {
     auto result = kestrio::identify(owner, evidence, entries_, catalogue_);
     known_.emplace(std::move(key), result);
     return result;
+}
+
+std::optional<ApplicationID> ApplicationIdentity::applicationOf(pid_t process) {
+    entries_.refresh();
+    auto found = kestrio::applicationOf(readProcessEvidence(processes_, process), entries_, catalogue_);
+    if (found && found->bundleIdentifier && !found->localizedName)
+        found->localizedName = name(*found->bundleIdentifier);
+    return found;
+}
+
+bool ApplicationIdentity::isApplicationProgram(std::string_view fileName) {
+    entries_.refresh();
+    const auto* entry = entries_.byProgram(fileName);
+    return entry && isStartedByPeople(*entry);
 }
 
 const DesktopEntry* ApplicationIdentity::installed(std::string_view bundleIdentifier) {

@@ -40,6 +40,12 @@ struct ApplicationID {
 ApplicationID identify(const WindowOwner& owner, const ProcessEvidence& evidence, DesktopEntries& entries,
                        const IdentityCatalogue& catalogue);
 
+/// The application that a process is by itself, without a window: what the desktop started it as, or what its program
+/// is installed as. A program with a desktop file of its own counts before the unit that it inherited. Absent for any
+/// other program.
+std::optional<ApplicationID> applicationOf(const ProcessEvidence& evidence, DesktopEntries& entries,
+                                           const IdentityCatalogue& catalogue);
+
 class ApplicationIdentity {
 public:
     /// `processes` is `/proc`, or a folder like it. Entries and catalogue must outlive this.
@@ -47,6 +53,11 @@ public:
                         std::filesystem::path processes = "/proc");
 
     ApplicationID identify(const WindowOwner& owner);
+
+    std::optional<ApplicationID> applicationOf(pid_t process);
+
+    /// Whether a program of this file name is an application that people start, with windows of its own.
+    bool isApplicationProgram(std::string_view fileName);
 
     /// The name and the icon of an installed application by its bundle identifier.
     std::optional<std::string> name(std::string_view bundleIdentifier);

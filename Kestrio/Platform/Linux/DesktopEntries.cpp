@@ -183,6 +183,8 @@ DesktopFile parseDesktopFile(std::string_view text, std::string_view locale) {
             entry.windowClass = unescaped(value);
         else if (key == "Categories")
             entry.categories = unescaped(value);
+        else if (key == "Terminal")
+            entry.runsInTerminal = value == "true";
         else if (key == "Name" || (key.starts_with("Name[") && key.ends_with(']'))) {
             const auto fit = fitOfLocale(key == "Name" ? "" : key.substr(5, key.size() - 6), locale);
             if (fit && *fit > nameFit) {

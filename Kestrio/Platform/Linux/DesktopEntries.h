@@ -25,6 +25,7 @@ struct DesktopEntry {
     std::string windowClass; // StartupWMClass; may be empty
     std::string categories;  // as in the file
     bool isShown = true;     // false: a helper for one kind of file or address (NoDisplay)
+    bool runsInTerminal = false;
 
     friend bool operator==(const DesktopEntry&, const DesktopEntry&) = default;
 };

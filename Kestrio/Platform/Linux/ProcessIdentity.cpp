@@ -96,17 +96,17 @@ std::string_view withoutCarriageReturn(std::string_view line) {
     return line.ends_with('\r') ? line.substr(0, line.size() - 1) : line;
 }
 
-std::optional<std::string> readFile(const fs::path& path) {
-    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (descriptor < 0)
-        return std::nullopt;
-    std::string content;
-    std::array<char, 4096> buffer{};
-    ssize_t count = 0;
-    while (content.size() < longestFile && (count = read(descriptor, buffer.data(), buffer.size())) > 0)
-        content.append(buffer.data(), static_cast<std::size_t>(count));
-    close(descriptor);
-    return count < 0 ? std::nullopt : std::optional(std::move(content));
+/// What stands behind the key in the group of that header; absent when that is nothing.
+std::optional<std::string> valueOfFlatpakInfo(std::string_view text, std::string_view header, std::string_view key) {
+    bool isInGroup = false;
+    for (const auto raw : split(text, '\n')) {
+        const auto line = withoutCarriageReturn(raw);
+        if (line.starts_with('['))
+            isInGroup = line == header;
+        else if (isInGroup && line.starts_with(key) && line.size() > key.size())
+            return std::string(line.substr(key.size()));
+    }
+    return std::nullopt;
 }
 
 std::string fileName(std::string_view path) {
@@ -150,7 +150,42 @@ std::vector<std::string> programNames(const std::optional<fs::path>& executable,
     return names;
 }
 
+/// The script that an interpreter was started with. Absent where it takes its program from an option or from input.
+std::optional<fs::path> scriptOf(const std::vector<std::string>& arguments, const fs::path& folder) {
+    if (arguments.size() < 2 || arguments[1].starts_with('-') || arguments[1].empty())
+        return std::nullopt;
+    const fs::path script = arguments[1];
+    if (script.is_absolute())
+        return script.lexically_normal();
+    std::error_code error;
+    const auto at = fs::read_symlink(folder / "cwd", error);
+    return error ? std::nullopt : std::optional((at / script).lexically_normal());
+}
+
+/// What lies below `/app` in a Flatpak is another file for each of them; on the host its place is its own.
+fs::path placeOnHost(const fs::path& path, const fs::path& folder) {
+    constexpr std::string_view sandboxed = "/app/";
+    if (!path.native().starts_with(sandboxed))
+        return path;
+    const auto info = readProcessFile(folder / "root" / ".flatpak-info");
+    const auto place = info ? placeOfFlatpak(*info) : std::nullopt;
+    return place ? *place / path.native().substr(sandboxed.size()) : path;
+}
+
 } // namespace
+
+std::optional<std::string> readProcessFile(const fs::path& path) {
+    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (descriptor < 0)
+        return std::nullopt;
+    std::string content;
+    std::array<char, 4096> buffer{};
+    ssize_t count = 0;
+    while (content.size() < longestFile && (count = read(descriptor, buffer.data(), buffer.size())) > 0)
+        content.append(buffer.data(), static_cast<std::size_t>(count));
+    close(descriptor);
+    return count < 0 ? std::nullopt : std::optional(std::move(content));
+}
 
 std::string unescapedUnitName(std::string_view name) {
     std::string result;
@@ -192,15 +227,11 @@ std::optional<std::string> snapApplicationOfControlGroup(std::string_view text) 
 }
 
 std::optional<std::string> applicationOfFlatpakInfo(std::string_view text) {
-    bool isInGroup = false;
-    for (const auto raw : split(text, '\n')) {
-        const auto line = withoutCarriageReturn(raw);
-        if (line.starts_with('['))
-            isInGroup = line == "[Application]";
-        else if (isInGroup && line.starts_with("name=") && line.size() > 5)
-            return std::string(line.substr(5));
-    }
-    return std::nullopt;
+    return valueOfFlatpakInfo(text, "[Application]", "name=");
+}
+
+std::optional<fs::path> placeOfFlatpak(std::string_view text) {
+    return valueOfFlatpakInfo(text, "[Instance]", "app-path=");
 }
 
 std::optional<fs::path> launchedDesktopFile(std::string_view environment, pid_t process) {
@@ -254,22 +285,34 @@ bool isInterpreter(std::string_view name) {
 ProcessEvidence readProcessEvidence(const fs::path& root, pid_t process) {
     const auto folder = root / std::to_string(process);
     ProcessEvidence evidence;
-    if (const auto group = readFile(folder / "cgroup")) {
+    if (const auto group = readProcessFile(folder / "cgroup")) {
         evidence.unitApplication = applicationOfControlGroup(*group);
         evidence.sandboxApplication = snapApplicationOfControlGroup(*group);
     }
-    if (const auto info = readFile(folder / "root" / ".flatpak-info"))
+    if (const auto info = readProcessFile(folder / "root" / ".flatpak-info"))
         evidence.sandboxApplication = applicationOfFlatpakInfo(*info);
-    if (const auto environment = readFile(folder / "environ"))
+    if (const auto environment = readProcessFile(folder / "environ"))
         evidence.desktopFile = launchedDesktopFile(*environment, process);
     evidence.executable = readExecutable(folder);
     evidence.programNames =
-        programNames(evidence.executable, commandArguments(readFile(folder / "cmdline").value_or("")));
+        programNames(evidence.executable, commandArguments(readProcessFile(folder / "cmdline").value_or("")));
     return evidence;
 }
 
+std::optional<fs::path> readProgram(const fs::path& root, pid_t process) {
+    const auto folder = root / std::to_string(process);
+    const auto executable = readExecutable(folder);
+    if (executable && !isInterpreter(executable->filename().native()))
+        return placeOnHost(*executable, folder);
+    const auto arguments = commandArguments(readProcessFile(folder / "cmdline").value_or(""));
+    if (executable)
+        return placeOnHost(scriptOf(arguments, folder).value_or(*executable), folder);
+    return !arguments.empty() && fs::path(arguments.front()).is_absolute() ? std::optional(fs::path(arguments.front()))
+                                                                           : std::nullopt;
+}
+
 std::optional<std::uint64_t> readStartTicks(const fs::path& root, pid_t process) {
-    const auto text = readFile(root / std::to_string(process) / "stat");
+    const auto text = readProcessFile(root / std::to_string(process) / "stat");
     return text ? startTicks(*text) : std::nullopt;
 }
 

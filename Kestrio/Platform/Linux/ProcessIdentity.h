@@ -51,8 +51,21 @@ struct ProcessEvidence {
     std::vector<std::string> programNames;
 };
 
+/// What the kernel writes into a file below `/proc`, up to 256 KiB. Absent when the process is gone or not ours to
+/// read.
+std::optional<std::string> readProcessFile(const std::filesystem::path& path);
+
 /// `root` is `/proc`, or a folder like it.
 ProcessEvidence readProcessEvidence(const std::filesystem::path& root, pid_t process);
+
+/// The path of the program that a process runs: of its executable, or behind an interpreter of the script; inside a
+/// Flatpak the place on the host. Somebody else's process shows at best what it was called by. Absent for a kernel
+/// thread and for one that calls itself by no path.
+std::optional<std::filesystem::path> readProgram(const std::filesystem::path& root, pid_t process);
+
+/// Where the files of a Flatpak lie on the host, which the sandbox sees as `/app`.
+std::optional<std::filesystem::path> placeOfFlatpak(std::string_view flatpakInfo);
+
 std::optional<std::uint64_t> readStartTicks(const std::filesystem::path& root, pid_t process);
 
 } // namespace kestrio

@@ -12,6 +12,7 @@
 #include <thread>
 #include <utility>
 #include <xcb/dpms.h>
+#include <xcb/randr.h>
 #include <xcb/res.h>
 #include <xcb/screensaver.h>
 #include <xcb/xcbext.h>
@@ -27,6 +28,7 @@ struct AtomName {
     std::string_view name;
 };
 constexpr std::array atomNames{
+    AtomName{&X11Atoms::gtkFrameExtents, "_GTK_FRAME_EXTENTS"},
     AtomName{&X11Atoms::netActiveWindow, "_NET_ACTIVE_WINDOW"},
     AtomName{&X11Atoms::netClientList, "_NET_CLIENT_LIST"},
     AtomName{&X11Atoms::netClientListStacking, "_NET_CLIENT_LIST_STACKING"},
@@ -42,6 +44,13 @@ constexpr std::array atomNames{
     AtomName{&X11Atoms::utf8String, "UTF8_STRING"},
     AtomName{&X11Atoms::compoundText, "COMPOUND_TEXT"},
     AtomName{&X11Atoms::wmState, "WM_STATE"},
+    AtomName{&X11Atoms::netCurrentDesktop, "_NET_CURRENT_DESKTOP"},
+    AtomName{&X11Atoms::netWmDesktop, "_NET_WM_DESKTOP"},
+    AtomName{&X11Atoms::netWmStateHidden, "_NET_WM_STATE_HIDDEN"},
+    AtomName{&X11Atoms::netWmWindowOpacity, "_NET_WM_WINDOW_OPACITY"},
+    AtomName{&X11Atoms::netWmWindowTypeDesktop, "_NET_WM_WINDOW_TYPE_DESKTOP"},
+    AtomName{&X11Atoms::netWmWindowTypeDock, "_NET_WM_WINDOW_TYPE_DOCK"},
+    AtomName{&X11Atoms::saverSuspend, "SaverSuspend"}, // the name of a type of resource
 };
 
 bool internAtoms(X11Server& server) {
@@ -65,7 +74,7 @@ bool offers(xcb_connection_t* xcb, xcb_extension_t& extension) {
 
 /// Asking for an extension waits inside xcb without a limit, also at its first use. Hence all of it is asked here.
 void askForExtensions(X11Server& server) {
-    for (auto* extension : {&xcb_screensaver_id, &xcb_res_id, &xcb_dpms_id})
+    for (auto* extension : {&xcb_screensaver_id, &xcb_res_id, &xcb_dpms_id, &xcb_randr_id})
         xcb_prefetch_extension_data(server.xcb, extension);
     server.hasScreenSaver = offers(server.xcb, xcb_screensaver_id);
     if (offers(server.xcb, xcb_res_id)) {
@@ -78,6 +87,12 @@ void askForExtensions(X11Server& server) {
         const X11Reply<xcb_dpms_capable_reply_t> capable(
             xcb_dpms_capable_reply(server.xcb, xcb_dpms_capable(server.xcb), nullptr));
         server.hasDisplayPower = capable && capable->capable;
+    }
+    if (offers(server.xcb, xcb_randr_id)) {
+        const X11Reply<xcb_randr_query_version_reply_t> version(
+            xcb_randr_query_version_reply(server.xcb, xcb_randr_query_version(server.xcb, 1, 5), nullptr));
+        server.hasMonitors =
+            version && (version->major_version > 1 || (version->major_version == 1 && version->minor_version >= 5));
     }
 }
 

@@ -18,9 +18,12 @@
 namespace kestrio {
 
 struct X11Atoms {
-    xcb_atom_t netActiveWindow, netClientList, netClientListStacking, netCloseWindow, netSupportingWmCheck;
+    xcb_atom_t gtkFrameExtents, netActiveWindow, netClientList, netClientListStacking, netCloseWindow,
+        netSupportingWmCheck;
     xcb_atom_t netWmName, netWmPid, netWmState, netWmStateSkipTaskbar, netWmWindowType, netWmWindowTypeDialog;
     xcb_atom_t netWmWindowTypeNormal, utf8String, compoundText, wmState;
+    xcb_atom_t netCurrentDesktop, netWmDesktop, netWmStateHidden, netWmWindowOpacity;
+    xcb_atom_t netWmWindowTypeDesktop, netWmWindowTypeDock, saverSuspend;
 };
 
 /// A server that answered: what was asked of it once and for all.
@@ -31,6 +34,7 @@ struct X11Server {
     bool hasScreenSaver = false;     // MIT-SCREEN-SAVER
     bool hasDisplayPower = false;    // DPMS, with a display that can do it
     bool hasClientProcesses = false; // X-Resource 1.2
+    bool hasMonitors = false;        // RandR 1.5
 
     X11Server() = default;
     X11Server(const X11Server&) = delete;

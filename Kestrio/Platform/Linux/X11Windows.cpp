@@ -1,6 +1,7 @@
 #include "Kestrio/Platform/Linux/X11Windows.h"
 
 #include "Kestrio/Base/Text.h"
+#include "Kestrio/Platform/Linux/X11Properties.h"
 #include "Kestrio/Platform/Linux/X11Text.h"
 
 #include <algorithm>
@@ -8,7 +9,6 @@
 #include <span>
 #include <strings.h>
 #include <unistd.h>
-#include <xcb/res.h>
 
 namespace kestrio {
 namespace {
@@ -20,35 +20,7 @@ constexpr std::uint32_t longestTitle = 16 * 1024;
 constexpr std::uint32_t mostWindows = 4096;
 constexpr int deepestWindow = 32;
 
-using Property = X11Reply<xcb_get_property_reply_t>;
-
-xcb_get_property_cookie_t ask(xcb_connection_t* xcb, xcb_window_t window, xcb_atom_t name, std::uint32_t words) {
-    return xcb_get_property(xcb, 0, window, name, XCB_GET_PROPERTY_TYPE_ANY, 0, words);
-}
-
-std::string_view bytesOf(const Property& property) {
-    if (!property || property->format != 8)
-        return {};
-    return {static_cast<const char*>(xcb_get_property_value(property.get())),
-            static_cast<std::size_t>(xcb_get_property_value_length(property.get()))};
-}
-
-/// The values of a property of 32-bit items: windows, atoms, numbers.
-std::span<const std::uint32_t> wordsOf(const Property& property) {
-    if (!property || property->format != 32)
-        return {};
-    return {static_cast<const std::uint32_t*>(xcb_get_property_value(property.get())),
-            static_cast<std::size_t>(xcb_get_property_value_length(property.get())) / 4};
-}
-
-std::optional<std::uint32_t> firstWord(const Property& property) {
-    const auto words = wordsOf(property);
-    return words.empty() ? std::nullopt : std::optional(words.front());
-}
-
-bool contains(std::span<const std::uint32_t> words, std::uint32_t word) {
-    return std::find(words.begin(), words.end(), word) != words.end();
-}
+using namespace x11;
 
 bool has(const std::vector<X11Window>& windows, xcb_window_t id) {
     return std::any_of(windows.begin(), windows.end(), [id](const X11Window& window) { return window.id == id; });
@@ -77,10 +49,8 @@ public:
         machine_ = ask(xcb, window, XCB_ATOM_WM_CLIENT_MACHINE, 64);
         type_ = ask(xcb, window, atoms.netWmWindowType, 32);
         state_ = ask(xcb, window, atoms.netWmState, 32);
-        if (operation.server().hasClientProcesses) {
-            const xcb_res_client_id_spec_t spec{window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
-            client_ = xcb_res_query_client_ids(xcb, 1, &spec);
-        }
+        if (operation.server().hasClientProcesses)
+            client_ = askForClientProcess(xcb, window);
     }
 
     /// Absent when the window is gone, or the server does not answer.
@@ -106,19 +76,11 @@ private:
     /// credentials: a sandboxed client gives the number that it has inside its sandbox.
     static std::optional<pid_t> processOf(const Property& claimed, const Property& machine,
                                           const xcb_res_query_client_ids_reply_t* client) {
-        if (client)
-            for (auto ids = xcb_res_query_client_ids_ids_iterator(client); ids.rem > 0;
-                 xcb_res_client_id_value_next(&ids))
-                if ((ids.data->spec.mask & XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID) &&
-                    xcb_res_client_id_value_value_length(ids.data) > 0)
-                    return positive(*xcb_res_client_id_value_value(ids.data));
+        if (const auto process = clientProcess(client))
+            return process;
         const auto pid = firstWord(claimed);
-        return pid && isThisHost(bytesOf(machine)) ? positive(*pid) : std::nullopt;
-    }
-
-    static std::optional<pid_t> positive(std::uint32_t number) {
-        const auto pid = static_cast<pid_t>(number);
-        return pid > 0 ? std::optional(pid) : std::nullopt;
+        const bool isLocal = pid && static_cast<pid_t>(*pid) > 0 && isThisHost(bytesOf(machine));
+        return isLocal ? std::optional(static_cast<pid_t>(*pid)) : std::nullopt;
     }
 
     /// Two texts, each closed by a zero byte.
@@ -193,6 +155,40 @@ struct TitleRequest {
         if (second->type == XCB_ATOM_STRING)
             return fromLatin1(bytes);
         return text::fromUntrustedBytes(withoutCutCharacter(bytes));
+    }
+};
+
+/// The requests for where a window is and what it is called, on their way.
+struct PlaceRequest {
+    TitleRequest title;
+    xcb_get_geometry_cookie_t geometry;
+    xcb_translate_coordinates_cookie_t origin;
+    xcb_get_property_cookie_t shadow;
+
+    PlaceRequest(X11Connection::Operation& operation, xcb_window_t window)
+        : title(operation, window),
+          geometry(xcb_get_geometry(operation.xcb(), window)),
+          origin(xcb_translate_coordinates(operation.xcb(), window, operation.server().root, 0, 0)),
+          shadow(ask(operation.xcb(), window, operation.server().atoms.gtkFrameExtents, 4)) {}
+
+    /// Absent when the window is gone.
+    std::optional<X11PlacedWindow> take(X11Connection::Operation& operation, const X11Window& window) const {
+        auto name = title.take(operation);
+        const auto size = operation.reply<xcb_get_geometry_reply_t>(geometry);
+        const auto place = operation.reply<xcb_translate_coordinates_reply_t>(origin);
+        const Property margins = operation.reply<xcb_get_property_reply_t>(shadow);
+        if (!operation || !size || !place)
+            return std::nullopt;
+        const Rectangle extents{static_cast<double>(place->dst_x), static_cast<double>(place->dst_y),
+                                static_cast<double>(size->width), static_cast<double>(size->height)};
+        auto bounds = extents;
+        if (const auto sides = wordsOf(margins); sides.size() == 4) { // left, right, top, bottom
+            bounds.x += sides[0];
+            bounds.y += sides[2];
+            bounds.width = std::max(0.0, bounds.width - sides[0] - sides[1]);
+            bounds.height = std::max(0.0, bounds.height - sides[2] - sides[3]);
+        }
+        return X11PlacedWindow{window, std::move(name), bounds, extents, false};
     }
 };
 
@@ -514,6 +510,44 @@ std::optional<std::string> X11Windows::title(pid_t process) {
         if (auto found = request.take(operation); title.empty())
             title = std::move(found);
     return title.empty() ? std::nullopt : std::optional(std::move(title));
+}
+
+std::vector<X11Window> X11Windows::frontToBack(Operation& operation) {
+    refreshActive(operation);
+    if (!operation || !manager_)
+        return operation && active_ ? std::vector{*active_} : std::vector<X11Window>();
+    refreshManaged(operation);
+    if (!operation)
+        return {};
+    const Property stacking = operation.reply<xcb_get_property_reply_t>(
+        ask(operation.xcb(), operation.server().root, operation.server().atoms.netClientListStacking, mostWindows));
+    const auto bottomToTop = wordsOf(stacking);
+    std::vector<X11Window> windows;
+    for (auto id = bottomToTop.rbegin(); id != bottomToTop.rend(); ++id)
+        for (const auto& window : managed_)
+            if (window.id == *id)
+                windows.push_back(window);
+    return windows;
+}
+
+std::optional<std::vector<X11PlacedWindow>> X11Windows::placed(const std::function<bool(const X11Window&)>& wanted) {
+    Operation operation(connection_);
+    if (!operation)
+        return std::nullopt;
+    auto windows = frontToBack(operation);
+    if (!operation)
+        return std::nullopt;
+    std::erase_if(windows, [&](const X11Window& window) { return !wanted(window); });
+    std::vector<PlaceRequest> requests;
+    for (const auto& window : windows)
+        requests.emplace_back(operation, window.id);
+    std::vector<X11PlacedWindow> result;
+    for (std::size_t i = 0; i < windows.size(); ++i)
+        if (auto window = requests[i].take(operation, windows[i])) {
+            window->isActive = windows[i].id == current_;
+            result.push_back(std::move(*window));
+        }
+    return operation ? std::optional(std::move(result)) : std::nullopt;
 }
 
 bool X11Windows::close(xcb_window_t window) {

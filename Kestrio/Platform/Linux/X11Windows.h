@@ -6,6 +6,7 @@
 // as nobody tells when that moves, it is asked for each time.
 #pragma once
 
+#include "Kestrio/Base/Rectangle.h"
 #include "Kestrio/Platform/Linux/X11Connection.h"
 
 #include <cstdint>
@@ -29,6 +30,15 @@ struct X11Window {
     friend bool operator==(const X11Window&, const X11Window&) = default;
 };
 
+/// A window as it stands among the others.
+struct X11PlacedWindow {
+    X11Window window;
+    std::string title; // as `X11Windows::title` reads it, but possibly empty
+    Rectangle bounds;  // without the shadow that a client draws around itself, and without the manager's frame
+    Rectangle extents; // with the shadow
+    bool isActive = false;
+};
+
 class X11Windows {
 public:
     /// The connection must outlive the windows.
@@ -48,6 +58,10 @@ public:
     /// The title of the process's active window, else of the front one of its windows with a title. Not empty, valid
     /// UTF-8; of a very long title the first 16 KiB.
     std::optional<std::string> title(pid_t process);
+
+    /// Those of the managed windows that are `wanted`, the front one first and minimised ones among them; without a
+    /// window manager the active one alone. Absent when there is no server, or it does not answer.
+    std::optional<std::vector<X11PlacedWindow>> placed(const std::function<bool(const X11Window&)>& wanted);
 
     /// Whether there is a server to ask, answering or not.
     bool hasServer();
@@ -80,6 +94,7 @@ private:
     std::optional<xcb_window_t> activeByManager(Operation& operation);
     std::optional<xcb_window_t> activeByFocus(Operation& operation);
     std::optional<std::string> activeTitle(Operation& operation);
+    std::vector<X11Window> frontToBack(Operation& operation);
 
     X11Connection& connection_;
     Signal<> changes_;

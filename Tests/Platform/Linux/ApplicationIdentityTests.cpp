@@ -130,5 +130,37 @@ TEST_F(Identity, anInstalledApplicationIsFoundByItsBundleIdentifier) {
     EXPECT_EQ(identity.categoryHint("nobody"), std::nullopt);
 }
 
+// --- A process by itself, without a window ---------------------------------------------------------------------------
+
+TEST_F(Identity, aProcessIsTheApplicationOfItsOrigin) {
+    const auto applicationOfEvidence = [this](const ProcessEvidence& evidence) {
+        return applicationOf(evidence, entries, IdentityCatalogue::builtIn());
+    };
+    EXPECT_EQ(applicationOfEvidence(evidenceOf("org.example.Notes", {"helper"})),
+              (ApplicationID{"org.example.Notes", "Notes"}));
+    EXPECT_EQ(applicationOfEvidence(evidenceOf("org.example.Notes", {"firefox-esr"})),
+              (ApplicationID{"org.mozilla.firefox", "Firefox"}))
+        << "which the notes have opened";
+    EXPECT_EQ(applicationOfEvidence(evidenceOf("code-url-handler", {"code"})).value().localizedName, "Handler")
+        << "an entry of its own for the same program";
+    EXPECT_EQ(applicationOfEvidence(evidenceOf({}, {"konsole"})), (ApplicationID{"org.kde.konsole", "Konsole"}));
+    EXPECT_EQ(applicationOfEvidence(evidenceOf({}, {"unheard-of"})), std::nullopt);
+    EXPECT_EQ(applicationOfEvidence({}), std::nullopt);
+
+    ProcessEvidence sandboxed = evidenceOf({}, {"firefox-esr"});
+    sandboxed.sandboxApplication = "org.example.Notes";
+    EXPECT_EQ(applicationOfEvidence(sandboxed).value().bundleIdentifier, "org.example.Notes");
+}
+
+TEST_F(Identity, aProgramIsAnApplicationWhenPeopleStartItAndItHasWindows) {
+    add("htop", "Name=Htop\nExec=htop\nTerminal=true\n");
+    add("opener", "Name=Opener\nExec=opener\nNoDisplay=true\n");
+    ApplicationIdentity identity(entries, IdentityCatalogue::builtIn(), folder.path() / "proc");
+    for (const auto* program : {"konsole", "notes", "firefox-esr", "code"})
+        EXPECT_TRUE(identity.isApplicationProgram(program)) << program;
+    for (const auto* program : {"htop", "opener", "bash", ""})
+        EXPECT_FALSE(identity.isApplicationProgram(program)) << program;
+}
+
 } // namespace
 } // namespace kestrio

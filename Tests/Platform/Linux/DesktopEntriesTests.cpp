@@ -48,6 +48,12 @@ TEST(DesktopFile, undoesEscapesAndMendsBytesThatAreNoText) {
     EXPECT_EQ(parseDesktopFile(entryText("Name=a\xff"), "").entry.name, "a\xEF\xBF\xBD");
 }
 
+TEST(DesktopFile, knowsWhatATerminalShows) {
+    EXPECT_TRUE(parseDesktopFile(entryText("Terminal=true\n"), "").entry.runsInTerminal);
+    EXPECT_FALSE(parseDesktopFile(entryText("Terminal=false\n"), "").entry.runsInTerminal);
+    EXPECT_FALSE(parseDesktopFile(entryText(""), "").entry.runsInTerminal);
+}
+
 TEST(DesktopFile, standsWhateverItIsGiven) {
     for (const std::string text : {"", "=", "[Desktop Entry]", "[Desktop Entry]\n=\n=x\nName", "\n\n[", "Name[=x"})
         EXPECT_FALSE(parseDesktopFile(text, "de").isApplication) << text;

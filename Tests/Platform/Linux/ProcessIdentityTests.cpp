@@ -132,5 +132,13 @@ TEST(ProcessIdentity, isEmptyForAProcessThatIsGone) {
     EXPECT_FALSE(readStartTicks("/nowhere", 42));
 }
 
+TEST(ProcessIdentity, findsThePlaceOfAFlatpakOnTheHost) {
+    EXPECT_EQ(
+        placeOfFlatpak("[Application]\nname=x\napp-path=/wrong\n[Instance]\ninstance-id=1\napp-path=/right/files\n"),
+        "/right/files");
+    for (const auto* text : {"", "[Instance]\n", "[Instance]\napp-path=\n", "app-path=/x\n"})
+        EXPECT_EQ(placeOfFlatpak(text), std::nullopt) << text;
+}
+
 } // namespace
 } // namespace kestrio

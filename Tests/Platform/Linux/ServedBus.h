@@ -26,6 +26,9 @@ public:
         thread_ = std::thread([this] { loop(); });
     }
 
+    /// Lets everything lie that arrives, as a stopped process does, until told to go on.
+    void pause(bool isPaused) { paused_ = isPaused; }
+
     /// Before the objects go.
     void stop() {
         ending_ = true;
@@ -37,7 +40,7 @@ private:
     void loop() {
         try {
             while (!ending_) {
-                while (bus_->processPendingRequest()) {
+                while (!paused_ && bus_->processPendingRequest()) {
                 }
                 pollfd descriptor{bus_->getEventLoopPollData().fd, POLLIN, 0};
                 poll(&descriptor, 1, 10);
@@ -49,6 +52,7 @@ private:
 
     std::unique_ptr<sdbus::IConnection> bus_;
     std::atomic<bool> ending_ = false;
+    std::atomic<bool> paused_ = false;
     std::thread thread_;
 };
 

@@ -2,6 +2,7 @@
 #include "Kestrio/Platform/Linux/X11InputIdle.h"
 #include "Kestrio/Platform/Linux/X11WindowTitles.h"
 #include "Kestrio/Platform/Linux/X11Workspace.h"
+#include "Tests/Platform/Linux/X11TestClient.h"
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Support/VirtualDisplay.h"
 
@@ -74,6 +75,12 @@ public:
     bool isGranted() {
         return queue_.sync([this] { return parts_->titles.isGranted(); });
     }
+    /// The windows of this class, front to back.
+    std::optional<std::vector<X11PlacedWindow>> placed(const std::string& className) {
+        return queue_.sync([&] {
+            return parts_->windows.placed([&](const X11Window& window) { return window.className == className; });
+        });
+    }
     std::optional<Seconds> idle() {
         return queue_.sync([this] { return parts_->idle.sinceLastInput(); });
     }
@@ -128,81 +135,6 @@ private:
     std::array<int, 3> counts_{};
     std::vector<std::string> fronts_;
     std::unique_ptr<Parts> parts_;
-};
-
-/// The test's own connection to the display, which makes windows and plays whatever part is missing.
-class Client {
-public:
-    explicit Client(const std::string& display) : xcb_(xcb_connect(display.c_str(), nullptr)) {
-        root_ = xcb_setup_roots_iterator(xcb_get_setup(xcb_)).data->root;
-    }
-    ~Client() { xcb_disconnect(xcb_); }
-    Client(const Client&) = delete;
-    Client& operator=(const Client&) = delete;
-
-    xcb_connection_t* xcb() const { return xcb_; }
-    xcb_window_t root() const { return root_; }
-
-    xcb_atom_t atom(std::string_view name) const {
-        const X11Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
-            xcb_, xcb_intern_atom(xcb_, 0, static_cast<std::uint16_t>(name.size()), name.data()), nullptr));
-        return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
-    }
-    void setText(xcb_window_t window, std::string_view name, std::string_view type, std::string_view text) const {
-        xcb_change_property(xcb_, XCB_PROP_MODE_REPLACE, window, atom(name), atom(type), 8,
-                            static_cast<std::uint32_t>(text.size()), text.data());
-        flush();
-    }
-    void setWord(xcb_window_t window, std::string_view name, xcb_atom_t type, std::uint32_t word) const {
-        xcb_change_property(xcb_, XCB_PROP_MODE_REPLACE, window, atom(name), type, 32, 1, &word);
-        flush();
-    }
-    void remove(xcb_window_t window, std::string_view name) const {
-        xcb_delete_property(xcb_, window, atom(name));
-        flush();
-    }
-    xcb_window_t create(const std::string& className) const { return create(className, xcb_generate_id(xcb_)); }
-    /// With a number of this client's own, that of a window which is gone for one.
-    xcb_window_t create(const std::string& className, xcb_window_t window) const {
-        xcb_create_window(xcb_, XCB_COPY_FROM_PARENT, window, root_, 0, 0, 100, 100, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
-                          XCB_COPY_FROM_PARENT, 0, nullptr);
-        setText(window, "WM_CLASS", "STRING", className + '\0' + className + '\0');
-        return window;
-    }
-    void map(xcb_window_t window) const {
-        xcb_map_window(xcb_, window);
-        flush();
-    }
-    void activate(xcb_window_t window) const {
-        xcb_client_message_event_t message{};
-        message.response_type = XCB_CLIENT_MESSAGE;
-        message.format = 32;
-        message.window = window;
-        message.type = atom("_NET_ACTIVE_WINDOW");
-        message.data.data32[0] = 2;
-        xcb_send_event(xcb_, 0, root_, XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
-                       reinterpret_cast<const char*>(&message));
-        flush();
-    }
-    /// Puts this client in the window manager's place.
-    void manage() const {
-        const auto check = create("manager");
-        setWord(check, "_NET_SUPPORTING_WM_CHECK", XCB_ATOM_WINDOW, check);
-        setWord(root_, "_NET_SUPPORTING_WM_CHECK", XCB_ATOM_WINDOW, check);
-    }
-    void setActive(xcb_window_t window) const { setWord(root_, "_NET_ACTIVE_WINDOW", XCB_ATOM_WINDOW, window); }
-    void setManaged(const std::vector<xcb_window_t>& windows) const {
-        for (const char* name : {"_NET_CLIENT_LIST", "_NET_CLIENT_LIST_STACKING"})
-            xcb_change_property(xcb_, XCB_PROP_MODE_REPLACE, root_, atom(name), XCB_ATOM_WINDOW, 32,
-                                static_cast<std::uint32_t>(windows.size()), windows.data());
-        flush();
-    }
-    /// Returns once the server has done all of this client's requests.
-    void flush() const { std::free(xcb_get_input_focus_reply(xcb_, xcb_get_input_focus(xcb_), nullptr)); }
-
-private:
-    xcb_connection_t* xcb_;
-    xcb_window_t root_ = 0;
 };
 
 class X11 : public testing::Test {
@@ -265,7 +197,7 @@ TEST_F(X11, manySwitchesEndAtTheLastWindowAndNeverPassThroughNone) {
     ASSERT_TRUE(display.startWindowManager());
     const auto beta = application("beta");
     ASSERT_TRUE(comesToFront("org.example.beta"));
-    const Client client(display.name());
+    const X11TestClient client(display.name());
     const auto one = client.create("alpha");
     const auto two = client.create("gamma");
     client.map(one);
@@ -283,7 +215,7 @@ TEST_F(X11, manySwitchesEndAtTheLastWindowAndNeverPassThroughNone) {
 }
 
 TEST_F(X11, aPassingNoneIsNotSeen) {
-    const Client client(display.name());
+    const X11TestClient client(display.name());
     client.manage();
     const auto window = client.create("alpha");
     client.setManaged({window});
@@ -302,8 +234,39 @@ TEST_F(X11, aPassingNoneIsNotSeen) {
     EXPECT_EQ(readers->frontID(), "none");
 }
 
+TEST_F(X11, windowsStandFrontToBackWithTheirPlaceAndWithoutTheirShadow) {
+    const X11TestClient client(display.name());
+    client.manage();
+    const auto back = client.create("alpha");
+    const auto front = client.create("alpha");
+    const auto other = client.create("beta");
+    client.setText(front, "_NET_WM_NAME", "UTF8_STRING", "the front one");
+    const std::uint32_t place[] = {30, 40, 200, 150};
+    xcb_configure_window(client.xcb(), front,
+                         XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT,
+                         place);
+    const std::uint32_t shadow[] = {4, 6, 1, 9}; // left, right, top, bottom
+    xcb_change_property(client.xcb(), XCB_PROP_MODE_REPLACE, front, client.atom("_GTK_FRAME_EXTENTS"),
+                        XCB_ATOM_CARDINAL, 32, 4, shadow);
+    client.setManaged({back, other, front});
+    client.setActive(front);
+    ASSERT_TRUE(comesTrue([&] { return readers->front() && readers->placed("alpha")->size() == 2; }));
+    const auto placed = readers->placed("alpha").value();
+    EXPECT_EQ(placed[0].window.id, front);
+    EXPECT_EQ(placed[0].title, "the front one");
+    EXPECT_EQ(placed[0].extents, (Rectangle{30, 40, 200, 150}));
+    EXPECT_EQ(placed[0].bounds, (Rectangle{34, 41, 190, 140}));
+    EXPECT_TRUE(placed[0].isActive);
+    EXPECT_EQ(placed[1].window.id, back);
+    EXPECT_EQ(placed[1].title, "");
+    EXPECT_EQ(placed[1].bounds, (Rectangle{0, 0, 100, 100}));
+    EXPECT_FALSE(placed[1].isActive);
+    display.kill();
+    EXPECT_TRUE(comesTrue([&] { return !readers->placed("alpha"); })) << "without a server";
+}
+
 TEST_F(X11, titlesAreReadInEveryEncoding) {
-    const Client client(display.name());
+    const X11TestClient client(display.name());
     client.manage();
     const struct {
         const char* property;
@@ -335,7 +298,7 @@ TEST_F(X11, titlesAreReadInEveryEncoding) {
 }
 
 TEST_F(X11, aLongTitleIsNotCutInTheMiddleOfACharacter) {
-    const Client client(display.name());
+    const X11TestClient client(display.name());
     client.manage();
     const auto window = client.create("alpha");
     std::string euros;
@@ -350,7 +313,7 @@ TEST_F(X11, aLongTitleIsNotCutInTheMiddleOfACharacter) {
 
 TEST_F(X11, aChangedTitleIsReadAnew) {
     ASSERT_TRUE(display.startWindowManager());
-    const Client client(display.name());
+    const X11TestClient client(display.name());
     const auto window = client.create("alpha");
     client.setText(window, "_NET_WM_NAME", "UTF8_STRING", "before");
     client.map(window);
@@ -364,7 +327,7 @@ TEST_F(X11, aChangedTitleIsReadAnew) {
 }
 
 TEST_F(X11, anUntitledActiveWindowGivesWayToTheFrontOneWithATitle) {
-    const Client client(display.name());
+    const X11TestClient client(display.name());
     client.manage();
     const auto back = client.create("alpha");
     const auto middle = client.create("alpha");
@@ -377,7 +340,7 @@ TEST_F(X11, anUntitledActiveWindowGivesWayToTheFrontOneWithATitle) {
 }
 
 TEST_F(X11, aChangedClassChangesTheApplication) {
-    const Client client(display.name());
+    const X11TestClient client(display.name());
     client.manage();
     const auto window = client.create("");
     client.setManaged({window});
@@ -390,7 +353,7 @@ TEST_F(X11, aChangedClassChangesTheApplication) {
 }
 
 TEST_F(X11, onlyRegularWindowsMakeARunningApplication) {
-    const Client client(display.name());
+    const X11TestClient client(display.name());
     client.manage();
     const auto type = [&](xcb_window_t window, std::string_view name) {
         client.setWord(window, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM, client.atom(name));
@@ -422,14 +385,14 @@ TEST_F(X11, onlyRegularWindowsMakeARunningApplication) {
 }
 
 TEST_F(X11, aProcessIsListedOnce) {
-    const Client client(display.name());
+    const X11TestClient client(display.name());
     client.manage();
     client.setManaged({client.create("alpha"), client.create("alpha"), client.create("beta")});
     EXPECT_EQ(readers->running(), (std::vector{RunningApplication{"org.example.alpha", "The alpha", getpid()}}));
 }
 
 TEST_F(X11, theServersWordOnAProcessCountsAboveTheClients) {
-    const Client client(display.name());
+    const X11TestClient client(display.name());
     client.manage();
     const auto window = client.create("alpha");
     client.setWord(window, "_NET_WM_PID", XCB_ATOM_CARDINAL, 2);
@@ -440,7 +403,7 @@ TEST_F(X11, theServersWordOnAProcessCountsAboveTheClients) {
 }
 
 TEST_F(X11, aWindowThatIsGoneIsNotInFront) {
-    const Client client(display.name());
+    const X11TestClient client(display.name());
     client.manage();
     client.setActive(0x00abcdef);
     EXPECT_EQ(readers->frontID(), "none");
@@ -450,7 +413,7 @@ TEST_F(X11, aWindowThatIsGoneIsNotInFront) {
 }
 
 TEST_F(X11, aNewWindowWithTheNumberOfADeadOneComesToTheFront) {
-    const Client client(display.name());
+    const X11TestClient client(display.name());
     client.manage(); // a manager that goes on naming the dead window, as some do for a while
     const auto window = client.create("alpha");
     client.setManaged({window});
@@ -467,7 +430,7 @@ TEST_F(X11, aNewWindowWithTheNumberOfADeadOneComesToTheFront) {
 
 TEST_F(X11, aWindowThatWithdrewIsNotInFront) {
     ASSERT_TRUE(display.startWindowManager());
-    const Client client(display.name());
+    const X11TestClient client(display.name());
     const auto window = client.create("alpha");
     client.map(window);
     ASSERT_TRUE(comesToFront("org.example.alpha"));
@@ -481,7 +444,7 @@ TEST_F(X11, aWindowThatWithdrewIsNotInFront) {
 }
 
 TEST_F(X11, withoutAWindowManagerTheFocusDecides) {
-    const Client client(display.name());
+    const X11TestClient client(display.name());
     EXPECT_EQ(readers->frontID(), "none");
     const auto window = client.create("alpha");
     const auto child = xcb_generate_id(client.xcb());
@@ -502,7 +465,7 @@ TEST_F(X11, withoutAWindowManagerTheFocusDecides) {
 }
 
 TEST_F(X11, aWindowManagerMayComeAndGo) {
-    const Client client(display.name());
+    const X11TestClient client(display.name());
     const auto window = client.create("alpha");
     client.map(window);
     EXPECT_TRUE(readers->running().empty());
@@ -516,7 +479,7 @@ TEST_F(X11, aWindowManagerMayComeAndGo) {
 
 TEST_F(X11, aStoppedServerIsAnEmptyAnswerUntilItGoesOn) {
     ASSERT_TRUE(display.startWindowManager());
-    const Client client(display.name());
+    const X11TestClient client(display.name());
     const auto window = client.create("alpha");
     client.setText(window, "_NET_WM_NAME", "UTF8_STRING", "before");
     client.map(window);
@@ -606,7 +569,7 @@ TEST_F(X11, withoutADisplayEveryAnswerIsEmpty) {
 }
 
 TEST_F(X11, idleTimeGrowsUntilInputComes) {
-    const Client client(display.name());
+    const X11TestClient client(display.name());
     const auto touch = [&] {
         xcb_test_fake_input(client.xcb(), XCB_MOTION_NOTIFY, 0, XCB_CURRENT_TIME, client.root(), 30, 40, 0);
         xcb_test_fake_input(client.xcb(), XCB_MOTION_NOTIFY, 0, XCB_CURRENT_TIME, client.root(), 31, 41, 0);
