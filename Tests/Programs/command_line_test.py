@@ -25,7 +25,7 @@ if "KESTRIO_VIRTUAL_DESKTOP" not in os.environ:
 BIN = pathlib.Path(sys.argv.pop(1)).resolve()
 DEADLINE = 20  # seconds; what is waited for takes less than three
 
-COMMANDS = ["record", "watch", "status", "sessions", "pause", "resume", "settings", "settings list", "settings get",
+COMMANDS = ["record", "watch", "status", "sessions", "report", "pause", "resume", "settings", "settings list", "settings get",
             "settings set", "settings reset", "doctor", "categories", "categories list", "categories set",
             "categories reset", "projects", "projects list", "projects add", "projects move", "projects remove", "explain",
             "report", "export", "import", "top", "machine", "disk-test", "browsers"]
@@ -147,6 +147,8 @@ class Usage(Case):
             "record extra", "record --json", "resume now", "pause 30m 1h", "pause 5x", "pause -5m", "pause 0s",
             "sessions extra", "sessions --from", "sessions --to", "sessions --from nonsense", "sessions --to 24:00",
             "sessions --from 2026-04-31", "sessions --from now --to yesterday", "sessions --from today --to today",
+            "report extra", "report --day", "report --day nonsense", "report --week 2026-04-31", "report --section films",
+            "report --day today --month today", "report --from now --to today",
             "settings", "settings bogus", "settings list extra", "settings get", "settings get bogus",
             "settings get idleMinutes more", "settings set", "settings set idleMinutes", "settings set bogus 1",
             "settings set idleMinutes 0", "settings set idleMinutes -5", "settings set idleMinutes 1441",
@@ -305,7 +307,7 @@ class Sessions(Case):
         self.database.parent.mkdir(parents=True)
         for content in (b"This is no database, however you look at it. " * 100, b"SQLite format 3\0" + b"\xff" * 5000):
             self.database.write_bytes(content)
-            for command in ("sessions", "sessions --json", "status", "status --json"):
+            for command in ("sessions", "sessions --json", "report", "report --json", "status", "status --json"):
                 with self.subTest(command):
                     ran = self.run_ctl(*command.split())
                     self.assertEqual((ran.returncode, ran.stdout), (1, ""))
@@ -314,6 +316,38 @@ class Sessions(Case):
             findings = {each["name"]: each for each in json.loads(self.ctl("doctor", "--json", status=1))}
             self.assertEqual(findings["Sessions"]["state"], "broken")
             self.assertEqual(self.database.read_bytes(), content)
+
+
+class Report(Case):
+    def test_an_empty_home_has_an_empty_one(self):
+        ran = self.run_ctl("report", "--day", "2023-11-15")
+        self.assertEqual((ran.returncode, ran.stdout, ran.stderr),
+                         (0, "", "kestrioctl: nothing was recorded in that time\n"))
+        report = json.loads(self.ctl("report", "--day", "2023-11-15", "--json"))
+        self.assertEqual(report["interval"], {"start": NOON - 43200, "end": NOON + 43200})
+        self.assertEqual((report["sessions"], report["total"], report["firstActivity"]), ([], 0, None))
+
+    def test_the_settings_decide_categories_and_projects(self):
+        self.record_nothing()
+        self.add(NOON, NOON + 3600, "Letter")
+        self.ctl("categories", "set", "work", "--app", "org.example.Editor")
+        self.ctl("projects", "add", "letter", "Post")
+        report = json.loads(self.ctl("report", "--week", "2023-11-15", "--json"))
+        self.assertEqual(report["granularity"], "day")
+        self.assertEqual(report["categories"], [{"category": "work", "duration": 3600}])
+        self.assertEqual([project["name"] for project in report["projects"]], ["Post"])
+
+    def test_the_words_are_those_of_a_section(self):
+        self.record_nothing()
+        self.add(NOON, NOON + 3600, "Letter")
+        self.assertEqual(self.ctl("report", "--day", "2023-11-15", "--section", "timeline"), """\
+  Wednesday, 15 November 2023
+
+  Wednesday, 15 Nov  1h
+
+  12:00–13:00       1h  Editor            Letter
+""")
+        self.assertIn("Active time        1h   12:00 – 13:00", self.ctl("report", "--day", "2023-11-15"))
 
 
 class Settings(Case):
@@ -478,6 +512,7 @@ class Classification(Case):
 
 class Files(Case):
     READING = ["status", "status --json", "sessions", "sessions --json", "settings list", "settings list --json",
+               "report", "report --json", "report --day 2023-11-15 --section apps",
                "settings get idleMinutes", "doctor", "doctor --json", "watch", "resume", "pause",
                "categories list", "categories list --all --json", "projects list", "projects list --json",
                "explain --app code --title x", "categories set work --app code --preview",
@@ -712,7 +747,7 @@ class Output(Case):
     def test_there_is_no_colour_but_on_a_terminal(self):
         self.record_nothing()
         self.add(NOON, NOON + 60, "Letter")
-        for command in ("sessions --from @0", "doctor", "settings list"):
+        for command in ("sessions --from @0", "report --day 2023-11-15", "doctor", "settings list"):
             self.assertNotIn("\x1b", self.ctl(*command.split()))
 
 
