@@ -1,8 +1,7 @@
-// What tables for a terminal are put together from: columns, bars, colours, sizes. Pure functions.
+// What tables for a terminal are put together from: columns, bars, colours. Pure functions.
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <string>
 
 namespace kestrio {
@@ -31,11 +30,5 @@ std::string paddedLeft(const std::string& text, std::size_t columns);
 
 /// A bar of so many columns, drawn in eighths of one. Any share above 0 shows at least one eighth.
 std::string bar(double share, std::size_t columns);
-
-/// "0 B", "512 KB", "1.5 MB", "34 MB", "3.4 GB": memory, in steps of 1,024, with a decimal below ten.
-std::string memoryText(std::uint64_t bytes);
-
-/// The same in steps of 1,000, as drives and speeds are sold.
-std::string dataText(double bytes);
 
 } // namespace kestrio
