@@ -2,6 +2,7 @@
 #include "Programs/CommandLine/ClassificationCommands.h"
 #include "Programs/CommandLine/Commands.h"
 #include "Programs/CommandLine/MachineCommands.h"
+#include "Programs/CommandLine/MonitorCommand.h"
 #include "Programs/CommandLine/ReportCommand.h"
 #include "Programs/CommandLine/SessionFiles.h"
 #include "Programs/StandardStreams.h"
@@ -205,6 +206,9 @@ int main(int argc, char** argv) {
     add(
         app, "machine", "The cores, the memory and the drives, and what cannot be told here", result,
         [&] { return kestrio::machine(json); }, withJSON);
+    add(
+        app, "monitor", "How the machine feels now, what to know about it, and who uses it most", result,
+        [&] { return kestrio::monitor(json); }, withJSON);
     add(
         app, "disk-test", "Measure how fast the drive is, with a file of 256 MB that is gone afterwards", result,
         [&] { return kestrio::diskTest(json); }, withJSON);

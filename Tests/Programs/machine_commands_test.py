@@ -86,6 +86,27 @@ class Terminal:
         return self.process.wait(DEADLINE)
 
 
+class Monitor(Case):
+    def test_in_a_pipe_it_is_plain_lines(self):
+        ran = self.run_ctl("monitor")
+        self.assertEqual((ran.returncode, ran.stderr), (0, ""))
+        self.assertNotIn("\x1b", ran.stdout)
+        lines = ran.stdout.splitlines()
+        self.assertTrue(lines[0].startswith("  System   "), lines[0])
+        for name in "CPU", "Memory", "Heat", "Storage", "Top apps by memory":
+            self.assertTrue(any(line.startswith("  " + name) for line in lines), name)
+        self.assertLessEqual(max(map(len, lines)), 100)
+
+    def test_data_holds_the_snapshot_and_its_insights(self):
+        data = json.loads(self.run_ctl("monitor", "--json").stdout)
+        self.assertTrue(data["hasAppCPU"])
+        self.assertGreater(data["memoryTotal"], data["memoryUsed"])
+        self.assertTrue(0 <= data["cpu"] <= 1, data["cpu"])
+        self.assertGreater(len(data["insights"]), 0)
+        sizes = [app["memory"] for app in data["topMemory"]]
+        self.assertEqual(sizes, sorted(sizes, reverse=True))
+
+
 class Top(Case):
     def test_in_a_pipe_it_is_one_table(self):
         for arguments in ([], ["--once"], ["--by", "memory"]):
