@@ -439,7 +439,9 @@ Export exportEverything(const Request& request, const Surroundings& surroundings
     }
     const auto interval =
         request.interval.value_or(DateInterval{store.earliestMinute().value_or(request.now), request.now});
-    const auto snapshot = load(interval, request.title, store);
+    auto snapshot = load(interval, request.title, store);
+    for (auto& event : snapshot.events)
+        event.detail = surroundings.hostWords(std::move(event.detail));
     const auto sessions = request.sessions(interval);
 
     // The share of each file is about what it takes; the seconds tell their own.

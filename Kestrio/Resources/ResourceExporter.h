@@ -7,6 +7,7 @@
 
 #include "Kestrio/Base/Calendar.h"
 #include "Kestrio/Resources/ResourceStore.h"
+#include "Kestrio/Resources/SSDSpeedTest.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -61,20 +62,13 @@ struct UsedSession {
     std::optional<std::string> site;
 };
 
-/// The measured speed of the drive, in bytes per second.
-struct DriveTest {
-    double read = 0;
-    double write = 0;
-    Date date;
-};
-
 /// What the exports say beside the log.
 struct Surroundings {
     Mac mac;
     std::string version;               // of this program
     nlohmann::ordered_json settings;   // by name, as the files show them
     std::optional<double> topRAMSpeed; // bytes per second
-    std::optional<DriveTest> driveTest;
+    std::optional<SSDSpeedTest::Result> driveTest;
     Calendar calendar = Calendar("en", "GMT");
     /// Puts this host's words in the place of others in a text for people.
     std::function<std::string(std::string text)> hostWords = [](std::string text) { return text; };

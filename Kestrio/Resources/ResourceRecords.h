@@ -162,6 +162,21 @@ struct ResourceEvent {
     friend bool operator==(const ResourceEvent&, const ResourceEvent&) = default;
 };
 
+/// How much the log holds, table by table, and from when.
+struct LogContents {
+    std::int64_t minutes = 0;
+    std::int64_t appMinutes = 0;
+    std::int64_t seconds = 0;
+    std::int64_t events = 0;
+    std::int64_t apps = 0;
+    std::int64_t setups = 0;
+    std::optional<Date> firstMinute = std::nullopt;
+    std::optional<Date> lastMinute = std::nullopt;
+    std::optional<Date> firstSecond = std::nullopt;
+
+    friend bool operator==(const LogContents&, const LogContents&) = default;
+};
+
 /// A period of the machine's minutes.
 struct SystemBucket {
     Date start = {};

@@ -304,8 +304,8 @@ private:
                              speed(sums_.ssdRead.average()), speed(sums_.ssdWrite.average()), speed(sums_.ssdPeak.peak),
                              wait(std::llround(sums_.ssdWait.average()))));
         if (const auto& test = surroundings_.driveTest)
-            line(fmt::format("- SSD tested at {} read and {} write ({}).", speed(test->read), speed(test->write),
-                             calendar_.localized(test->date, "yMMMd")));
+            line(fmt::format("- SSD tested at {} read and {} write ({}).", speed(test->readBytesPerSecond),
+                             speed(test->writeBytesPerSecond), calendar_.localized(test->date, "yMMMd")));
     }
 
     void hours() {

@@ -277,6 +277,22 @@ std::optional<ResourceEvent> decodeEvent(Columns row) {
     return event;
 }
 
+std::optional<Date> optionalDate(const std::optional<double>& seconds) {
+    return seconds ? std::optional(Date(*seconds)) : std::nullopt;
+}
+
+LogContents decodeContents(Columns row) {
+    return {.minutes = row.integer(),
+            .appMinutes = row.integer(),
+            .seconds = row.integer(),
+            .events = row.integer(),
+            .apps = row.integer(),
+            .setups = row.integer(),
+            .firstMinute = optionalDate(row.optionalReal()),
+            .lastMinute = optionalDate(row.optionalReal()),
+            .firstSecond = optionalDate(row.optionalReal())};
+}
+
 const char* column(ResourceStore::SecondMeasure measure) {
     switch (measure) {
     case ResourceStore::SecondMeasure::lag: return "s.lag_ms";
@@ -756,6 +772,18 @@ std::optional<Date> ResourceStore::earliestMinute() {
         if (select.step() != Step::row || select.isNull(0))
             return std::nullopt;
         return select.date(0);
+    });
+}
+
+LogContents ResourceStore::contents() {
+    return queue_.sync([&] {
+        auto select = prepare("SELECT (SELECT COUNT(*) FROM system_minutes), (SELECT COUNT(*) FROM app_minutes),\n"
+                              "(SELECT COUNT(*) FROM system_seconds), (SELECT COUNT(*) FROM events),\n"
+                              "(SELECT COUNT(*) FROM apps), (SELECT COUNT(*) FROM configs),\n"
+                              "(SELECT MIN(minute) FROM system_minutes), (SELECT MAX(minute) FROM system_minutes),\n"
+                              "(SELECT MIN(ts) FROM system_seconds)");
+        const auto found = collect<LogContents>(select, decodeContents);
+        return found.empty() ? LogContents() : found.front();
     });
 }
 

@@ -83,6 +83,7 @@ public:
                                                 std::span<const std::string> keys);
     /// Absent when nothing is logged.
     std::optional<Date> earliestMinute();
+    LogContents contents();
     /// A consistent copy in one file for its owner alone, in place of what is there, while recording goes on.
     bool copyDatabase(const std::filesystem::path& destination);
     /// Bytes of the file and its two sidecars. Does not wait.

@@ -3,8 +3,7 @@
 #include "Kestrio/Base/Text.h"
 #include "Kestrio/Reports/ReportBuilder.h"
 #include "Kestrio/Reports/ReportJSON.h"
-#include "Kestrio/Shell/ClassificationSettings.h"
-#include "Programs/Agent/HostClassification.h"
+#include "Programs/CommandLine/CurrentClassification.h"
 #include "Programs/CommandLine/Moments.h"
 #include "Programs/CommandLine/StoredSessions.h"
 
@@ -67,12 +66,6 @@ std::string sectionNames() {
     for (const auto section : allReportSections)
         names.append(names.empty() ? "" : ", ").append(rawValue(section));
     return names;
-}
-
-Classification currentClassification(const Locations& places, const Clock& clock) {
-    const auto store = openSettings(places);
-    ClassificationSettings settings(*store, hostHint(processEnvironment, clock));
-    return {settings.categorizer().snapshot(), settings.projectRules().rules()};
 }
 
 } // namespace

@@ -1,14 +1,14 @@
 #include "Programs/CommandLine/SessionFiles.h"
 
 #include "Kestrio/Base/Text.h"
-#include "Kestrio/Base/TextFile.h"
 #include "Kestrio/Platform/Linux/SingleInstance.h"
 #include "Kestrio/Reports/CSVExporter.h"
 #include "Kestrio/Reports/SessionExport.h"
 #include "Kestrio/Reports/SessionImport.h"
-#include "Kestrio/Shell/ClassificationSettings.h"
-#include "Programs/Agent/HostClassification.h"
+#include "Programs/CommandLine/CurrentClassification.h"
 #include "Programs/CommandLine/Interruption.h"
+#include "Programs/CommandLine/OutputFile.h"
+#include "Programs/CommandLine/ProgressLine.h"
 #include "Programs/CommandLine/StoredSessions.h"
 
 #include <cerrno>
@@ -23,72 +23,7 @@ namespace {
 namespace fs = std::filesystem;
 using namespace exitStatus;
 
-constexpr mode_t ownersAlone = 0600;
 constexpr Seconds stopCheckInterval{0.1};
-
-using Write = std::function<void(std::string_view)>;
-
-/// Opens what is named and is no ordinary file, as a device or a pipe: it is written to and not replaced.
-std::optional<Descriptor> unreplaceable(const fs::path& file) {
-    std::error_code ignored;
-    const auto status = fs::status(file, ignored);
-    if (!fs::exists(status) || fs::is_regular_file(status) || fs::is_directory(status))
-        return std::nullopt;
-    return Descriptor(open(file.c_str(), O_WRONLY | O_CLOEXEC));
-}
-
-std::error_code writeThrough(const Descriptor& file, const std::function<void(const Write&)>& content) {
-    if (!file)
-        return {errno, std::generic_category()};
-    std::error_code error;
-    content([&](std::string_view text) {
-        if (!error)
-            error = writeAll(file, text);
-    });
-    return error;
-}
-
-/// Puts the content into the file, whole or not at all where that can be. A link keeps pointing to it.
-std::error_code writeFile(const fs::path& path, const std::function<void(const Write&)>& content,
-                          const std::stop_token& stop) {
-    if (const auto file = unreplaceable(path))
-        return writeThrough(*file, content);
-    std::error_code isNew;
-    const auto target = fs::canonical(path, isNew);
-    ReplacementFile file(isNew ? fs::absolute(path) : target, ownersAlone);
-    content([&](std::string_view text) { file.write(text); });
-    return stop.stop_requested() ? std::make_error_code(std::errc::operation_canceled) : file.commit();
-}
-
-Classification currentClassification(const Locations& places, const Clock& clock) {
-    const auto settings = openSettings(places);
-    ClassificationSettings decisions(*settings, hostHint(processEnvironment, clock));
-    return {decisions.categorizer().snapshot(), decisions.projectRules().rules()};
-}
-
-/// A share that is done, on one line of the terminal that is overwritten; nothing where there is no terminal.
-class ProgressLine {
-public:
-    explicit ProgressLine(std::string what) : what_(std::move(what)) {}
-    ~ProgressLine() {
-        if (isShown_)
-            std::fputs("\r\033[K", stderr);
-    }
-    ProgressLine(const ProgressLine&) = delete;
-    ProgressLine& operator=(const ProgressLine&) = delete;
-
-    void show(double share) {
-        if (isatty(STDERR_FILENO) != 1)
-            return;
-        isShown_ = true;
-        const auto line = fmt::format("\r{} {}%", what_, static_cast<int>(share * 100));
-        std::fputs(line.c_str(), stderr);
-    }
-
-private:
-    const std::string what_;
-    bool isShown_ = false;
-};
 
 SessionFile opened(const std::string& name) {
     if (name == "-")
@@ -159,7 +94,7 @@ int exportSessions(const ExportOptions& options) {
         const auto span = interval(*range, clock.now(), database ? database->earliestStart() : std::nullopt, calendar);
         const auto sessions =
             exportedSessions(sessionsOf(database, status, span), span, calendar, currentClassification(places, clock));
-        const auto content = [&](const Write& write) { CSVExporter::write(sessions, calendar, write); };
+        const auto content = [&](const FileWriter& write) { CSVExporter::write(sessions, calendar, write); };
         if (options.output == "-") {
             content([](std::string_view text) { print(std::string(text)); });
             return done;

@@ -4,6 +4,7 @@
 #include "Programs/CommandLine/MachineCommands.h"
 #include "Programs/CommandLine/MonitorCommand.h"
 #include "Programs/CommandLine/ReportCommand.h"
+#include "Programs/CommandLine/ResourceLogCommands.h"
 #include "Programs/CommandLine/SessionFiles.h"
 #include "Programs/StandardStreams.h"
 
@@ -145,6 +146,63 @@ void addReport(CLI::App& app, kestrio::ReportOptions& options, int& status) {
         });
 }
 
+/// Where the options of the commands about the resource log end up.
+struct LogArguments {
+    bool json = false;
+    kestrio::LogExportOptions exported;
+    kestrio::LogReportOptions report;
+    kestrio::LogEventsOptions events;
+    kestrio::LogSecondsOptions seconds;
+    std::optional<std::string> at;
+};
+
+void addLog(CLI::App& app, LogArguments& arguments, int& status) {
+    auto* log = app.add_subcommand("log", "How the machine performed: what the resource log holds");
+    log->require_subcommand(1);
+    add(
+        *log, "status", "How much is logged, since when, and at what pace", status,
+        [&] { return kestrio::logStatus(arguments.json); },
+        [&](CLI::App& command) { command.add_flag("--json", arguments.json, "Data for scripts"); });
+    add(
+        *log, "export", "Write the log into a new folder: tables, a report, data and a copy of the database", status,
+        [&] { return kestrio::logExport(arguments.exported); },
+        [&](CLI::App& command) {
+            command.add_option("folder", arguments.exported.folder, "Where the new folder goes")->required();
+            command.add_option("--from", arguments.exported.from, "Beginning of a range: today unless said");
+            command.add_option("--to", arguments.exported.to, "Its end: now unless said");
+            command.add_flag("--all", arguments.exported.all, "Everything (so unless a range is said)");
+        });
+    add(
+        *log, "report", "A summary of a day, a week, a month or another range, in Markdown", status,
+        [&] { return kestrio::logReport(arguments.report); },
+        [&](CLI::App& command) {
+            command.add_option("--day", arguments.report.day, "The day of a moment: today (so unless said)");
+            command.add_option("--week", arguments.report.week, "The week of a moment");
+            command.add_option("--month", arguments.report.month, "The month of a moment");
+            command.add_option("--from", arguments.report.from, "Beginning of any other range: today unless said");
+            command.add_option("--to", arguments.report.to, "Its end: now unless said");
+            command.add_option("-o,--output", arguments.report.output, "A file, or - for standard output");
+        });
+    add(
+        *log, "events", "What happened: slowdowns, applications that came and went, sleep, heat", status,
+        [&] { return kestrio::logEvents(arguments.events); },
+        [&](CLI::App& command) {
+            command.add_option("--from", arguments.events.from, "Beginning: today unless said");
+            command.add_option("--to", arguments.events.to, "End: now unless said");
+            command.add_option("--limit", arguments.events.limit, "At most so many, the latest: 200 unless said");
+            command.add_flag("--json", arguments.events.json, "Data for scripts");
+        });
+    add(
+        *log, "seconds", "The detailed readings of a range", status,
+        [&] { return kestrio::logSeconds(arguments.seconds); },
+        [&](CLI::App& command) {
+            command.add_option("--from", arguments.seconds.from, "Beginning")->required();
+            command.add_option("--to", arguments.seconds.to, "End: now unless said");
+            command.add_flag("--csv", arguments.seconds.csv, "As a table for spreadsheets");
+            command.add_flag("--json", arguments.seconds.json, "Data for scripts");
+        });
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -229,6 +287,15 @@ int main(int argc, char** argv) {
         });
     kestrio::ReportOptions reportOptions;
     addReport(app, reportOptions, result);
+
+    LogArguments logArguments;
+    addLog(app, logArguments, result);
+    add(
+        app, "why", "Why the machine was slow at a moment, as far as the resource log can tell", result,
+        [&] { return kestrio::why(logArguments.at); },
+        [&](CLI::App& command) {
+            command.add_option("--at", logArguments.at, "The moment: now (so unless said), 14:30, 2h ago");
+        });
 
     std::optional<std::string> length;
     add(

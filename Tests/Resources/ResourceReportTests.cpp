@@ -95,7 +95,7 @@ TEST(ResourceReport, aRangeIsToldWhole) {
     snapshot.worstRAM = {SystemSecond{.at = exampleStart}};
     auto surroundings = exampleSurroundings();
     surroundings.topRAMSpeed = 100e9;
-    surroundings.driveTest = DriveTest{3e9, 2.5e9, exampleStart};
+    surroundings.driveTest = SSDSpeedTest::Result{3e9, 2.5e9, exampleStart};
     EXPECT_EQ(
         reportOf(snapshot, surroundings),
         "# Kestrio resource report — Tuesday\n"
