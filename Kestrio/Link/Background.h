@@ -61,6 +61,10 @@ public:
     /// `receiver` is called whenever stored sessions changed other than by recording, until the token is dropped.
     virtual Subscription observeData(std::function<void()> receiver) = 0;
 
+    /// The bundle identifiers of the browsers whose extension is connected, in order. Absent when the agent does not
+    /// answer.
+    virtual std::optional<std::vector<std::string>> connectedBrowsers() = 0;
+
     /// `receiver` hears of every published change, within two seconds of it, until the token is dropped or the agent
     /// ends.
     virtual Subscription observe(std::function<void(const AgentStatus&)> receiver) = 0;

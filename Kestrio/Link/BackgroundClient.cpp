@@ -156,6 +156,19 @@ bool BackgroundClient::serve(Seconds patience) {
     }
 }
 
+std::optional<std::vector<std::string>> BackgroundClient::connectedBrowsers() {
+    try {
+        std::vector<std::string> browsers;
+        proxy_->callMethod("Browsers")
+            .onInterface(busNames::interface)
+            .withTimeout(deadline())
+            .storeResultsTo(browsers);
+        return browsers;
+    } catch (const sdbus::Error&) {
+        return std::nullopt;
+    }
+}
+
 Subscription BackgroundClient::observe(std::function<void(const AgentStatus&)> receiver) {
     *receiver_ = std::move(receiver);
     if (call("Watch"))

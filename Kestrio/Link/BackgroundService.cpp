@@ -99,6 +99,10 @@ void BackgroundService::registerObject(sdbus::IConnection& connection) {
     object_->registerMethod("OpenDashboard").onInterface(interface).implementedAs([this] {
         require(background_.openDashboard());
     });
+    object_->registerMethod("Browsers")
+        .onInterface(interface)
+        .withOutputParamNames("bundleIdentifiers")
+        .implementedAs([this] { return background_.connectedBrowsers().value_or(std::vector<std::string>()); });
     object_->registerMethod("Status").onInterface(interface).withOutputParamNames("json").implementedAs([this] {
         const auto status = background_.status();
         return status ? text(*status) : std::string();

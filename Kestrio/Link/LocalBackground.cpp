@@ -2,11 +2,13 @@
 
 namespace kestrio {
 
-LocalBackground::LocalBackground(AppModel& model, Facts facts, OpenDashboard openDashboard, ImportFiles importFiles)
+LocalBackground::LocalBackground(AppModel& model, Facts facts, OpenDashboard openDashboard, ImportFiles importFiles,
+                                 ConnectedBrowsers connectedBrowsers)
     : model_(model),
       facts_(std::move(facts)),
       openDashboard_(std::move(openDashboard)),
-      importFiles_(std::move(importFiles)) {
+      importFiles_(std::move(importFiles)),
+      connectedBrowsers_(std::move(connectedBrowsers)) {
     const auto soon = [this](const auto&) { tellSoon(); };
     tokens_.push_back(model_.live().observe(soon));
     tokens_.push_back(model_.liveAlongside().observe(soon));
@@ -69,6 +71,10 @@ Subscription LocalBackground::importFiles(std::vector<SessionFile> files, Import
 
 Subscription LocalBackground::observeData(std::function<void()> receiver) {
     return activityDataDidChange_.subscribe(std::move(receiver));
+}
+
+std::optional<std::vector<std::string>> LocalBackground::connectedBrowsers() {
+    return connectedBrowsers_ ? connectedBrowsers_() : std::vector<std::string>();
 }
 
 Subscription LocalBackground::observe(std::function<void(const AgentStatus&)> receiver) {

@@ -60,6 +60,15 @@ TEST(LocalBackground, saysWhyThereIsNoDashboard) {
     EXPECT_EQ(bench.dashboards, 2);
 }
 
+TEST(LocalBackground, saysWhichBrowsersAreConnected) {
+    LinkBench bench;
+    EXPECT_EQ(bench.background->connectedBrowsers(), std::vector<std::string>());
+    bench.browsers = {"org.chromium.Chromium", "org.mozilla.firefox"};
+    EXPECT_EQ(bench.background->connectedBrowsers(), bench.browsers);
+    LocalBackground without(*bench.model, {}, [] { return std::nullopt; });
+    EXPECT_EQ(without.connectedBrowsers(), std::vector<std::string>());
+}
+
 TEST(LocalBackground, changesOfOneMomentAreToldTogetherAndOnlyWhenThereAreAny) {
     LinkBench bench;
     std::vector<AgentStatus> told;

@@ -1,0 +1,64 @@
+// What this host's browsers show: the readers, the best one first, and the inspector that asks them.
+//
+// Made, used and dropped on the monitor's queue. A reader that knows of a private window passes on no more than that it
+// is one.
+#pragma once
+
+#include "Kestrio/Activity/BrowserInspector.h"
+#include "Kestrio/Platform/Linux/AccessibilityBrowserReader.h"
+#include "Kestrio/Platform/Linux/BridgeBrowserReader.h"
+#include "Kestrio/Platform/Linux/BusConnection.h"
+#include "Kestrio/Platform/Linux/PreferringBrowserReader.h"
+#include "Kestrio/Platform/Linux/TitledBrowserReader.h"
+#include "Programs/Agent/HostDesktop.h"
+
+#include <algorithm>
+#include <string>
+
+namespace kestrio {
+
+class HostBrowsers {
+public:
+    /// All must outlive this.
+    HostBrowsers(LoopQueue& queue, const Clock& clock, HostDesktop& desktop, const TabBoard& board,
+                 const Environment& environment)
+        : desktop_(desktop),
+          board_(board),
+          bridge_(board),
+          accessibility_(queue, clock,
+                         {BusConnection::address(BusConnection::Bus::session).value_or(""),
+                          environment("XDG_RUNTIME_DIR").value_or("")},
+                         applicationOf_, titledWindows(desktop.windows, applicationOf_)),
+          inspector(chain_, clock, AccessibilityBrowserReader::readable()) {}
+
+    /// Whether the tree of the browser's pages can be read, as far as was seen.
+    bool isAccessible(const std::string& id) const { return accessibility_.isReadable(id); }
+
+private:
+    std::optional<std::string> applicationOf(pid_t process) {
+        for (const auto& application : desktop_.workspace.runningApplications())
+            if (application.processIdentifier == process)
+                return application.bundleIdentifier;
+        return desktop_.identity.identify({process, ""}).bundleIdentifier;
+    }
+
+    bool isConnected(const std::string& id) const {
+        const auto connected = board_.browsers();
+        return std::ranges::find(connected, id) != connected.end();
+    }
+
+    HostDesktop& desktop_;
+    const TabBoard& board_;
+    const ApplicationOfProcess applicationOf_ = [this](pid_t process) { return applicationOf(process); };
+    BridgeBrowserReader bridge_;
+    AccessibilityBrowserReader accessibility_;
+    TitledBrowserReader titled_{titledWindows(desktop_.windows, applicationOf_),
+                                [this](const std::string& id) { return !accessibility_.knowsPrivacy(id); }};
+    PreferringBrowserReader chain_{
+        {{bridge_, [this](const std::string& id) { return isConnected(id); }}, {accessibility_}, {titled_}}};
+
+public:
+    BrowserInspector inspector;
+};
+
+} // namespace kestrio
