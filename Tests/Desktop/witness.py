@@ -159,17 +159,20 @@ class Witness:
                 self.end_naming()
                 self.window, self.name = window, None
                 if window:
-                    self.naming = self.spy("-id", hex(window), "_NET_WM_NAME")
+                    self.naming = self.spy("-id", hex(window), "_NET_WM_NAME", "WM_NAME")
                     threading.Thread(target=self.follow_name, args=(window, self.naming), daemon=True).start()
                 self.note()
 
     def follow_name(self, window, naming):
+        names = {}
         for line in naming.stdout:
-            found = re.search(r'= "(.*)"$', line)
+            found = re.match(r'(\w+)\(\w+\) = "(.*)"$', line)
+            if found:
+                names[found[1]] = found[2]
             with self.changed:
                 if self.window != window or self.is_over:
                     break
-                self.name = found[1] if found else None
+                self.name = names.get("_NET_WM_NAME", names.get("WM_NAME"))
                 self.note()
         naming.wait()
         naming.stdout.close()
