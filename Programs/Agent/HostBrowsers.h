@@ -5,6 +5,7 @@
 #pragma once
 
 #include "Kestrio/Activity/BrowserInspector.h"
+#include "Kestrio/Base/Signal.h"
 #include "Kestrio/Platform/Linux/AccessibilityBrowserReader.h"
 #include "Kestrio/Platform/Linux/BridgeBrowserReader.h"
 #include "Kestrio/Platform/Linux/BusConnection.h"
@@ -28,11 +29,14 @@ public:
           accessibility_(queue, clock,
                          {BusConnection::address(BusConnection::Bus::session).value_or(""),
                           environment("XDG_RUNTIME_DIR").value_or("")},
-                         applicationOf_, titledWindows(desktop.windows, applicationOf_)),
+                         applicationOf_, titledWindows(desktop.windows, applicationOf_), [this] { settled_.emit(); }),
           inspector(chain_, clock, AccessibilityBrowserReader::readable()) {}
 
     /// Whether the tree of the browser's pages can be read, as far as was seen.
     bool isAccessible(const std::string& id) const { return accessibility_.isReadable(id); }
+
+    /// Calls the receiver when a page that was uncertain at the last question has become certain.
+    Subscription observe(std::function<void()> receiver) { return settled_.subscribe(std::move(receiver)); }
 
 private:
     std::optional<std::string> applicationOf(pid_t process) {
@@ -49,6 +53,7 @@ private:
 
     HostDesktop& desktop_;
     const TabBoard& board_;
+    Signal<> settled_;
     const ApplicationOfProcess applicationOf_ = [this](pid_t process) { return applicationOf(process); };
     BridgeBrowserReader bridge_;
     AccessibilityBrowserReader accessibility_;

@@ -5,15 +5,15 @@ window with that name shows, the script that opened it has told.
 """
 
 import collections
+import ctypes
 import dataclasses
-import os
-import re
-import subprocess
+import select
 import threading
 import time
 
 TICK = 2.0  # seconds between two looks of the agent
 SOON = 0.2  # seconds that the X server and a browser's own account of itself may differ
+SHORTEST_ROW = 1.0  # seconds; what was in front for less leaves no row, which is so by design
 
 PRIVATE_TITLE = "Private Browsing"
 
@@ -67,6 +67,9 @@ class Timeline:
         moments = [start] + [border for border in borders if start < border <= end]
         return {self.at(moment) for moment in moments} - {None}
 
+    def changes_within(self, start, end):
+        return any(start <= moment <= end for moment, _ in self.changes)
+
 
 def recorded_at(rows, moment):
     """What the rows of the main line say of a moment."""
@@ -85,6 +88,7 @@ class Score:
     def __init__(self):
         self.seconds = 0
         self.unknown = 0
+        self.short = 0  # of what was in front too shortly for a row
         self.raw = collections.Counter()
         self.fair = collections.Counter()
         self.wrong = collections.Counter()  # seconds by (what it was, what was recorded), beyond a tick's delay
@@ -117,8 +121,76 @@ def compare(timeline, rows, start, end, counts=lambda truth: True):
             score.unknown += 1
         elif counts(truth):
             lately = timeline.between(moment - TICK - SOON, moment + SOON)
-            score.judge(moment, truth, lately, recorded_at(rows, moment))
+            recorded = recorded_at(rows, moment)
+            reach = SHORTEST_ROW + SOON
+            if recorded == NOBODY != truth and timeline.changes_within(moment - reach, moment + reach):
+                score.short += 1
+            else:
+                score.judge(moment, truth, lately, recorded)
     return score
+
+
+class Display:
+    """The few questions to the X server that the witness has. Belongs to one thread."""
+
+    PROPERTY_CHANGE = 1 << 22
+    ANY_TYPE = 0
+
+    def __init__(self):
+        self.x = ctypes.CDLL("libX11.so.6")
+        self.x.XOpenDisplay.restype = ctypes.c_void_p
+        self.x.XInternAtom.restype = ctypes.c_ulong
+        self.x.XDefaultRootWindow.restype = ctypes.c_ulong
+        handler = ctypes.CFUNCTYPE(ctypes.c_int, ctypes.c_void_p, ctypes.c_void_p)
+        self.ignoring = handler(lambda *_: 0)  # windows vanish at any moment
+        self.x.XSetErrorHandler(self.ignoring)
+        opened = self.x.XOpenDisplay(None)
+        if not opened:
+            raise RuntimeError("there is no display")
+        self.display = ctypes.c_void_p(opened)
+        self.root = self.x.XDefaultRootWindow(self.display)
+        self.descriptor = self.x.XConnectionNumber(self.display)
+        self.event = ctypes.create_string_buffer(24 * ctypes.sizeof(ctypes.c_long))
+
+    def listen(self, window):
+        self.x.XSelectInput(self.display, ctypes.c_ulong(window), ctypes.c_long(self.PROPERTY_CHANGE))
+
+    def wait(self, seconds):
+        """Returns when some property changed, or after so many seconds."""
+        if not self.x.XPending(self.display):
+            select.select([self.descriptor], [], [], seconds)
+        while self.x.XPending(self.display):
+            self.x.XNextEvent(self.display, self.event)
+
+    def property(self, window, name):
+        """The property's values: bytes, or an array of numbers; None when there is none."""
+        kind, form = ctypes.c_ulong(), ctypes.c_int()
+        count, left, data = ctypes.c_ulong(), ctypes.c_ulong(), ctypes.POINTER(ctypes.c_char)()
+        atom = self.x.XInternAtom(self.display, name.encode(), 0)
+        status = self.x.XGetWindowProperty(
+            self.display, ctypes.c_ulong(window), ctypes.c_ulong(atom), ctypes.c_long(0), ctypes.c_long(1024), 0,
+            ctypes.c_ulong(self.ANY_TYPE), ctypes.byref(kind), ctypes.byref(form), ctypes.byref(count),
+            ctypes.byref(left), ctypes.byref(data),
+        )
+        if status or not data:
+            return None
+        try:
+            if form.value == 32:
+                numbers = ctypes.cast(data, ctypes.POINTER(ctypes.c_ulong))
+                return numbers[: count.value] or None
+            return data[: count.value] if kind.value else None
+        finally:
+            self.x.XFree(data)
+
+    def active_window(self):
+        return (self.property(self.root, "_NET_ACTIVE_WINDOW") or [0])[0]
+
+    def name(self, window):
+        found = self.property(window, "_NET_WM_NAME") or self.property(window, "WM_NAME")
+        return None if found is None else found.decode(errors="replace")
+
+    def close(self):
+        self.x.XCloseDisplay(self.display)
 
 
 class Witness:
@@ -129,65 +201,32 @@ class Witness:
         self.meaning = meaning
         self.timeline = Timeline()
         self.changed = threading.Condition()
-        self.window, self.name, self.front = None, None, None
-        self.naming = None
+        self.window, self.name, self.front = 0, None, None
         self.is_over = False
-        self.activity = self.spy("-root", "_NET_ACTIVE_WINDOW")
-        threading.Thread(target=self.follow_activity, daemon=True).start()
+        self.thread = threading.Thread(target=self.watch, daemon=True)
+        self.thread.start()
 
-    @staticmethod
-    def spy(*arguments):
-        command = ["xprop", "-spy", *arguments]
-        return subprocess.Popen(
-            command,
-            env=os.environ | {"LC_ALL": "C.UTF-8"},
-            stdout=subprocess.PIPE,
-            stderr=subprocess.DEVNULL,
-            text=True,
-            errors="replace",
-        )
+    def watch(self):
+        display = Display()
+        display.listen(display.root)
+        listening = 0
+        while not self.is_over:
+            window = display.active_window()
+            if window and window != listening:
+                display.listen(window)  # before its name is asked, so that no change is lost
+                listening = window
+            self.note(window, display.name(window) if window else None)
+            display.wait(0.2)
+        display.close()
 
-    def follow_activity(self):
-        for line in self.activity.stdout:
-            found = re.search(r"# (0x[0-9a-f]+)", line)
-            window = int(found[1], 16) if found else 0
-            with self.changed:
-                if self.is_over:
-                    return
-                if window == self.window:
-                    continue
-                self.end_naming()
-                self.window, self.name = window, None
-                if window:
-                    self.naming = self.spy("-id", hex(window), "_NET_WM_NAME", "WM_NAME")
-                    threading.Thread(target=self.follow_name, args=(window, self.naming), daemon=True).start()
-                self.note()
-
-    def follow_name(self, window, naming):
-        names = {}
-        for line in naming.stdout:
-            found = re.match(r'(\w+)\(\w+\) = "(.*)"$', line)
-            if found:
-                names[found[1]] = found[2]
-            with self.changed:
-                if self.window != window or self.is_over:
-                    break
-                self.name = names.get("_NET_WM_NAME", names.get("WM_NAME"))
-                self.note()
-        naming.wait()
-        naming.stdout.close()
-
-    def note(self):
-        self.front = self.meaning(self.window, self.name) if self.window and self.name is not None else None
-        # Focus passes through nothing at each switch; the window before it counts until there is another.
-        if self.window:
-            self.timeline.now(self.front)
-        self.changed.notify_all()
-
-    def end_naming(self):
-        if self.naming:
-            self.naming.kill()
-            self.naming = None
+    def note(self, window, name):
+        with self.changed:
+            self.window, self.name = window, name
+            self.front = self.meaning(window, name) if window and name is not None else None
+            # Focus passes through nothing at each switch; the window before it counts until there is another.
+            if window:
+                self.timeline.now(self.front)
+            self.changed.notify_all()
 
     def expect(self, condition, within=20):
         """The window in front once `condition(window, name, front)` holds; None when that never came."""
@@ -196,8 +235,5 @@ class Witness:
             return self.window if holds else None
 
     def close(self):
-        with self.changed:
-            self.is_over = True
-            self.end_naming()
-        self.activity.kill()
-        self.activity.wait()
+        self.is_over = True
+        self.thread.join()

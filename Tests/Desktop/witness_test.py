@@ -61,6 +61,13 @@ class Comparing(unittest.TestCase):
         self.assertEqual((score.raw["all"], score.fair["all"]), (5, 7))
         self.assertEqual(score.wrong, {(NOBODY, WRITING): 3})
 
+    def test_what_was_in_front_too_shortly_for_a_row_is_told_apart(self):
+        truth = timeline((0, WRITING), (5, READING), (5.9, OTHER_PAGE))
+        score = compare(truth, [row(0, 5, WRITING), row(5.9, 10, OTHER_PAGE)], 0, 10)
+        self.assertEqual((score.seconds, score.short, score.raw["all"]), (9, 1, 9))
+        score = compare(truth, [row(0, 2, WRITING), row(5.9, 10, OTHER_PAGE)], 0, 10)
+        self.assertEqual(score.wrong, {(WRITING, NOBODY): 2})
+
     def test_moments_of_which_nobody_can_tell_are_left_out(self):
         truth = timeline((0, WRITING), (4, None), (6, READING))
         score = compare(truth, [row(0, 6, WRITING), row(6, 10, READING)], 0, 10)
