@@ -94,14 +94,17 @@ void ActivityMonitor::start() {
 
 void ActivityMonitor::observeHost() {
     const auto weak = std::weak_ptr(self_);
-    observerTokens_.push_back(host_.workspace.observe([weak, &queue = host_.queue](WorkspaceNotice notice) {
-        if (notice != WorkspaceNotice::activated)
-            return;
-        queue.async([weak] { // a switch takes effect at once and not at the next tick of the timer
+    const auto tickSoon = [weak, &queue = host_.queue] {
+        queue.async([weak] {
             if (const auto self = weak.lock())
                 (*self)->tick();
         });
+    };
+    observerTokens_.push_back(host_.workspace.observe([tickSoon](WorkspaceNotice notice) {
+        if (notice == WorkspaceNotice::activated)
+            tickSoon(); // a switch takes effect at once and not at the next tick of the timer
     }));
+    observerTokens_.push_back(collaborators_.observeTabs(tickSoon));
     observerTokens_.push_back(host_.sessionEvents.observe([weak, &queue = host_.queue](const SessionNotice& notice) {
         queue.async([weak, notice] {
             if (const auto self = weak.lock())

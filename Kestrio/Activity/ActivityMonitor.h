@@ -61,6 +61,9 @@ public:
         std::function<std::optional<BrowserTab>(const std::string& bundleID)> activeTab = [](const auto&) {
             return std::nullopt;
         };
+        /// Calls its receiver on the queue when `activeTab` would now answer otherwise than it did a moment ago, though
+        /// nothing else changed. The monitor then looks at once.
+        std::function<Subscription(std::function<void()> receiver)> observeTabs = [](auto) { return Subscription(); };
         std::function<bool(const std::string& bundleID)> isBrowser = [](const auto&) { return false; };
         std::function<std::string(const std::string& title, const std::string& appName)> stripBrowserName =
             [](const auto& title, const auto&) { return title; };

@@ -187,6 +187,7 @@ private:
     ActivityMonitor::Collaborators collaborators() {
         ActivityMonitor::Collaborators all;
         all.activeTab = [this](const std::string& bundleID) { return browsers_->activeTab(bundleID); };
+        all.observeTabs = [this](auto receiver) { return browsers_->observe(std::move(receiver)); };
         all.alongside = [this](const auto& frontmost, bool allowWatching) {
             return media_->alongside.evidence(frontmost, allowWatching);
         };

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "Kestrio/Activity/BrowserInspector.h"
+#include "Kestrio/Base/Signal.h"
 #include "Kestrio/Link/Background.h"
 #include "Kestrio/Platform/Linux/AccessibilityBrowserReader.h"
 #include "Kestrio/Platform/Linux/BridgeBrowserReader.h"
@@ -34,7 +35,7 @@ public:
           accessibility_(queue, clock,
                          {BusConnection::address(BusConnection::Bus::session).value_or(""),
                           environment("XDG_RUNTIME_DIR").value_or("")},
-                         applicationOf_, titledWindows(desktop.windows, applicationOf_)),
+                         applicationOf_, titledWindows(desktop.windows, applicationOf_), [this] { settled_.emit(); }),
           inspector(chain_, clock, AccessibilityBrowserReader::readable()) {}
 
     /// The front tab, as the inspector answers; takes note of whether the browser's pages could be read without the
@@ -67,6 +68,9 @@ public:
         return readings;
     }
 
+    /// Calls the receiver when a page that was uncertain at the last question has become certain.
+    Subscription observe(std::function<void()> receiver) { return settled_.subscribe(std::move(receiver)); }
+
 private:
     std::optional<std::string> applicationOf(pid_t process) {
         for (const auto& application : desktop_.workspace.runningApplications())
@@ -84,6 +88,7 @@ private:
     const TabBoard& board_;
     mutable std::mutex lock_; // guards `accessible_` alone
     std::set<std::string> accessible_;
+    Signal<> settled_;
     const ApplicationOfProcess applicationOf_ = [this](pid_t process) { return applicationOf(process); };
     BridgeBrowserReader bridge_;
     AccessibilityBrowserReader accessibility_;
