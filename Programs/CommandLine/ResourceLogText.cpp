@@ -125,7 +125,8 @@ std::string eventTable(const std::vector<ResourceEvent>& events, const Calendar&
     std::string table;
     for (const auto& event : events) {
         std::string about = event.appName.value_or("");
-        for (const auto& part : {hostWords(event.detail), event.bytes ? memoryText(*event.bytes) : std::string()})
+        for (const auto& part :
+             {hostWords(event.detail), event.bytes ? Fmt::memory(*event.bytes, calendar) : std::string()})
             if (!part.empty())
                 about += (about.empty() ? "" : ", ") + part;
         const auto used = 2 + timeColumns + titleColumns + 2;
@@ -159,9 +160,9 @@ std::string secondsRow(const SystemSecond& second, const Calendar& calendar, con
     const Painter painter(style.hasColour);
     const auto stall = figure(fmt::format("{} ms", second.lagMilliseconds));
     auto row = "  " + painter.dim(padded(calendar.localized(second.at, "MMMdjmmss"), timeColumns)) +
-               figure(Fmt::percent(second.cpu, 1)) + figure(memoryText(second.memoryUsed)) +
-               figure(memoryText(second.swapUsed)) + figure(dataText(second.swapInRate) + "/s") +
-               figure(dataText(second.ssdRead + second.ssdWrite) + "/s") +
+               figure(Fmt::percent(second.cpu, 1)) + figure(Fmt::memory(second.memoryUsed, calendar)) +
+               figure(Fmt::memory(second.swapUsed, calendar)) + figure(Fmt::speed(second.swapInRate, calendar)) +
+               figure(Fmt::speed(second.ssdRead + second.ssdWrite, calendar)) +
                (second.lagMilliseconds >= feltLag ? painter.bad(stall) : stall) + "  " +
                pressureCell(second.pressure, painter) + text::fittedToColumns(second.frontApp.value_or(""), 40);
     row.erase(row.find_last_not_of(' ') + 1);
