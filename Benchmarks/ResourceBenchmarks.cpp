@@ -68,24 +68,27 @@ std::int64_t bucketOf(DateInterval range) {
 }
 
 void secondsOfSevenDays(benchmark::State& state) {
+    auto& store = week().store();
     const auto range = ExampleLog::lastDays(7);
     std::size_t found = 0;
     for ([[maybe_unused]] auto _ : state)
-        found = week().store().secondsSeries(range, bucketOf(range)).size();
+        found = store.secondsSeries(range, bucketOf(range)).size();
     state.counters["points"] = static_cast<double>(found);
 }
 
 void secondsOfAnHour(benchmark::State& state) {
+    auto& store = week().store();
     const auto range = ExampleLog::lastDays(1.0 / 24);
     for ([[maybe_unused]] auto _ : state)
-        benchmark::DoNotOptimize(week().store().secondsSeries(range, bucketOf(range)));
+        benchmark::DoNotOptimize(store.secondsSeries(range, bucketOf(range)));
 }
 
 void minutesOfAYear(benchmark::State& state) {
+    auto& store = year().store();
     const auto range = ExampleLog::lastDays(365);
     std::size_t found = 0;
     for ([[maybe_unused]] auto _ : state)
-        found = year().store().systemSeries(range, bucketOf(range)).size();
+        found = store.systemSeries(range, bucketOf(range)).size();
     state.counters["points"] = static_cast<double>(found);
 }
 
@@ -113,14 +116,15 @@ void worstOfSevenDays(benchmark::State& state) {
 void exportOfSevenDays(benchmark::State& state) {
     ResourceExporter::Surroundings surroundings;
     surroundings.calendar = calendar;
+    auto& log = week();
     for ([[maybe_unused]] auto _ : state) {
         const auto made = ResourceExporter::exportEverything(
-            {.destination = week().folder(),
+            {.destination = log.folder(),
              .interval = ExampleLog::lastDays(7),
              .title = "",
              .now = end,
              .sessions = [](DateInterval) { return std::vector<ResourceExporter::UsedSession>(); }},
-            surroundings, week().store());
+            surroundings, log.store());
         if (made.error)
             state.SkipWithError(made.error->c_str());
         state.PauseTiming();

@@ -2,6 +2,7 @@
 
 #include "Kestrio/Base/Files.h"
 #include "Kestrio/Base/Log.h"
+#include "Kestrio/Base/SqliteFold.h"
 #include "Kestrio/Resources/ResourceTables.h"
 
 #include <cmath>
@@ -18,6 +19,7 @@ using sqlite::Step;
 
 constexpr std::int64_t minuteLength = 60;
 constexpr int bitsPerMiB = 20;
+constexpr std::int64_t pressureWarning = 2; // the code from which on a minute counts as one under pressure
 
 /// The version of a file whose minutes all know their setup.
 constexpr std::int64_t backFilledVersion = 2;
@@ -161,32 +163,6 @@ AppResourceSummary decodeSummary(Columns row) {
             .wakeups = row.natural()};
 }
 
-SystemBucket decodeSystemBucket(Columns row) {
-    return {.start = row.date(),
-            .cpu = row.real(),
-            .cpuPeak = row.real(),
-            .cpuPerformance = row.real(),
-            .cpuEfficiency = row.real(),
-            .memoryUsed = averageCount(row.real()),
-            .swapUsed = row.natural(),
-            .swapIn = row.natural(),
-            .swapOut = row.natural(),
-            .pressure = row.integer(),
-            .pressureMinutes = row.integer(),
-            .lagMilliseconds = row.integer(),
-            .minutes = row.integer(),
-            .ramRead = row.real(),
-            .ramWrite = row.real(),
-            .ramPeak = row.real(),
-            .ssdRead = row.real(),
-            .ssdWrite = row.real(),
-            .ssdPeak = row.real(),
-            .activeSeconds = row.integer(),
-            .idleSeconds = row.integer(),
-            .awaySeconds = row.integer(),
-            .switches = row.integer()};
-}
-
 HourProfile decodeHour(Columns row) {
     return {.hour = row.integer(),
             .activeSeconds = row.integer(),
@@ -221,20 +197,101 @@ ConfigGroup decodeConfigGroup(Columns row) {
             .uncertainMinutes = row.integer()};
 }
 
-SecondBucket decodeSecondBucket(Columns row) {
-    return {.start = row.date(),
-            .cpu = row.real() / 1000,
-            .cpuPeak = row.real() / 1000,
-            .ramRead = row.real(),
-            .ramWrite = row.real(),
-            .ramPeak = row.real(),
-            .ssdRead = row.real(),
-            .ssdWrite = row.real(),
-            .ssdPeak = row.real(),
-            .swapUsed = fromMebibytes(row.natural()),
-            .pressure = row.integer(),
-            .lagMilliseconds = row.integer()};
+// Periods in the making hold sums where they will hold averages; the columns are those that the series name.
+
+void add(SystemBucket& bucket, sqlite::RowValues row) {
+    ++bucket.minutes;
+    bucket.cpu += row.real();
+    bucket.cpuPeak = std::max(bucket.cpuPeak, row.real());
+    bucket.cpuPerformance += row.real();
+    bucket.cpuEfficiency += row.real();
+    bucket.memoryUsed += row.natural();
+    bucket.swapUsed = std::max(bucket.swapUsed, row.natural());
+    bucket.swapIn += row.natural();
+    bucket.swapOut += row.natural();
+    const auto pressure = row.integer();
+    bucket.pressure = std::max(bucket.pressure, pressure);
+    bucket.pressureMinutes += pressure >= pressureWarning;
+    bucket.lagMilliseconds = std::max(bucket.lagMilliseconds, row.integer());
+    bucket.ramRead += row.real();
+    bucket.ramWrite += row.real();
+    bucket.ramPeak = std::max(bucket.ramPeak, row.real());
+    bucket.ssdRead += row.real();
+    bucket.ssdWrite += row.real();
+    bucket.ssdPeak = std::max(bucket.ssdPeak, row.real());
+    bucket.activeSeconds += row.integer();
+    bucket.idleSeconds += row.integer();
+    bucket.awaySeconds += row.integer();
+    bucket.switches += row.integer();
 }
+
+void finish(SystemBucket& bucket, double rows) {
+    bucket.memoryUsed = averageCount(static_cast<double>(bucket.memoryUsed) / rows);
+    for (auto* sum : {&bucket.cpu, &bucket.cpuPerformance, &bucket.cpuEfficiency, &bucket.ramRead, &bucket.ramWrite,
+                      &bucket.ssdRead, &bucket.ssdWrite})
+        *sum /= rows;
+}
+
+void add(SecondBucket& bucket, sqlite::RowValues row) {
+    const auto cpu = row.real();
+    bucket.cpu += cpu;
+    bucket.cpuPeak = std::max(bucket.cpuPeak, cpu);
+    const auto ramRead = row.real();
+    const auto ramWrite = row.real();
+    bucket.ramRead += ramRead;
+    bucket.ramWrite += ramWrite;
+    bucket.ramPeak = std::max(bucket.ramPeak, ramRead + ramWrite);
+    const auto ssdRead = row.real();
+    const auto ssdWrite = row.real();
+    bucket.ssdRead += ssdRead;
+    bucket.ssdWrite += ssdWrite;
+    bucket.ssdPeak = std::max(bucket.ssdPeak, ssdRead + ssdWrite);
+    bucket.swapUsed = std::max(bucket.swapUsed, row.natural());
+    bucket.pressure = std::max(bucket.pressure, row.integer());
+    bucket.lagMilliseconds = std::max(bucket.lagMilliseconds, row.integer());
+}
+
+void finish(SecondBucket& bucket, double rows) {
+    bucket.cpu = bucket.cpu / rows / 1000;
+    bucket.cpuPeak /= 1000;
+    bucket.swapUsed = fromMebibytes(bucket.swapUsed);
+    for (auto* sum : {&bucket.ramRead, &bucket.ramWrite, &bucket.ssdRead, &bucket.ssdWrite})
+        *sum /= rows;
+}
+
+/// The periods of rows that come in the order of time, which is each row's first value.
+template <class Bucket>
+class Series {
+public:
+    explicit Series(std::int64_t length) : length_(length) {}
+
+    void receive(sqlite::RowValues row) {
+        const auto start = row.integer() / length_ * length_;
+        if (buckets_.empty() || start != start_) {
+            finishLast();
+            buckets_.push_back({.start = Date(static_cast<double>(start))});
+            start_ = start;
+        }
+        ++rows_;
+        add(buckets_.back(), row);
+    }
+
+    std::vector<Bucket> take() {
+        finishLast();
+        return std::move(buckets_);
+    }
+
+private:
+    void finishLast() {
+        if (!buckets_.empty())
+            finish(buckets_.back(), std::exchange(rows_, 0));
+    }
+
+    const std::int64_t length_;
+    std::int64_t start_ = 0; // of the last one
+    double rows_ = 0;        // in the last one
+    std::vector<Bucket> buckets_;
+};
 
 constexpr auto secondColumns =
     "SELECT s.ts, s.cpu, s.cpu_p, s.cpu_e, s.mem_mb, s.comp_mb, s.swap_mb, s.pressure, s.thermal, s.ram_r, s.ram_w,\n"
@@ -433,6 +490,19 @@ std::vector<Record> ResourceStore::collect(Statement& statement, Decode decode) 
     if (step == Step::failed && statement.isValid())
         logSQLError(sqlite::errorMessage(connection_.get()));
     return records;
+}
+
+/// `sql` folds the rows of a range in the order of time.
+template <class Bucket>
+std::vector<Bucket> ResourceStore::series(std::string_view sql, DateInterval range, std::int64_t bucket) {
+    return queue_.sync([&] {
+        Series<Bucket> made(bucket);
+        const sqlite::RowFold fold(connection_.get(), [&](sqlite::RowValues row) { made.receive(row); });
+        auto select = prepare(sql);
+        select.bindAll(range.start, range.end);
+        run(select);
+        return made.take();
+    });
 }
 
 // Interning.
@@ -665,16 +735,11 @@ std::vector<ResourceEvent> ResourceStore::events(DateInterval range, std::int64_
 }
 
 std::vector<SystemBucket> ResourceStore::systemSeries(DateInterval range, std::int64_t bucket) {
-    return queue_.sync([&] {
-        auto select = prepare("SELECT (minute / ?1) * ?1 AS b, AVG(cpu), MAX(cpu_peak), AVG(cpu_p), AVG(cpu_e),\n"
-                              "AVG(mem_used), MAX(swap_used), SUM(swap_in), SUM(swap_out), MAX(pressure),\n"
-                              "SUM(pressure >= 2), MAX(lag_ms), COUNT(*), AVG(ram_r), AVG(ram_w), MAX(ram_peak),\n"
-                              "AVG(ssd_r), AVG(ssd_w), MAX(ssd_peak), SUM(active_s), SUM(idle_s), SUM(away_s),\n"
-                              "SUM(switches) FROM system_minutes WHERE minute >= ?2 AND minute < ?3\n"
-                              "GROUP BY b ORDER BY b");
-        select.bindAll(std::max(bucket, minuteLength), range.start, range.end);
-        return collect<SystemBucket>(select, decodeSystemBucket);
-    });
+    return series<SystemBucket>(
+        "SELECT fold(minute, cpu, cpu_peak, cpu_p, cpu_e, mem_used, swap_used, swap_in, swap_out,\n"
+        "pressure, lag_ms, ram_r, ram_w, ram_peak, ssd_r, ssd_w, ssd_peak, active_s, idle_s,\n"
+        "away_s, switches) FROM system_minutes WHERE minute >= ? AND minute < ?",
+        range, std::max(bucket, minuteLength));
 }
 
 std::vector<HourProfile> ResourceStore::hourProfiles(DateInterval range) {
@@ -707,14 +772,9 @@ std::vector<ConfigGroup> ResourceStore::configGroups(DateInterval range) {
 }
 
 std::vector<SecondBucket> ResourceStore::secondsSeries(DateInterval range, std::int64_t bucket) {
-    return queue_.sync([&] {
-        auto select = prepare("SELECT (ts / ?1) * ?1 AS b, AVG(cpu), MAX(cpu), AVG(ram_r), AVG(ram_w),\n"
-                              "MAX(ram_r + ram_w), AVG(ssd_r), AVG(ssd_w), MAX(ssd_r + ssd_w), MAX(swap_mb),\n"
-                              "MAX(pressure), MAX(lag_ms) FROM system_seconds WHERE ts >= ?2 AND ts < ?3\n"
-                              "GROUP BY b ORDER BY b");
-        select.bindAll(std::max(bucket, std::int64_t{1}), range.start, range.end);
-        return collect<SecondBucket>(select, decodeSecondBucket);
-    });
+    return series<SecondBucket>("SELECT fold(ts, cpu, ram_r, ram_w, ssd_r, ssd_w, swap_mb, pressure, lag_ms)\n"
+                                "FROM system_seconds WHERE ts >= ? AND ts < ?",
+                                range, std::max(bucket, std::int64_t{1}));
 }
 
 std::vector<SystemSecond> ResourceStore::seconds(DateInterval range, std::optional<Date> after, std::int64_t limit) {

@@ -109,6 +109,8 @@ private:
     void execute(const char* sql);
     template <class Record, class Decode>
     std::vector<Record> collect(sqlite::Statement& statement, Decode decode);
+    template <class Bucket>
+    std::vector<Bucket> series(std::string_view sql, DateInterval range, std::int64_t bucket);
 
     const std::filesystem::path file_;
     Queue& queue_;
