@@ -3,6 +3,7 @@
 #include "Kestrio/Base/LoopQueue.h"
 #include "Tests/Resources/RecorderBench.h"
 
+#include <cmath>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -126,11 +127,13 @@ TEST(ResourceLog, losesAtMostThirtySecondsAndTheOpenMinuteWhenItIsKilled) {
     constexpr Date begin{1'699'999'980};
     constexpr Seconds apart{100'000};
     std::mt19937 random(4'711);
+    std::uniform_int_distribution rounds(1, 400);
+    std::uniform_int_distribution microseconds(0u, 3'000u);
     std::vector<Progress> runs;
     for (int run = 0; run < 25; ++run) {
         const auto start = begin + apart * static_cast<double>(run);
         Writer writer(file, start);
-        runs.push_back(writer.killAfter(1 + static_cast<int>(random() % 400), random() % 3'000));
+        runs.push_back(writer.killAfter(rounds(random), microseconds(random)));
 
         VirtualTime time(start);
         VirtualQueue queue(time, ResourceStore::queueLabel);
