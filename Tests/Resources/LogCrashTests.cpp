@@ -125,12 +125,12 @@ TEST(ResourceLog, losesAtMostThirtySecondsAndTheOpenMinuteWhenItIsKilled) {
     const TemporaryFolder folder;
     const auto file = folder.path() / ResourceStore::fileName;
     constexpr Date begin{1'699'999'980};
-    constexpr Seconds apart{100'000};
+    constexpr Seconds apart{9'960}; // whole minutes, and all together less than what is pruned
     std::mt19937 random(4'711);
     std::uniform_int_distribution rounds(1, 400);
     std::uniform_int_distribution microseconds(0u, 3'000u);
     std::vector<Progress> runs;
-    for (int run = 0; run < 25; ++run) {
+    for (int run = 0; run < 50; ++run) {
         const auto start = begin + apart * static_cast<double>(run);
         Writer writer(file, start);
         runs.push_back(writer.killAfter(rounds(random), microseconds(random)));
