@@ -43,7 +43,10 @@ struct RecorderBench {
             });
         };
         all.observeSession = [this](auto receiver) { return session.observe(std::move(receiver)); };
-        all.activity = [this] { return activity; };
+        all.activity = [this] {
+            beforeTick();
+            return activity;
+        };
         all.inputIdle = [this] { return idle; };
         all.power = [this] { return power; };
         all.optimizer = [this] { return optimizer; };
@@ -102,6 +105,8 @@ struct RecorderBench {
     OptimizerState optimizer;
     std::optional<OwnUse> ownUse;
     int scans = 0;
+    /// Called at each tick before anything is read: the machine can move on here.
+    std::function<void()> beforeTick = [] {};
     std::unique_ptr<ResourceStore> store;
     std::unique_ptr<ResourceRecorder> recorder;
 };

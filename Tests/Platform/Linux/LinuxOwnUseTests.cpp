@@ -7,7 +7,7 @@
 namespace kestrio {
 namespace {
 
-constexpr auto stat = "77 (a program) S 1 1 0 -1 4194304 1234 55 66 77 120 30 8 9 20 0 12 0 5 53841920 5253 "
+constexpr auto stat = "77 (a program) S 1 1 1 0 -1 4194304 1234 55 66 77 120 30 8 9 20 0 12 0 5 53841920 5253 "
                       "18446744073709551615 1 1 0 0 0 0 0 4096 1256 0 0 0 17 1 0 0 0 0 0 0 0 0 0 0 0 0 0\n";
 
 TEST(LinuxOwnUse, sumsUpEveryThreadsWakeUps) {
