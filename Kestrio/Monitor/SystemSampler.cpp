@@ -43,6 +43,12 @@ std::vector<AppResource> top(std::vector<AppResource> apps, Figure AppResource::
     return apps;
 }
 
+/// In floating point, so that no figure of a broken battery overflows.
+std::int64_t percentCut(std::int64_t part, std::int64_t whole) {
+    const auto percent = static_cast<double>(part) * 100 / static_cast<double>(whole);
+    return static_cast<std::int64_t>(std::clamp(percent, 0.0, 100.0));
+}
+
 std::optional<std::int64_t> aboveZero(std::optional<std::int64_t> minutes) {
     return minutes && *minutes > 0 ? minutes : std::nullopt;
 }
@@ -115,8 +121,7 @@ std::optional<double> SystemSampler::temperature() {
 }
 
 BatteryInfo SystemSampler::batteryInfo(const BatteryReading& reading) {
-    return {.level =
-                reading.full > 0 ? std::min<std::int64_t>(100, reading.current * 100 / reading.full) : reading.current,
+    return {.level = reading.full > 0 ? percentCut(reading.current, reading.full) : reading.current,
             .isCharging = reading.isCharging,
             .isPluggedIn = reading.isPluggedIn,
             .minutesRemaining = aboveZero(reading.minutesToEmpty),

@@ -9,6 +9,7 @@
 
 #include <chrono>
 #include <nlohmann/json.hpp>
+#include <string_view>
 #include <thread>
 
 namespace kestrio {
@@ -16,6 +17,14 @@ namespace {
 
 /// Between the two samples that CPU time is told by; a hundredth of it, in which the kernel counts, is a percent.
 constexpr Seconds measuring{1.0};
+
+/// The insights name the machine as the first host does.
+std::string inHostWords(std::string text) {
+    constexpr std::string_view foreign = "Your Mac ";
+    if (text.starts_with(foreign))
+        text.replace(0, foreign.size(), "Your computer ");
+    return text;
+}
 
 MonitorReading takeReading(const Calendar& calendar) {
     const SystemClock clock;
@@ -31,6 +40,8 @@ MonitorReading takeReading(const Calendar& calendar) {
                            .insights = {},
                            .isLowPowerMode = sensors.isLowPowerModeEnabled()};
     reading.insights = SystemInsight::make(reading.snapshot, {}, calendar);
+    for (auto& insight : reading.insights)
+        insight.text = inHostWords(std::move(insight.text));
     return reading;
 }
 

@@ -149,6 +149,9 @@ TEST(SystemSampler, makesABatterysLevelOfWhatItHolds) {
         {{.current = 2'999, .full = 4'000}, {.level = 74}}, // cut, not rounded
         {{.current = 0, .full = 100}, {.level = 0}},
         {{.current = 42, .full = 0}, {.level = 42}},
+        {{.current = -5, .full = 100}, {.level = 0}},
+        {{.current = INT64_MAX, .full = INT64_MAX}, {.level = 100}},
+        {{.current = 29, .full = 100}, {.level = 29}},
         {{.current = 1, .full = 1, .isCharging = true, .isPluggedIn = true, .minutesToFull = 5},
          {.level = 100, .isCharging = true, .isPluggedIn = true, .minutesToFull = 5}},
         {{.current = 1, .full = 2, .minutesToEmpty = 90, .minutesToFull = 0}, {.level = 50, .minutesRemaining = 90}},

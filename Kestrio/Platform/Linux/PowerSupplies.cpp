@@ -16,6 +16,9 @@ namespace fs = std::filesystem;
 /// Beyond this a rate was noise around zero.
 constexpr double longestMinutes = 2 * 24 * 60;
 
+/// Far beyond what can be carried, and exact in whole numbers.
+constexpr double mostCharge = 1e15;
+
 using Properties = std::map<std::string_view, std::string_view>;
 
 Properties parseProperties(std::string_view text) {
@@ -58,10 +61,13 @@ std::optional<PowerSupply::Charge> chargeOf(const Properties& properties, std::s
     const auto fullValue = number(properties, full);
     if (!nowValue || !fullValue || *fullValue <= 0)
         return std::nullopt;
+    const auto amount = [unit](std::int64_t value) {
+        return std::clamp(static_cast<double>(value) * unit, 0.0, mostCharge);
+    };
     // Some drivers give what flows out a minus.
-    const auto flow = std::abs(static_cast<double>(number(properties, rate).value_or(0)));
-    return PowerSupply::Charge{std::max(static_cast<double>(*nowValue), 0.0) * unit,
-                               static_cast<double>(*fullValue) * unit, flow * unit};
+    const auto flow = number(properties, rate).value_or(0);
+    return PowerSupply::Charge{amount(*nowValue), amount(*fullValue),
+                               std::min(std::abs(static_cast<double>(flow)) * unit, mostCharge)};
 }
 
 std::optional<PowerSupply::Charge> chargeOf(const Properties& properties) {
@@ -70,6 +76,11 @@ std::optional<PowerSupply::Charge> chargeOf(const Properties& properties) {
     const auto microvolts = number(properties, "VOLTAGE_NOW").value_or(0);
     const double volts = microvolts > 0 ? static_cast<double>(microvolts) * 1e-6 : 1;
     return chargeOf(properties, "CHARGE_NOW", "CHARGE_FULL", "CURRENT_NOW", volts);
+}
+
+std::optional<std::int64_t> percentOf(const Properties& properties) {
+    const auto percent = number(properties, "CAPACITY");
+    return percent ? std::optional(std::clamp<std::int64_t>(*percent, 0, 100)) : std::nullopt;
 }
 
 std::optional<std::int64_t> wholeMinutes(double minutes) {
@@ -93,7 +104,8 @@ std::optional<PowerSupply::Charge> chargeOfAll(const Batteries& batteries) {
         all.full += battery.charge->full;
         all.rate += battery.charge->rate;
     }
-    return all;
+    // Less than one of the unit is rounding.
+    return all.full >= 1 ? std::optional(all) : std::nullopt;
 }
 
 std::optional<std::int64_t> meanPercent(const Batteries& batteries) {
@@ -139,7 +151,7 @@ PowerSupply parsePowerSupply(std::string_view type, std::string_view text) {
                        .isOnline = number(properties, "ONLINE").value_or(0) > 0,
                        .status = statusOf(properties["STATUS"]),
                        .charge = chargeOf(properties),
-                       .percent = number(properties, "CAPACITY"),
+                       .percent = percentOf(properties),
                        .secondsToEmpty = number(properties, "TIME_TO_EMPTY_NOW"),
                        .secondsToFull = number(properties, "TIME_TO_FULL_NOW")};
     return supply;

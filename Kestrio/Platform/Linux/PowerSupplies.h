@@ -32,7 +32,7 @@ struct PowerSupply {
         friend bool operator==(const Charge&, const Charge&) = default;
     };
     std::optional<Charge> charge = {};
-    std::optional<std::int64_t> percent = {}; // by the battery's own count
+    std::optional<std::int64_t> percent = {}; // by the battery's own count, 0 to 100
     std::optional<std::int64_t> secondsToEmpty = {};
     std::optional<std::int64_t> secondsToFull = {};
 

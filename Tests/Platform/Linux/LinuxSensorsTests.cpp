@@ -278,6 +278,18 @@ TEST(PowerSupply, isReadFromMalformedTextToo) {
               (PowerSupply::Charge{5, 10, 2}));
 }
 
+TEST(PowerSupply, isBoundedWhateverItClaims) {
+    const auto huge = battery("POWER_SUPPLY_ENERGY_NOW=9223372036854775807\nPOWER_SUPPLY_ENERGY_FULL=1\n"
+                              "POWER_SUPPLY_POWER_NOW=-9223372036854775808\nPOWER_SUPPLY_CAPACITY=900\n");
+    EXPECT_EQ(huge.charge, (PowerSupply::Charge{1e15, 1, 1e15}));
+    EXPECT_EQ(huge.percent, 100);
+    EXPECT_EQ(battery("POWER_SUPPLY_CAPACITY=-1\n").percent, 0);
+    // A charge of nothing at next to no volts is not one that can be told by.
+    EXPECT_EQ(
+        readingOf({battery("POWER_SUPPLY_CHARGE_NOW=5\nPOWER_SUPPLY_CHARGE_FULL=10\nPOWER_SUPPLY_VOLTAGE_NOW=1\n")}),
+        std::nullopt);
+}
+
 TEST(Battery, thatIsNotThereOrIsOfAMouseDoesNotCount) {
     EXPECT_EQ(readingOf({}), std::nullopt);
     EXPECT_EQ(readingOf({mains(true)}), std::nullopt);
