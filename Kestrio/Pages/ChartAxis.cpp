@@ -1,0 +1,70 @@
+#include "Kestrio/Pages/ChartAxis.h"
+
+#include <algorithm>
+#include <cmath>
+#include <fmt/format.h>
+
+namespace kestrio {
+namespace {
+
+constexpr int hoursPerMark = 3;
+constexpr int daysPerWideMark = 7;
+constexpr std::size_t mostBucketsWithEachDay = 10;
+constexpr Seconds longestWithEachDay{950'400}; // eleven days
+
+std::vector<TimeMark> hourMarks(DateInterval interval, const Calendar& calendar) {
+    std::vector<TimeMark> marks;
+    for (auto at = interval.start; at < interval.end; at = calendar.hour(at).end)
+        if (calendar.components(at).hour % hoursPerMark == 0)
+            marks.push_back({at, calendar.localized(at, "j")});
+    return marks;
+}
+
+std::vector<TimeMark> dayMarks(DateInterval interval, int stride, const std::string& skeleton,
+                               const Calendar& calendar) {
+    std::vector<TimeMark> marks;
+    for (auto at = interval.start; at < interval.end; at = calendar.startOfDay(calendar.addingDays(at, stride)))
+        marks.push_back({at, calendar.localized(at, skeleton)});
+    return marks;
+}
+
+} // namespace
+
+TimeUnit timeUnit(Granularity granularity) {
+    switch (granularity) {
+    case Granularity::hour: return {"Minutes", Seconds(60)};
+    case Granularity::day: return {"Hours", Seconds(3600)};
+    }
+    return {};
+}
+
+std::vector<ValueMark> valueMarks(double highest) {
+    constexpr int mostSteps = 4;
+    constexpr int steps[] = {1, 2, 3, 5, 6, 10, 15, 20, 30, 60, 120, 240, 480};
+    int step = *std::rbegin(steps);
+    for (const int one : steps)
+        if (highest <= one * mostSteps) {
+            step = one;
+            break;
+        }
+    std::vector<ValueMark> marks{{0, "0"}};
+    while (marks.back().value < highest && marks.back().value < mostSteps * step) {
+        const auto next = marks.back().value + step;
+        marks.push_back({next, fmt::format("{}", std::llround(next))});
+    }
+    return marks;
+}
+
+std::vector<TimeMark> timeMarks(DateInterval interval, Granularity granularity, std::size_t bucketCount,
+                                const Calendar& calendar) {
+    if (granularity == Granularity::hour)
+        return hourMarks(interval, calendar);
+    const bool eachDay = bucketCount <= mostBucketsWithEachDay && interval.duration() <= longestWithEachDay;
+    return eachDay ? dayMarks(interval, 1, "EEEd", calendar) : dayMarks(interval, daysPerWideMark, "dMMM", calendar);
+}
+
+DateInterval bucketInterval(Date date, Granularity granularity, const Calendar& calendar) {
+    return granularity == Granularity::hour ? calendar.hour(date) : calendar.day(date);
+}
+
+} // namespace kestrio

@@ -1,0 +1,212 @@
+#include "Kestrio/Pages/DayStrips.h"
+
+#include "Kestrio/Base/Formatters.h"
+#include "Kestrio/Pages/SessionWords.h"
+#include "Kestrio/Reports/IntervalWalk.h"
+
+#include <algorithm>
+#include <cmath>
+#include <fmt/format.h>
+#include <map>
+
+namespace kestrio {
+namespace {
+
+constexpr auto explanation =
+    "Each row is one day, running left to right through the hours. A coloured block is a stretch when you were "
+    "actively using something, and its colour is the kind of activity (key below). Empty space means you were away or "
+    "idle.";
+constexpr auto alongsideExplanation = " The thin line under a row shows media playing next to what you were doing — "
+                                      "watching or listening.";
+
+using SessionSpan = std::span<const ClassifiedSession>;
+
+/// Calls `visit(start of day, sessions)` for each day on which one of the sessions begins; they ascend by start.
+template <class Visitor>
+void forEachDay(SessionSpan sessions, const Calendar& calendar, Visitor&& visit) {
+    IntervalWalk days(calendar, Granularity::day);
+    for (auto rest = sessions; !rest.empty();) {
+        const auto day = days.around(rest.front().start);
+        const auto next = std::ranges::find_if(rest, [&](const auto& session) { return !day.contains(session.start); });
+        const auto count = static_cast<std::size_t>(std::distance(rest.begin(), next));
+        visit(day.start, rest.first(count));
+        rest = rest.subspan(std::max<std::size_t>(count, 1));
+    }
+}
+
+int lastHour(const DayStrips::Day& day) {
+    const auto latest = std::ranges::max_element(day.sessions, {}, &ClassifiedSession::end)->end;
+    return static_cast<int>(std::min(24.0, std::ceil((latest - day.start) / Seconds(3600))));
+}
+
+StripCanvas canvas(SessionSpan sessions, const DayStrips& strips, Date day, bool isFaded) {
+    return {.sessions = sessions,
+            .origin = day + Seconds(strips.hours.lowest * 3600),
+            .span = strips.hours.span(),
+            .hours = strips.hours.highest - strips.hours.lowest,
+            .isFaded = isFaded,
+            .cursor = {},
+            .highlighted = {}};
+}
+
+/// How far a moment is from a session; nothing within it.
+Seconds gap(const ClassifiedSession& session, Date time) {
+    return std::max({session.start - time, time - session.end, Seconds(0)});
+}
+
+const ClassifiedSession* nearest(SessionSpan sessions, Date time, Seconds tolerance) {
+    const auto found = std::ranges::min_element(sessions, {}, [&](const auto& session) { return gap(session, time); });
+    return found != sessions.end() && gap(*found, time) <= tolerance ? &*found : nullptr;
+}
+
+/// "Fri 20, " where there are several days to tell apart.
+std::string dayInFront(Date date, bool manyDays, const Calendar& calendar) {
+    return manyDays ? calendar.localized(date, "EEEd") + ", " : "";
+}
+
+} // namespace
+
+StripLayout stripLayout(std::size_t days) {
+    if (days <= 1)
+        return {.strip = 52, .mediaLine = 12, .isDense = false, .manyDays = false};
+    if (days <= 8)
+        return {.strip = 32, .mediaLine = 8, .isDense = false, .manyDays = true};
+    return {.strip = 20, .mediaLine = 5, .isDense = true, .manyDays = true};
+}
+
+StripRectangle StripCanvas::rectangle(const ClassifiedSession& session, double width) const {
+    constexpr double leastWidth = 2;
+    constexpr double inset = 0.5;
+    return {.x = (session.start - origin) / span * width + inset,
+            .width = std::max(leastWidth, session.duration() / span * width - 2 * inset),
+            .opacity = isFaded ? 0.75 : 1};
+}
+
+std::vector<double> StripCanvas::hourLines(double width) const {
+    std::vector<double> lines;
+    for (int hour = 1; hour < hours; ++hour)
+        lines.push_back(hour * width / hours - hourLineWidth / 2);
+    return lines;
+}
+
+std::optional<double> StripCanvas::cursorLine(double width) const {
+    return cursor ? std::optional(*cursor * width - cursorWidth / 2) : std::nullopt;
+}
+
+bool operator==(const StripCanvas& a, const StripCanvas& b) {
+    const bool sameList = a.sessions.data() == b.sessions.data() && a.sessions.size() == b.sessions.size();
+    return a.origin == b.origin && a.span == b.span && a.hours == b.hours && a.isFaded == b.isFaded &&
+           a.cursor == b.cursor && a.highlighted == b.highlighted &&
+           (sameList || std::ranges::equal(a.sessions, b.sessions));
+}
+
+Seconds DayStrips::Day::active() const {
+    Seconds sum{};
+    for (const auto& session : sessions)
+        sum += session.duration();
+    return sum;
+}
+
+StripCanvas DayStrips::strip(const Day& day) const {
+    return canvas(day.sessions, *this, day.start, false);
+}
+
+StripCanvas DayStrips::mediaLine(const Day& day) const {
+    return canvas(day.alongside, *this, day.start, true);
+}
+
+std::vector<DayStrips::Day> stripDays(const ActivityReport& report, const Calendar& calendar) {
+    std::map<Date, DayStrips::Day> byStart;
+    const auto day = [&](Date start) -> DayStrips::Day& {
+        return byStart.try_emplace(start, DayStrips::Day{start, {}, {}}).first->second;
+    };
+    forEachDay(report.sessions, calendar, [&](Date start, SessionSpan sessions) { day(start).sessions = sessions; });
+    forEachDay(report.alongsideSessions, calendar,
+               [&](Date start, SessionSpan sessions) { day(start).alongside = sessions; });
+    std::vector<DayStrips::Day> days;
+    for (const auto& [start, one] : byStart)
+        days.push_back(one);
+    return days;
+}
+
+HourRange hourRange(std::span<const DayStrips::Day> days, const Calendar& calendar) {
+    HourRange range{.lowest = 24, .highest = 0};
+    for (const auto& day : days) {
+        if (day.sessions.empty())
+            continue;
+        range.lowest = std::min(range.lowest, calendar.components(day.sessions.front().start).hour);
+        range.highest = std::max(range.highest, lastHour(day));
+    }
+    return range.lowest < range.highest ? HourRange{std::max(0, range.lowest), range.highest} : HourRange{};
+}
+
+std::vector<DayStrips::HourMark> hourAxis(HourRange hours, const Viewpoint& viewpoint) {
+    constexpr int mostMarks = 13;
+    constexpr int wideStep = 3;
+    const int step = hours.highest - hours.lowest + 1 > mostMarks ? wideStep : 1;
+    const auto today = viewpoint.calendar.components(viewpoint.now);
+    std::vector<DayStrips::HourMark> marks;
+    for (int hour = hours.lowest; hour <= hours.highest; hour += step) {
+        const auto moment = viewpoint.calendar.date(today.year, today.month, today.day, hour);
+        marks.push_back({hour, viewpoint.calendar.localized(moment, "j")});
+    }
+    return marks;
+}
+
+DayStrips dayStrips(const ActivityReport& report, const Viewpoint& viewpoint) {
+    DayStrips strips;
+    strips.showsAlongside = !report.alongsideSessions.empty();
+    strips.explanation = explanation;
+    if (strips.showsAlongside)
+        strips.explanation += alongsideExplanation;
+    strips.days = stripDays(report, viewpoint.calendar);
+    strips.hours = hourRange(strips.days, viewpoint.calendar);
+    strips.layout = stripLayout(strips.days.size());
+    strips.hourAxis = hourAxis(strips.hours, viewpoint);
+    for (const auto& usage : report.categories)
+        strips.legend.push_back(categoryPill(usage.category));
+    return strips;
+}
+
+DayLabel dayLabel(const DayStrips::Day& day, bool isDense, const Calendar& calendar) {
+    const auto date = calendar.localized(day.start, "EEEEdMMM");
+    const auto active = Fmt::duration(day.active()) + " active";
+    if (isDense)
+        return {calendar.localized(day.start, "EEEd"), std::nullopt, date + ": " + active};
+    return {date, active, std::nullopt};
+}
+
+StripHover stripHover(const DayStrips& strips, const DayStrips::Day& day, bool isAlongside, double x, double width) {
+    constexpr double reach = 4; // points beside a session that still mean it
+    // Dates as doubles are good for about a microsecond: without this the last of the four points comes and goes.
+    constexpr Seconds rounding{0.001};
+    const auto canvas = isAlongside ? strips.mediaLine(day) : strips.strip(day);
+    const auto fraction = std::clamp(width < 1 ? x : x / width, 0.0, 1.0);
+    const auto time = canvas.origin + canvas.span * fraction;
+    const auto* session = nearest(canvas.sessions, time, canvas.span * reach / std::max(width, 1.0) + rounding);
+    return {.day = day.start,
+            .isAlongside = isAlongside,
+            .fraction = fraction,
+            .time = time,
+            .session = session ? std::optional(*session) : std::nullopt};
+}
+
+StripReadout stripReadout(const std::optional<StripHover>& hover, bool manyDays, const Calendar& calendar) {
+    if (!hover)
+        return ReadoutNote{"cursorarrow.motionlines",
+                           "Move the pointer over a bar to see what you were doing at that moment."};
+    if (!hover->session)
+        return ReadoutNote{"moon.zzz",
+                           fmt::format("{}{} — nothing recorded; you were away or idle",
+                                       dayInFront(hover->time, manyDays, calendar), shortTime(hover->time, calendar))};
+    const auto& session = *hover->session;
+    return ReadoutSession{.icon = {session.bundleID},
+                          .appName = session.appName,
+                          .title = titleOrUntitled(session.title),
+                          .category = categoryPill(session.category),
+                          .times = fmt::format(" · {}{} · {}", dayInFront(session.start, manyDays, calendar),
+                                               Fmt::timeRange(session.start, session.end, calendar),
+                                               Fmt::duration(session.duration()))};
+}
+
+} // namespace kestrio

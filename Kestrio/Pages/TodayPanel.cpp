@@ -1,0 +1,73 @@
+#include "Kestrio/Pages/TodayPanel.h"
+
+#include "Kestrio/Base/Formatters.h"
+#include "Kestrio/Classification/TextTools.h"
+
+#include <fmt/format.h>
+
+namespace kestrio {
+namespace {
+
+/// Of a video on the one site whose pictures are known.
+std::optional<VideoThumbnail> thumbnailOf(const ActivitySample& sample, Thumbnails thumbnails) {
+    if (thumbnails == Thumbnails::off || !sample.url || !YouTube::isYouTube(sample.domain))
+        return std::nullopt;
+    auto id = YouTube::videoID(*sample.url);
+    return id ? std::optional(videoThumbnail(std::move(*id), thumbnails)) : std::nullopt;
+}
+
+LiveActivityRow::Line line(const LiveActivity& live) {
+    const auto& sample = live.sample;
+    LiveActivityRow::Line line{sample.bundleID, sample.appName, sample.title, {}, {}};
+    if (sample.kind != SessionKind::focus)
+        line.badge = alongsideBadge(sample.kind);
+    return line;
+}
+
+ControlButton pauseOrResume(TrackingState state) {
+    if (state == TrackingState::paused)
+        return {.title = "Resume tracking", .symbol = "play.fill"};
+    return {.title = "Pause tracking", .symbol = "pause.fill"};
+}
+
+std::optional<PanelWarning> accessibilityHint(bool isGranted) {
+    if (isGranted)
+        return std::nullopt;
+    return PanelWarning{"exclamationmark.triangle.fill", "Allow Accessibility access to record window titles.",
+                        "Allow"};
+}
+
+} // namespace
+
+LiveActivityRow liveActivityRow(const std::optional<LiveActivity>& live, TrackingState state,
+                                const std::vector<LiveActivity>& alongside, Thumbnails thumbnails) {
+    LiveActivityRow row{stateWords(state), {}};
+    if (live) {
+        auto focus = line(*live);
+        focus.thumbnail = thumbnailOf(live->sample, thumbnails);
+        row.focus = std::move(focus);
+    }
+    for (const auto& one : alongside)
+        row.alongside.push_back(line(one));
+    return row;
+}
+
+TodayPanel todayPanel(const ActivityReport& today, const PanelState& state, const Calendar& calendar) {
+    const auto productive = today.productivity[Productivity::productive];
+    return {
+        .activeTime = Fmt::duration(today.total),
+        .productive = Fmt::percent(productive.count(), today.total.count()) + " productive",
+        .switches = fmt::format("{} app switches", today.switches),
+        .banner = activityBanner(state.state, state.pausedUntil, state.appName, state.idleLimit, calendar),
+        .live = liveActivityRow(state.live, state.state, state.alongside, state.thumbnails),
+        .accessibilityHint = accessibilityHint(state.isAccessibilityGranted),
+        .topApps = appRows(today.apps, TodayPanel::topLimit),
+        .topWebsites = domainRows(today.domains, TodayPanel::topLimit),
+        .dashboard = {.title = "Dashboard", .symbol = "rectangle.grid.2x2", .help = "Open the dashboard", .key = 'd'},
+        .pauseOrResume = pauseOrResume(state.state),
+        .settings = {.title = "Settings", .symbol = "gearshape", .key = ','},
+        .quit = {.title = "Quit", .symbol = "power", .help = "Quit Kestrio (stops tracking)", .key = 'q'},
+    };
+}
+
+} // namespace kestrio
