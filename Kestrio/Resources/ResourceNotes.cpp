@@ -1,6 +1,7 @@
 #include "Kestrio/Resources/ResourceNotes.h"
 
 #include "Kestrio/Base/Formatters.h"
+#include "TindraCore/ResourceMath.h"
 
 #include <algorithm>
 #include <array>
@@ -11,9 +12,7 @@
 namespace kestrio::resourceNotes {
 namespace {
 
-constexpr std::int64_t stallMilliseconds = 500;
-constexpr std::uint64_t muchReadBack = 268'435'456; // bytes
-constexpr double busyCores = 0.25;
+constexpr double busyCores = 0.25; // from here on an application counts as busy
 
 std::string_view word(TrackingState state) {
     switch (state) {
@@ -49,13 +48,15 @@ std::string withCapital(std::string text) {
     return text;
 }
 
+/// Each sign that would make a slowdown by itself.
 std::vector<std::string> reasons(const SystemMinute& minute, const Calendar& calendar) {
+    using tindra::MinuteHealth;
     std::vector<std::string> reasons;
-    if (minute.lagMilliseconds >= stallMilliseconds)
+    if (MinuteHealth{.lagMilliseconds = minute.lagMilliseconds}.isSlowdown())
         reasons.push_back("the Mac stalled for " + Fmt::seconds(minute.lagMilliseconds, calendar));
-    if (minute.swapIn >= muchReadBack)
+    if (MinuteHealth{.swapInBytes = minute.swapIn}.isSlowdown())
         reasons.push_back(Fmt::memory(minute.swapIn, calendar) + " read back from the SSD");
-    if (minute.pressure >= pressureCode(MemoryPressure::critical))
+    if (MinuteHealth{.pressure = minute.pressure}.isSlowdown())
         reasons.emplace_back("memory was critical");
     return reasons;
 }

@@ -1,7 +1,7 @@
 #include "Kestrio/Resources/ResourceRecorder.h"
 
 #include "Kestrio/Base/Log.h"
-#include "Kestrio/Resources/Elapsed.h"
+#include "Kestrio/Resources/TimeAgain.h"
 #include "Kestrio/Resources/ResourceNotes.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "Kestrio/Resources/ResourceSampler.h"
 
-#include "Kestrio/Resources/Elapsed.h"
+#include "Kestrio/Resources/TimeAgain.h"
 
 #include <algorithm>
 #include <cmath>

@@ -43,7 +43,8 @@ struct Progress {
                                {"resourceLogDays", std::int64_t{90}},
                                {"resourceDetail", std::int64_t{1}},
                                {"resourceDetailDays", std::int64_t{7}}});
-    ResourceStore store(file, storeQueue, machine.time);
+    const SystemClock clock; // the store's thread must not read the time that this one moves
+    ResourceStore store(file, storeQueue, clock);
     ResourceRecorder recorder({.clock = machine.time,
                                .main = main,
                                .samplerQueue = samplerQueue,
