@@ -86,7 +86,7 @@ TEST(MonitorText, neverRunsOverTheWidth) {
     reading.snapshot.topMemory[0].name = std::string(200, 'y');
     reading.snapshot.topCPU[0].name = "名前" + std::string(200, 'z');
     reading.insights = {{"cpu", Level::warning, "", "A " + std::string(200, 'w') + " and more of it."}};
-    for (const std::size_t width : {40, 50, 71, 72, 80, 89, 90, 100, 200}) {
+    for (const std::size_t width : {40U, 50U, 71U, 72U, 80U, 89U, 90U, 100U, 200U}) {
         std::istringstream lines(monitorText(reading, calendar, {width, false}));
         for (std::string line; std::getline(lines, line);)
             EXPECT_LE(text::columns(line), width) << line;

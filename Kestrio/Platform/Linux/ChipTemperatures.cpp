@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <fmt/format.h>
 #include <tuple>
 
 namespace kestrio {
@@ -53,7 +54,7 @@ void addSensors(const fs::path& chip, std::vector<Sensor>& sensors) {
         const auto stem = name.substr(0, name.size() - inputSuffix.size());
         const auto label = kernelValue(chip / (stem + "_label")).value_or("");
         if (const auto kind = chipSensorKind(driver, label))
-            sensors.push_back({*kind, driver + " " + label, file.string()});
+            sensors.push_back({*kind, fmt::format("{} {}", driver, label), file.string()});
     }
 }
 
