@@ -5,7 +5,8 @@
 
 #include <algorithm>
 #include <fmt/format.h>
-#include <ranges>
+#include <iterator>
+#include <utility>
 
 namespace kestrio {
 namespace {
@@ -21,14 +22,13 @@ constexpr std::int64_t warning = 2; // the log's codes of memory pressure
 constexpr std::int64_t critical = 4;
 constexpr std::int64_t feltLag = 100; // milliseconds; a shorter stall is not worth a word
 
+bool isSleepOrWake(const ResourceEvent& event) {
+    return event.kind == ResourceEventKind::macSlept || event.kind == ResourceEventKind::macWoke;
+}
+
 bool wasAsleep(const LogAroundMoment& log) {
-    for (const auto& event : std::views::reverse(log.events)) {
-        if (event.kind == ResourceEventKind::macSlept)
-            return true;
-        if (event.kind == ResourceEventKind::macWoke)
-            return false;
-    }
-    return false;
+    const auto last = std::find_if(log.events.rbegin(), log.events.rend(), isSleepOrWake);
+    return last != log.events.rend() && last->kind == ResourceEventKind::macSlept;
 }
 
 /// Null when the log has no minute for the moment.

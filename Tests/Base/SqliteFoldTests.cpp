@@ -47,7 +47,9 @@ TEST_F(SqliteFold, receivesNothingOfAnEmptyRange) {
 }
 
 TEST_F(SqliteFold, isGoneWithItsEnd) {
-    { const RowFold fold(connection_.get(), [](RowValues) {}); }
+    {
+        const RowFold fold(connection_.get(), [](RowValues) {});
+    }
     EXPECT_FALSE(Statement(connection_.get(), "SELECT fold(a) FROM t").isValid());
 }
 
