@@ -23,6 +23,7 @@
 #include "Programs/Agent/HostClassification.h"
 #include "Programs/Agent/HostDesktop.h"
 #include "Programs/Agent/HostMedia.h"
+#include "Programs/Agent/HostResources.h"
 
 #include <csignal>
 #include <cstdio>
@@ -93,6 +94,7 @@ public:
         monitor_.emplace(ActivityMonitor::Host{clock_, monitorQueue_, desktop_->workspace, desktop_->windowTitles,
                                                desktop_->inputIdle, desktop_->sessionEvents, settings_},
                          *database_, HostDesktop::hostApplications(), collaborators());
+        resources_.emplace(clock_, main_, settings_, dataFolder_, monitorQueue_, *desktop_, *monitor_);
         const auto program = ownProgram();
         loginItem_.emplace(locations_.autostartFolder(), program);
         model_.emplace(AppModel::Parts{clock_, main_, *monitor_, settings_, *loginItem_, isInstalledCopy(program)});
@@ -107,6 +109,7 @@ public:
         if (options_.onChange)
             changes_ = background_->observe(options_.onChange);
         model_->start();
+        resources_->recorder().start();
         if (isLaunchedByUser())
             openDashboard();
         giveBackMemory_ = main_.after(Seconds(10), [] { malloc_trim(0); });
@@ -119,6 +122,7 @@ public:
         service_.reset();
         background_.reset();
         model_.reset();
+        resources_.reset();
         monitor_.reset();
         monitorQueue_.sync([this] {
             media_.reset();
@@ -259,6 +263,8 @@ private:
     void endBySignal() {
         if (import_)
             import_->stop(); // the monitor's last rows would wait for it
+        if (resources_)
+            resources_->recorder().stop();
         if (monitor_)
             monitor_->stop();
         main_.stop();
@@ -282,6 +288,7 @@ private:
     std::unique_ptr<HostMedia> media_;
     std::optional<BackgroundImport> import_;
     std::optional<ActivityMonitor> monitor_;
+    std::optional<HostResources> resources_;
     std::optional<AutostartLoginItem> loginItem_;
     std::optional<AppModel> model_;
     std::optional<LocalBackground> background_;
