@@ -23,7 +23,8 @@ class Alongside(RecordedBrowsing):
         return time.time()
 
     def assert_row(self, row, page, start, end):
-        self.assertEqual((row["bundle_id"], row["title"], row["url"]), (self.stage.browser.ID, page.title, page.address))
+        recorded = (row["bundle_id"], row["title"], row["url"])
+        self.assertEqual(recorded, (self.stage.browser.ID, page.title, page.address))
         self.assertAlmostEqual(row["start"], start, delta=LATE)
         self.assertAlmostEqual(row["end"], end, delta=LATE)
         self.assertIsNone(row["project"])
@@ -68,7 +69,7 @@ class PrivateMusic:
         text, _ = stage.terminal("notes")
         stage.open_private(stage.site.add(mark, f"Song {mark}", body=MUSIC, host=MUSIC_SITE))
         stage.bring(text)
-        self.play(LONG_ENOUGH + LATE)
+        self.play(LONG_ENOUGH + 2)
         self.assert_no_trace(mark)
         self.end_agent()
         self.assert_no_trace(mark)
