@@ -21,6 +21,9 @@ let failures = 0;
 let lastTold = "";
 let pairs = new Pairs();
 let timer = null;
+let isLooking = false;
+let looksAgain = false;
+let hadFocus = false;
 let due = Infinity;
 
 function connect() {
@@ -58,12 +61,30 @@ async function allWindows() {
   return [];
 }
 
+/** One look at a time: an answer that comes late must not be told after a newer one. */
 async function tell() {
   due = Infinity;
   if (!port) return;
-  const windows = await allWindows();
-  const { message, again } = messageOf(windows, pairs, Date.now());
+  if (isLooking) {
+    looksAgain = true;
+    return;
+  }
+  isLooking = true;
+  try {
+    post(messageOf(await allWindows(), pairs, Date.now()));
+  } finally {
+    isLooking = false;
+    if (looksAgain) tellWithin(0);
+    looksAgain = false;
+  }
+}
+
+function post({ message, again }) {
   if (again !== undefined) tellWithin(again);
+  // A focus that goes and comes back at once may be missed in between, and Chromium then tells nothing of its return.
+  const hasFocus = message.windows.some((window) => window.focused);
+  if (hadFocus && !hasFocus) setTimeout(tellWithin, settled, atOnce);
+  hadFocus = hasFocus;
   const text = JSON.stringify(message);
   if (!port || text === lastTold) return;
   lastTold = text;

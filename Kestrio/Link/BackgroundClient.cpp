@@ -156,13 +156,13 @@ bool BackgroundClient::serve(Seconds patience) {
     }
 }
 
-std::optional<std::vector<std::string>> BackgroundClient::connectedBrowsers() {
+std::optional<std::vector<BrowserReading>> BackgroundClient::browsers() {
     try {
-        std::vector<std::string> browsers;
-        proxy_->callMethod("Browsers")
-            .onInterface(busNames::interface)
-            .withTimeout(deadline())
-            .storeResultsTo(browsers);
+        std::vector<sdbus::Struct<std::string, bool, bool>> onBus;
+        proxy_->callMethod("Browsers").onInterface(busNames::interface).withTimeout(deadline()).storeResultsTo(onBus);
+        std::vector<BrowserReading> browsers;
+        for (const auto& browser : onBus)
+            browsers.push_back({std::get<0>(browser), std::get<1>(browser), std::get<2>(browser)});
         return browsers;
     } catch (const sdbus::Error&) {
         return std::nullopt;

@@ -101,8 +101,13 @@ void BackgroundService::registerObject(sdbus::IConnection& connection) {
     });
     object_->registerMethod("Browsers")
         .onInterface(interface)
-        .withOutputParamNames("bundleIdentifiers")
-        .implementedAs([this] { return background_.connectedBrowsers().value_or(std::vector<std::string>()); });
+        .withOutputParamNames("browsers") // each the bundle identifier, whether it is connected, whether accessible
+        .implementedAs([this] {
+            std::vector<sdbus::Struct<std::string, bool, bool>> onBus;
+            for (const auto& browser : background_.browsers().value_or(std::vector<BrowserReading>()))
+                onBus.emplace_back(browser.bundleIdentifier, browser.isConnected, browser.isAccessible);
+            return onBus;
+        });
     object_->registerMethod("Status").onInterface(interface).withOutputParamNames("json").implementedAs([this] {
         const auto status = background_.status();
         return status ? text(*status) : std::string();

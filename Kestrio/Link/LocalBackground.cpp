@@ -3,12 +3,12 @@
 namespace kestrio {
 
 LocalBackground::LocalBackground(AppModel& model, Facts facts, OpenDashboard openDashboard, ImportFiles importFiles,
-                                 ConnectedBrowsers connectedBrowsers)
+                                 Browsers browsers)
     : model_(model),
       facts_(std::move(facts)),
       openDashboard_(std::move(openDashboard)),
       importFiles_(std::move(importFiles)),
-      connectedBrowsers_(std::move(connectedBrowsers)) {
+      browsers_(std::move(browsers)) {
     const auto soon = [this](const auto&) { tellSoon(); };
     tokens_.push_back(model_.live().observe(soon));
     tokens_.push_back(model_.liveAlongside().observe(soon));
@@ -73,8 +73,8 @@ Subscription LocalBackground::observeData(std::function<void()> receiver) {
     return activityDataDidChange_.subscribe(std::move(receiver));
 }
 
-std::optional<std::vector<std::string>> LocalBackground::connectedBrowsers() {
-    return connectedBrowsers_ ? connectedBrowsers_() : std::vector<std::string>();
+std::optional<std::vector<BrowserReading>> LocalBackground::browsers() {
+    return browsers_ ? browsers_() : std::vector<BrowserReading>();
 }
 
 Subscription LocalBackground::observe(std::function<void(const AgentStatus&)> receiver) {

@@ -100,7 +100,7 @@ public:
             *model_, LocalBackground::Facts{AppInfo::version(), getpid(), dataFolder_.string(), clock_.now()},
             [this] { return openDashboard(); },
             [this](auto files, auto receiver) { return importFiles(std::move(files), std::move(receiver)); },
-            [this] { return browserTabs_->board().browsers(); });
+            [this] { return browsers_->readings(); });
         if (!offerOnBus())
             return 0;
         const auto signals = signals_.observe(main_, [this] { endBySignal(); });
@@ -186,7 +186,7 @@ private:
     /// What the other concerns contribute to a sample.
     ActivityMonitor::Collaborators collaborators() {
         ActivityMonitor::Collaborators all;
-        all.activeTab = [this](const std::string& bundleID) { return browsers_->inspector.activeTab(bundleID); };
+        all.activeTab = [this](const std::string& bundleID) { return browsers_->activeTab(bundleID); };
         all.observeTabs = [this](auto receiver) { return browsers_->observe(std::move(receiver)); };
         all.alongside = [this](const auto& frontmost, bool allowWatching) {
             return media_->alongside.evidence(frontmost, allowWatching);

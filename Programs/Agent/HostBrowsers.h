@@ -6,6 +6,7 @@
 
 #include "Kestrio/Activity/BrowserInspector.h"
 #include "Kestrio/Base/Signal.h"
+#include "Kestrio/Link/Background.h"
 #include "Kestrio/Platform/Linux/AccessibilityBrowserReader.h"
 #include "Kestrio/Platform/Linux/BridgeBrowserReader.h"
 #include "Kestrio/Platform/Linux/BusConnection.h"
@@ -14,7 +15,12 @@
 #include "Programs/Agent/HostDesktop.h"
 
 #include <algorithm>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <set>
 #include <string>
+#include <vector>
 
 namespace kestrio {
 
@@ -32,8 +38,35 @@ public:
                          applicationOf_, titledWindows(desktop.windows, applicationOf_), [this] { settled_.emit(); }),
           inspector(chain_, clock, AccessibilityBrowserReader::readable()) {}
 
-    /// Whether the tree of the browser's pages can be read, as far as was seen.
-    bool isAccessible(const std::string& id) const { return accessibility_.isReadable(id); }
+    /// The front tab, as the inspector answers; takes note of whether the browser's pages could be read without the
+    /// extension.
+    std::optional<BrowserTab> activeTab(const std::string& id) {
+        auto tab = inspector.activeTab(id);
+        const std::lock_guard guard(lock_);
+        if (accessibility_.isReadable(id))
+            accessible_.insert(id);
+        else
+            accessible_.erase(id);
+        return tab;
+    }
+
+    /// Of each browser that is read in one way at least, in which. Any thread.
+    std::vector<BrowserReading> readings() const {
+        std::map<std::string, BrowserReading> all;
+        for (const auto& id : board_.browsers())
+            all[id].isConnected = true;
+        {
+            const std::lock_guard guard(lock_);
+            for (const auto& id : accessible_)
+                all[id].isAccessible = true;
+        }
+        std::vector<BrowserReading> readings;
+        for (auto& [id, reading] : all) {
+            reading.bundleIdentifier = id;
+            readings.push_back(std::move(reading));
+        }
+        return readings;
+    }
 
     /// Calls the receiver when a page that was uncertain at the last question has become certain.
     Subscription observe(std::function<void()> receiver) { return settled_.subscribe(std::move(receiver)); }
@@ -68,6 +101,8 @@ private:
     HostDesktop& desktop_;
     const TabBoard& board_;
     Signal<> settled_;
+    mutable std::mutex lock_; // guards `accessible_` alone
+    std::set<std::string> accessible_;
     const ApplicationOfProcess applicationOf_ = [this](pid_t process) { return applicationOf(process); };
     BridgeBrowserReader bridge_;
     AccessibilityBrowserReader accessibility_;

@@ -61,7 +61,7 @@ public:
 
     bool isInstalled(const Browser& browser) { return identity_.name(browser.bundleIdentifier).has_value(); }
 
-    std::vector<BrowserFinding> findings(const std::optional<std::vector<std::string>>& connected) {
+    std::vector<BrowserFinding> findings(const std::optional<std::vector<BrowserReading>>& read) {
         const auto running = runningBrowsers(identity_);
         std::vector<BrowserFinding> all;
         for (const auto& browser : knownBrowsers()) {
@@ -72,8 +72,14 @@ public:
             finding.isInstalled = isInstalled(browser);
             finding.isRunning = running.contains(finding.bundleIdentifier);
             finding.mayStartHost = hosts_.isInstalled(browser);
-            if (connected)
-                finding.isConnected = std::count(connected->begin(), connected->end(), browser.bundleIdentifier) > 0;
+            if (read) {
+                const auto reading =
+                    std::ranges::find(*read, browser.bundleIdentifier, &BrowserReading::bundleIdentifier);
+                finding.isConnected = reading != read->end() && reading->isConnected;
+                // Of a browser that was not in front yet nobody knows.
+                if (reading != read->end() && reading->isAccessible)
+                    finding.isAccessible = true;
+            }
             all.push_back(std::move(finding));
         }
         return all;
@@ -109,7 +115,7 @@ int browsers(bool json) {
     const auto hosts = nativeHosts();
     if (!hosts)
         return 1;
-    const auto findings = BrowserExamination(*hosts).findings(agent ? agent->connectedBrowsers() : std::nullopt);
+    const auto findings = BrowserExamination(*hosts).findings(agent ? agent->browsers() : std::nullopt);
     if (!json) {
         print(browserTable(findings, extensionFolder(), outputStyle()));
         return 0;

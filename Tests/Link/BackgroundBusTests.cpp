@@ -79,16 +79,18 @@ TEST(BackgroundOnTheBus, everyMethodDoesItsWork) {
     EXPECT_EQ(agent.with([](LinkBench& bench) { return bench.dashboards; }), 2);
 }
 
-TEST(BackgroundOnTheBus, theConnectedBrowsersAreTold) {
+TEST(BackgroundOnTheBus, howBrowsersAreReadIsTold) {
+    const std::vector<BrowserReading> readings{{"org.chromium.Chromium", true, false},
+                                               {"org.mozilla.firefox", false, true}};
     const PrivateBus bus;
     TestAgent agent(bus.address());
     const auto client = BackgroundClient::connect(bus.address());
     ASSERT_TRUE(client);
-    EXPECT_EQ(client->connectedBrowsers(), std::vector<std::string>());
-    agent.with([](LinkBench& bench) { bench.browsers = {"org.chromium.Chromium", "org.mozilla.firefox"}; });
-    EXPECT_EQ(client->connectedBrowsers(), (std::vector<std::string>{"org.chromium.Chromium", "org.mozilla.firefox"}));
+    EXPECT_EQ(client->browsers(), std::vector<BrowserReading>());
+    agent.with([&](LinkBench& bench) { bench.browsers = readings; });
+    EXPECT_EQ(client->browsers(), readings);
     agent.end();
-    EXPECT_EQ(client->connectedBrowsers(), std::nullopt);
+    EXPECT_EQ(client->browsers(), std::nullopt);
 }
 
 TEST(BackgroundOnTheBus, aRefusedPauseSaysWhy) {
@@ -299,7 +301,7 @@ TEST(BackgroundClient, anAgentThatHangsHoldsNobodyUpForLong) {
     face([](BackgroundClient& client) { return client.resume() == "Kestrio does not answer"; });
     face([](BackgroundClient& client) { return client.pause(std::nullopt) == "Kestrio does not answer"; });
     face([](BackgroundClient& client) { return client.openDashboard() == "Kestrio does not answer"; });
-    face([](BackgroundClient& client) { return client.connectedBrowsers() == std::nullopt; });
+    face([](BackgroundClient& client) { return client.browsers() == std::nullopt; });
     face([](BackgroundClient& client) {
         const auto token = client.observe([](const AgentStatus&) {});
         return true;

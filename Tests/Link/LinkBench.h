@@ -32,7 +32,7 @@ struct LinkBench : MonitorBench {
     int dashboards = 0;
     Background::Failure dashboardFailure;
     LocalBackground::ImportFiles importFiles;
-    std::vector<std::string> browsers;
+    std::vector<BrowserReading> browsers;
     std::unique_ptr<AppModel> model;
     std::unique_ptr<LocalBackground> background;
 };

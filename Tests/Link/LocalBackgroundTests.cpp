@@ -60,13 +60,13 @@ TEST(LocalBackground, saysWhyThereIsNoDashboard) {
     EXPECT_EQ(bench.dashboards, 2);
 }
 
-TEST(LocalBackground, saysWhichBrowsersAreConnected) {
+TEST(LocalBackground, saysHowBrowsersAreRead) {
     LinkBench bench;
-    EXPECT_EQ(bench.background->connectedBrowsers(), std::vector<std::string>());
-    bench.browsers = {"org.chromium.Chromium", "org.mozilla.firefox"};
-    EXPECT_EQ(bench.background->connectedBrowsers(), bench.browsers);
+    EXPECT_EQ(bench.background->browsers(), std::vector<BrowserReading>());
+    bench.browsers = {{"org.chromium.Chromium", true, false}, {"org.mozilla.firefox", false, true}};
+    EXPECT_EQ(bench.background->browsers(), bench.browsers);
     LocalBackground without(*bench.model, {}, [] { return std::nullopt; });
-    EXPECT_EQ(without.connectedBrowsers(), std::vector<std::string>());
+    EXPECT_EQ(without.browsers(), std::vector<BrowserReading>());
 }
 
 TEST(LocalBackground, changesOfOneMomentAreToldTogetherAndOnlyWhenThereAreAny) {
