@@ -183,7 +183,7 @@ private:
             desktop_ = std::make_unique<HostDesktop>(monitorQueue_, clock_, processEnvironment);
             browsers_ = std::make_unique<HostBrowsers>(monitorQueue_, clock_, *desktop_, browserTabs_->board(),
                                                        processEnvironment);
-            media_ = std::make_unique<HostMedia>(monitorQueue_, clock_, *desktop_, browsers_->inspector);
+            media_ = std::make_unique<HostMedia>(monitorQueue_, clock_, *desktop_, *browsers_);
         });
     }
 

@@ -31,7 +31,7 @@ public:
                  const Environment& environment)
         : desktop_(desktop),
           board_(board),
-          bridge_(board),
+          bridge_(board, BridgeBrowserReader::focusPatience, titledWindows(desktop.windows, applicationOf_)),
           accessibility_(queue, clock,
                          {BusConnection::address(BusConnection::Bus::session).value_or(""),
                           environment("XDG_RUNTIME_DIR").value_or("")},
@@ -70,6 +70,20 @@ public:
 
     /// Calls the receiver when a page that was uncertain at the last question has become certain.
     Subscription observe(std::function<void()> receiver) { return settled_.subscribe(std::move(receiver)); }
+
+    /// Whether the browser sounds from tabs in the background alone, as far as it tells. Chromium keeps the display
+    /// awake for those as it does for a video.
+    bool soundsOutOfSight(const std::string& id) const {
+        const auto windows = board_.windows(id);
+        bool isAnyHeard = false;
+        for (const auto& window : windows.value_or(TabBoard::Windows()))
+            for (const auto& tab : window.tabs) {
+                if (tab.isAudible && tab.isActive)
+                    return false;
+                isAnyHeard |= tab.isAudible;
+            }
+        return isAnyHeard;
+    }
 
 private:
     std::optional<std::string> applicationOf(pid_t process) {

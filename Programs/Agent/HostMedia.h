@@ -9,7 +9,8 @@
 #include "Kestrio/Platform/Linux/LinuxSleepInhibitors.h"
 #include "Kestrio/Platform/Linux/PulseAudioUse.h"
 #include "Kestrio/Platform/Linux/X11Screens.h"
-#include "Kestrio/Shell/Launch.h"
+#include "Programs/Agent/Agent.h"
+#include "Programs/Agent/HostBrowsers.h"
 #include "Programs/Agent/HostDesktop.h"
 
 namespace kestrio {
@@ -17,12 +18,17 @@ namespace kestrio {
 class HostMedia {
 public:
     /// All must outlive this.
-    HostMedia(LoopQueue& queue, const Clock& clock, HostDesktop& desktop, BrowserInspector& browsers)
+    HostMedia(LoopQueue& queue, const Clock& clock, HostDesktop& desktop, HostBrowsers& browsers)
         : inhibitors_(queue, clock, inhibitorSetup(desktop)),
           screens_(desktop.connection, desktop.windows),
           owners_(desktop.workspace, desktop.identity),
-          alongside({desktop.workspace, desktop.windowTitles, browsers, [this] { return inspector.appsPlayingAudio(); },
-                     [this] { return inspector.apps(MediaInspector::displayAssertionTypes()); },
+          alongside({desktop.workspace, desktop.windowTitles, browsers.inspector,
+                     [this] { return inspector.appsPlayingAudio(); },
+                     [this, &browsers] {
+                         auto all = inspector.apps(MediaInspector::displayAssertionTypes());
+                         std::erase_if(all, [&](const auto& id) { return browsers.soundsOutOfSight(id); });
+                         return all;
+                     },
                      [this] { return screenInspector_.visibleWindows(); }}) {}
 
 private:

@@ -2,6 +2,7 @@
 
 #include "Kestrio/Monitor/SystemSampler.h"
 #include "Kestrio/Platform/Linux/LinuxSensors.h"
+#include "Kestrio/Shell/HostWords.h"
 #include "Programs/Agent/HostMachine.h"
 #include "Programs/CommandLine/ExitStatus.h"
 #include "Programs/CommandLine/MonitorText.h"
@@ -18,14 +19,6 @@ namespace {
 /// Between the two samples that CPU time is told by; a hundredth of it, in which the kernel counts, is a percent.
 constexpr Seconds measuring{1.0};
 
-/// The insights name the machine as the first host does.
-std::string inHostWords(std::string text) {
-    constexpr std::string_view foreign = "Your Mac ";
-    if (text.starts_with(foreign))
-        text.replace(0, foreign.size(), "Your computer ");
-    return text;
-}
-
 MonitorReading takeReading(const Calendar& calendar) {
     const SystemClock clock;
     HostMachine machine(clock, processEnvironment);
@@ -41,7 +34,7 @@ MonitorReading takeReading(const Calendar& calendar) {
                            .isLowPowerMode = sensors.isLowPowerModeEnabled()};
     reading.insights = SystemInsight::make(reading.snapshot, {}, calendar);
     for (auto& insight : reading.insights)
-        insight.text = inHostWords(std::move(insight.text));
+        insight.text = hostWords(insight.text);
     return reading;
 }
 

@@ -1,3 +1,4 @@
+#include "Kestrio/Base/Signal.h"
 #include "Tests/Activity/MonitorBench.h"
 #include "Tests/ExpectedLog.h"
 
@@ -122,6 +123,22 @@ TEST_F(Monitor, anApplicationIsNamedByWhatItHas) {
 }
 
 // What a sample is made of
+
+TEST_F(Monitor, aTabThatBecameCertainIsLookedAtAtOnce) {
+    std::string tab = "before";
+    Signal<> changed;
+    collaborators.activeTab = [&](const auto&) { return BrowserTab{"https://example.org/" + tab, tab}; };
+    collaborators.observeTabs = [&](auto receiver) { return changed.subscribe(std::move(receiver)); };
+    show("browser", "");
+    start();
+    pass(4.5);
+    tab = "after";
+    changed.emit();
+    pass(5.5);
+    EXPECT_EQ(shown(), (Rows{"before 0-4.5", "after 4.5-10"}));
+    monitor.reset();
+    EXPECT_FALSE(changed.hasReceivers());
+}
 
 TEST_F(Monitor, aPrivateTabRecordsNothingOfThePage) {
     collaborators.activeTab = [](const auto&) { return BrowserTab{"https://secret.example/x", "Secret", true}; };

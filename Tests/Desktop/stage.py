@@ -15,7 +15,6 @@ from kestrio_desktop import BIN, DEADLINE
 from witness import PRIVATE_TITLE, Front, Witness
 
 EXTENSION = BIN.parent / "extension"
-SOURCES = ("bridge", "accessibility")  # what a browser may offer; without either there are the windows' titles alone
 
 
 class Page:
@@ -171,7 +170,8 @@ class Site:
 
 
 class Browser:
-    """One browser with a profile of its own, that tells of itself by the given sources."""
+    """One browser with a profile of its own, that tells of itself by the given sources: "bridge", "accessibility", or
+    neither, which leaves the titles of its windows."""
 
     def __init__(self, home, folder, sources):
         self.folder, self.sources = folder, sources
@@ -352,7 +352,7 @@ class Stage:
     def sees(self, front, what):
         window = self.witness.expect(lambda _, __, shown: shown == front)
         if window is None:
-            raise AssertionError(f"never in front: {what}, but “{self.witness.name}”, which shows {self.witness.front}")
+            raise AssertionError(f"never in front: {what}, but “{self.witness.name}”: {self.witness.front}")
         return window
 
     def start(self, command, shows, front, *, environment=None):

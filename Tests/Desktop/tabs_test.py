@@ -14,7 +14,7 @@ READ_DEADLINE = 2  # seconds that a browser may take to say what its tab is
 
 
 class Tabs:
-    """What holds for every browser, however it tells of itself."""
+    """The tab in front, however the browser tells of itself."""
 
     def test_tabs_navigation_and_background_tabs(self):
         stage = self.stage
@@ -46,6 +46,10 @@ class Tabs:
         recorded = {row["url"] for row in self.rows_of("focus")}
         self.assertEqual(recorded, {None, first.address, second.address, links.address})
 
+
+class PrivateWindows:
+    """Nothing of them but that they are private, however the browser tells of itself."""
+
     def test_of_a_private_window_only_that_it_is_private(self):
         stage, mark = self.stage, "privy" + secrets.token_hex(8)
         first = self.page("first")
@@ -69,8 +73,8 @@ class Tabs:
         self.assertEqual({(row["url"], row["domain"]) for row in private_rows}, {(None, None)})
 
 
-class Troubles:
-    """A browser that hangs or dies takes nothing with it."""
+class Stopping:
+    """A browser that hangs holds nothing up but the one look that finds it so."""
 
     def test_a_stopped_browser_makes_one_tick_late_and_recording_goes_on(self):
         stage = self.stage
@@ -105,6 +109,10 @@ class Troubles:
         except ProcessLookupError:
             pass
 
+
+class Killing:
+    """A browser that dies takes nothing with it."""
+
     def test_a_killed_browser_ends_its_row_and_the_next_one_is_read(self):
         stage = self.stage
         stage.terminal("notes")
@@ -126,11 +134,11 @@ class Troubles:
         self.assertEqual(rows[-1]["url"], second.address)
 
 
-class ChromiumByBridge(Tabs, Troubles, RecordedBrowsing):
+class ChromiumByBridge(Tabs, PrivateWindows, Stopping, RecordedBrowsing):
     BROWSER, SOURCES = "chromium", ("bridge",)
 
 
-class ChromiumByAccessibility(Tabs, Troubles, RecordedBrowsing):
+class ChromiumByAccessibility(Tabs, PrivateWindows, Stopping, RecordedBrowsing):
     BROWSER, SOURCES = "chromium", ("accessibility",)
 
 
@@ -138,11 +146,11 @@ class ChromiumByBoth(Tabs, RecordedBrowsing):
     BROWSER, SOURCES = "chromium", ("bridge", "accessibility")
 
 
-class FirefoxByBridge(Tabs, RecordedBrowsing):
+class FirefoxByBridge(Tabs, PrivateWindows, Killing, RecordedBrowsing):
     BROWSER, SOURCES = "firefox", ("bridge",)
 
 
-class FirefoxByAccessibility(Tabs, Troubles, RecordedBrowsing):
+class FirefoxByAccessibility(Tabs, PrivateWindows, Killing, RecordedBrowsing):
     BROWSER, SOURCES = "firefox", ("accessibility",)
 
 

@@ -20,7 +20,7 @@ PRIVATE_TITLE = "Private Browsing"
 
 @dataclasses.dataclass(frozen=True)
 class Front:
-    """What somebody sees, in the words in which it should be recorded. Nobody is there where there is no application."""
+    """What somebody sees, in the words in which it should be recorded. Without an application nobody is there."""
 
     application: str | None = None
     title: str | None = None

@@ -1,6 +1,9 @@
 #include "Kestrio/Platform/Linux/BridgeBrowserReader.h"
 
+#include <algorithm>
+#include <cmath>
 #include <fmt/format.h>
+#include <utility>
 
 namespace kestrio {
 namespace {
@@ -19,8 +22,21 @@ std::string joinedTabs(const BridgedWindow& window, std::string BridgedTab::*tex
     return joined;
 }
 
-std::string fields(const BridgedWindow& window, const BridgedTab& active) {
-    const auto& bounds = window.bounds;
+/// Browser and window system round differently.
+constexpr double roundingTolerance = 2.0;
+
+bool areClose(const Rectangle& a, const Rectangle& b) {
+    const auto areEqual = [](double one, double other) { return std::abs(one - other) <= roundingTolerance; };
+    return areEqual(a.x, b.x) && areEqual(a.y, b.y) && areEqual(a.width, b.width) && areEqual(a.height, b.height);
+}
+
+/// What is left of the told bounds without a shadow.
+Rectangle withoutShadow(const Rectangle& told, const std::vector<TitledWindow>& placed) {
+    const auto found = std::ranges::find_if(placed, [&](const auto& each) { return areClose(each.extents, told); });
+    return found == placed.end() ? told : found->bounds;
+}
+
+std::string fields(const BridgedWindow& window, const BridgedTab& active, const Rectangle& bounds) {
     return fmt::format("{1}{0}{2}{0}{3}{0}{4}{0}normal{0}{5}{0}{6}{0}{7}{0}{8}", betweenFields, bounds.x, bounds.y,
                        bounds.x + bounds.width, bounds.y + bounds.height, active.url, active.title,
                        joinedTabs(window, &BridgedTab::url), joinedTabs(window, &BridgedTab::title));
@@ -28,8 +44,8 @@ std::string fields(const BridgedWindow& window, const BridgedTab& active) {
 
 } // namespace
 
-BridgeBrowserReader::BridgeBrowserReader(const TabBoard& board, Seconds patience)
-    : board_(board), patience_(patience) {}
+BridgeBrowserReader::BridgeBrowserReader(const TabBoard& board, Seconds patience, TitledWindows placed)
+    : board_(board), patience_(patience), placed_(std::move(placed)) {}
 
 BrowserAnswer BridgeBrowserReader::frontTab(const std::string& bundleIdentifier) {
     const auto window = board_.focusedWindow(bundleIdentifier, patience_);
@@ -45,11 +61,12 @@ BrowserAnswer BridgeBrowserReader::windows(const std::string& bundleIdentifier) 
     std::string text;
     if (!windows)
         return text;
+    const auto placed = (placed_ ? placed_(bundleIdentifier) : std::nullopt).value_or(std::vector<TitledWindow>());
     for (const auto& window : *windows)
         if (const auto* active = window.isTool ? nullptr : window.activeTab()) {
             if (!text.empty())
                 text += betweenWindows;
-            text += fields(window, *active);
+            text += fields(window, *active, withoutShadow(window.bounds, placed));
         }
     return text;
 }

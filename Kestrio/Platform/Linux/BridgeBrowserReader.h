@@ -8,6 +8,7 @@
 #include "Kestrio/Base/Date.h"
 #include "Kestrio/Platform/BrowserReader.h"
 #include "Kestrio/Platform/Linux/TabBoard.h"
+#include "Kestrio/Platform/Linux/TitledWindow.h"
 
 namespace kestrio {
 
@@ -18,8 +19,9 @@ public:
     /// wait at each look.
     static constexpr Seconds focusPatience{0.25};
 
-    /// The board must outlive the reader.
-    explicit BridgeBrowserReader(const TabBoard& board, Seconds patience = focusPatience);
+    /// The board must outlive the reader. `placed`, where given, is what the window system knows of the windows:
+    /// browsers count the shadow that they draw around themselves as theirs, the bounds that are answered do not.
+    explicit BridgeBrowserReader(const TabBoard& board, Seconds patience = focusPatience, TitledWindows placed = {});
 
     BrowserAnswer frontTab(const std::string& bundleIdentifier) override;
     BrowserAnswer windows(const std::string& bundleIdentifier) override;
@@ -27,6 +29,7 @@ public:
 private:
     const TabBoard& board_;
     const Seconds patience_;
+    const TitledWindows placed_;
 };
 
 } // namespace kestrio

@@ -148,5 +148,27 @@ TEST(BridgeBrowserReader, everyWindowHasNineFields) {
                                              "b");
 }
 
+TEST(BridgeBrowserReader, boundsAreWithoutTheShadowThatTheWindowSystemKnowsOf) {
+    TabBoard board;
+    const TitledWindow placed{
+        .id = 7, .process = 1, .title = "", .bounds = {664, 60, 592, 596}, .extents = {660, 60, 600, 600}};
+    BridgeBrowserReader reader(board, Seconds(0), [&](const auto&) { return std::vector{placed}; });
+    auto shadowed = window(1, true, "a");
+    shadowed.bounds = {660, 61, 600, 599};
+    board.put(1, firefox, {shadowed, window(2, false, "b")});
+    const auto answer = text(reader.windows(firefox));
+    EXPECT_TRUE(answer.starts_with("664\x1F"
+                                   "60\x1F"
+                                   "1256\x1F"
+                                   "656\x1Fnormal"))
+        << answer;
+    EXPECT_NE(answer.find("0\x1F"
+                          "0\x1F"
+                          "800\x1F"
+                          "600\x1Fnormal"),
+              std::string::npos)
+        << "no window of the window system is this one";
+}
+
 } // namespace
 } // namespace kestrio
