@@ -58,10 +58,10 @@ struct TodayPanel {
 /// What the panel shows besides the report.
 struct PanelState {
     TrackingState state = TrackingState::tracking;
-    std::optional<Date> pausedUntil;
-    std::optional<LiveActivity> live;
-    std::vector<LiveActivity> alongside;
-    std::optional<std::string> appName; // of the application in front
+    std::optional<Date> pausedUntil = {};
+    std::optional<LiveActivity> live = {};
+    std::vector<LiveActivity> alongside = {};
+    std::optional<std::string> appName = {}; // of the application in front
     bool isAccessibilityGranted = true;
     Seconds idleLimit{};
     Thumbnails thumbnails = Thumbnails::off;

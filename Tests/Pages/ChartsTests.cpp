@@ -1,0 +1,205 @@
+#include "Kestrio/Pages/ActivityChart.h"
+#include "Kestrio/Pages/CategoryBreakdown.h"
+#include "Kestrio/Pages/Sparkline.h"
+#include "Kestrio/Pages/UsageTrend.h"
+#include "Tests/Pages/PagesBench.h"
+
+#include <gtest/gtest.h>
+
+namespace kestrio {
+namespace {
+
+using enum ActivityCategory;
+
+ActivityReport hourly(const PagesBench& bench) {
+    auto report = ActivityReport::empty(bench.day, Granularity::hour);
+    report.buckets = {{bench.at(9), development, Seconds(600)},
+                      {bench.at(9), social, Seconds(1200)},
+                      {bench.at(9), work, Seconds(600)},
+                      {bench.at(11), other, Seconds(30)}};
+    return report;
+}
+
+Texts labels(const std::vector<TimeMark>& marks) {
+    Texts all;
+    for (const auto& mark : marks)
+        all.push_back(mark.label);
+    return all;
+}
+
+TEST(ActivityChart, stacksItsColumnsInTheOrderOfTheLegend) {
+    const PagesBench bench;
+    const auto chart = activityChart(hourly(bench), bench.calendar);
+    EXPECT_EQ(chart.unit.title, "Minutes");
+    EXPECT_EQ(chart.domain, bench.day);
+    ASSERT_EQ(chart.columns.size(), 2u);
+    EXPECT_EQ(chart.columns[0].interval, (DateInterval{bench.at(9), bench.at(10)}));
+    EXPECT_EQ(chart.columns[0].parts, (std::vector<ChartPart>{{development, 10}, {work, 10}, {social, 20}}));
+    EXPECT_DOUBLE_EQ(chart.columns[0].height(), 40);
+    EXPECT_DOUBLE_EQ(chart.columns[1].height(), 0.5);
+    ASSERT_EQ(chart.legend.size(), 7u);
+    for (std::size_t i = 0; i < chart.legend.size(); ++i)
+        EXPECT_EQ(chart.legend[i], categoryPill(allActivityCategories[i]));
+    EXPECT_STREQ(ActivityChart::xLabel, "Time");
+    EXPECT_STREQ(ActivityChart::colorLabel, "Category");
+    EXPECT_STREQ(ActivityChart::selectionLabel, "Selected");
+}
+
+TEST(ActivityChart, countsDaysInHours) {
+    const PagesBench bench;
+    auto report = ActivityReport::empty(bench.day, Granularity::day);
+    report.buckets = {{bench.day.start, work, Seconds(5400)}};
+    const auto chart = activityChart(report, bench.calendar);
+    EXPECT_EQ(chart.unit.title, "Hours");
+    EXPECT_DOUBLE_EQ(chart.columns[0].height(), 1.5);
+    EXPECT_EQ(chart.columns[0].interval, bench.day);
+}
+
+TEST(ActivityChart, isEmptyWithoutActivity) {
+    const PagesBench bench;
+    const auto chart = activityChart(ActivityReport::empty(bench.day, Granularity::hour), bench.calendar);
+    EXPECT_TRUE(chart.columns.empty());
+    EXPECT_EQ(chart.valueMarks, (std::vector<ValueMark>{{0, "0"}}));
+    EXPECT_EQ(chart.legend.size(), 7u);
+}
+
+TEST(ActivityChart, marksTheBucketUnderThePointer) {
+    const PagesBench bench;
+    const auto report = hourly(bench);
+    const auto chart = activityChart(report, bench.calendar);
+    const auto selected = selectedBucket(report, bench.at(9, 59), bench.calendar);
+    EXPECT_EQ(selected, (DateInterval{bench.at(9), bench.at(10)}));
+    EXPECT_DOUBLE_EQ(columnOpacity(chart.columns[0], selected), 1);
+    EXPECT_DOUBLE_EQ(columnOpacity(chart.columns[1], selected), 0.4);
+    EXPECT_DOUBLE_EQ(columnOpacity(chart.columns[1], std::nullopt), 1);
+    auto daily = report;
+    daily.granularity = Granularity::day;
+    EXPECT_EQ(selectedBucket(daily, bench.at(9, 59), bench.calendar), bench.day);
+}
+
+TEST(ChartTooltip, listsTheCategoriesLongestFirst) {
+    const PagesBench bench;
+    const auto tooltip = chartTooltip(hourly(bench), bench.at(9), bench.calendar);
+    EXPECT_EQ(tooltip.head, "09:00 – 10:00");
+    ASSERT_EQ(tooltip.rows.size(), 3u);
+    EXPECT_EQ(tooltip.rows[0], (ChartTooltip::Row{categoryPill(social), "20m"}));
+    EXPECT_EQ(tooltip.rows[1], (ChartTooltip::Row{categoryPill(development), "10m"}));
+    EXPECT_EQ(tooltip.rows[2], (ChartTooltip::Row{categoryPill(work), "10m"}));
+    EXPECT_EQ(tooltip.sum, "40m active");
+}
+
+TEST(ChartTooltip, anEmptyBucketSaysSo) {
+    const PagesBench bench;
+    const auto tooltip = chartTooltip(hourly(bench), bench.at(10), bench.calendar);
+    EXPECT_EQ(tooltip, (ChartTooltip{"10:00 – 11:00", {}, "No activity"}));
+    auto daily = ActivityReport::empty(bench.day, Granularity::day);
+    EXPECT_EQ(chartTooltip(daily, bench.day.start, bench.calendar).head, "Fri, 20 Nov");
+}
+
+TEST(ChartAxis, itsNumbersAreWholeAndFew) {
+    struct Row {
+        double highest;
+        Texts labels;
+    };
+    const Row rows[] = {{0, {"0"}},
+                        {0.5, {"0", "1"}},
+                        {3, {"0", "1", "2", "3"}},
+                        {4.1, {"0", "2", "4", "6"}},
+                        {40, {"0", "10", "20", "30", "40"}},
+                        {60, {"0", "15", "30", "45", "60"}},
+                        {1e9, {"0", "480", "960", "1440", "1920"}}};
+    for (const auto& row : rows) {
+        Texts shown;
+        for (const auto& mark : valueMarks(row.highest))
+            shown.push_back(mark.label);
+        EXPECT_EQ(shown, row.labels) << row.highest;
+    }
+}
+
+TEST(ChartAxis, daysAreMarkedEachOnlyWhereTheyFit) {
+    const PagesBench bench;
+    const auto days = [&](int count) {
+        return DateInterval{bench.day.start, bench.calendar.addingDays(bench.day.start, count)};
+    };
+    const auto marks = [&](int count, std::size_t buckets) {
+        return timeMarks(days(count), Granularity::day, buckets, bench.calendar);
+    };
+    EXPECT_EQ(labels(marks(3, 3)), (Texts{"Fri 20", "Sat 21", "Sun 22"}));
+    EXPECT_EQ(marks(11, 10).size(), 11u);
+    EXPECT_EQ(marks(11, 11).size(), 2u) << "too many buckets";
+    EXPECT_EQ(labels(marks(12, 1)), (Texts{"20 Nov", "27 Nov"})) << "too long a range";
+    EXPECT_EQ(labels(marks(30, 30)), (Texts{"20 Nov", "27 Nov", "4 Dec", "11 Dec", "18 Dec"}));
+}
+
+TEST(ChartAxis, hoursStandEveryThreeAlsoWhereTheClocksChange) {
+    const PagesBench bench;
+    EXPECT_EQ(labels(timeMarks(bench.day, Granularity::hour, 24, bench.calendar)),
+              (Texts{"00", "03", "06", "09", "12", "15", "18", "21"}));
+    const auto spring = bench.calendar.day(bench.calendar.date(2026, 3, 29, 12));
+    EXPECT_EQ(labels(timeMarks(spring, Granularity::hour, 24, bench.calendar)),
+              (Texts{"00", "03", "06", "09", "12", "15", "18", "21"}));
+}
+
+TEST(CategoryStackBar, dividesItsWidthAndKeepsSmallPartsVisible) {
+    const std::vector<CategoryUsage> categories{{work, Seconds(900)}, {social, Seconds(99)}, {other, Seconds(1)}};
+    const auto bar = categoryStackBar(categories, Seconds(1000));
+    EXPECT_EQ(bar.widths(200), (std::vector<double>{180, 19.8, 2}));
+    EXPECT_EQ(bar.parts[0].category, categoryPill(work));
+    EXPECT_TRUE(categoryStackBar(categories, Seconds(0)).parts.empty());
+    EXPECT_DOUBLE_EQ(CategoryStackBar::emptyTrackOpacity, 0.08);
+}
+
+TEST(CategoryBreakdown, hasARowPerCategory) {
+    const std::vector<CategoryUsage> categories{{development, Seconds(5400)}, {social, Seconds(1800)}};
+    const auto breakdown = categoryBreakdown(categories, Seconds(7200));
+    ASSERT_EQ(breakdown.rows.size(), 2u);
+    EXPECT_EQ(breakdown.rows[0], (CategoryBreakdown::Row{{"Development", SystemColor::blue}, "75%", "1h 30m"}));
+    EXPECT_EQ(breakdown.rows[1], (CategoryBreakdown::Row{{"Social Media", SystemColor::brown}, "25%", "30m"}));
+    EXPECT_EQ(breakdown.summary, "2h active");
+    EXPECT_EQ(categoryBreakdown({}, Seconds(0)).summary, "0s active");
+}
+
+TEST(UsageTrend, spansTheWholeRange) {
+    PagesBench bench;
+    bench.add(9 * hour + 30 * minute, hour).add(12 * hour, 90, {.app = "Other"});
+    const auto mine = [](const ClassifiedSession& session) { return session.appName == "Editor"; };
+    const auto trend = usageTrend(bench.report(), mine, SystemColor::teal, bench.calendar);
+    EXPECT_EQ(trend.domain, bench.day);
+    EXPECT_EQ(trend.unit.title, "Minutes");
+    EXPECT_EQ(trend.tint, SystemColor::teal);
+    ASSERT_EQ(trend.columns.size(), 2u);
+    EXPECT_EQ(trend.columns[0], (UsageTrend::Column{{bench.at(9), bench.at(10)}, 30}));
+    EXPECT_EQ(trend.columns[1], (UsageTrend::Column{{bench.at(10), bench.at(11)}, 30}));
+    const auto daily = usageTrend(bench.report(Granularity::day), mine, SystemColor::teal, bench.calendar);
+    EXPECT_EQ(daily.unit.title, "Hours");
+    ASSERT_EQ(daily.columns.size(), 1u);
+    EXPECT_DOUBLE_EQ(daily.columns[0].value, 1);
+    EXPECT_STREQ(UsageTrend::title, "When");
+    EXPECT_STREQ(UsageTrend::symbol, "chart.bar");
+}
+
+TEST(UsageTrend, agreesWithTheBucketsOfAReport) {
+    PagesBench bench;
+    for (int i = 0; i < 50; ++i)
+        bench.add(i * 1234.5, 777);
+    const auto report = bench.report();
+    const auto trend = usageTrend(
+        report, [](const auto&) { return true; }, SystemColor::gray, bench.calendar);
+    const auto buckets = ReportBuilder::buckets(report.sessions, report.granularity, bench.calendar);
+    ASSERT_EQ(trend.columns.size(), buckets.size());
+    for (std::size_t i = 0; i < buckets.size(); ++i) {
+        EXPECT_EQ(trend.columns[i].interval.start, buckets[i].start);
+        EXPECT_DOUBLE_EQ(trend.columns[i].value, buckets[i].duration.count() / 60);
+    }
+}
+
+TEST(Sparkline, spreadsValuesEvenly) {
+    const std::vector<double> values{0, 0.5, 2};
+    EXPECT_EQ(sparkline(values, 0, 1), (std::vector<SparklinePoint>{{0, 0}, {0.5, 0.5}, {1, 1}}));
+    EXPECT_EQ(sparkline(values, 1, 1), (std::vector<SparklinePoint>{{0, 0}, {0.5, 0}, {1, 0}}));
+    EXPECT_TRUE(sparkline({}, 0, 1).empty());
+    EXPECT_TRUE(sparkline(std::vector<double>{1}, 0, 1).empty());
+}
+
+} // namespace
+} // namespace kestrio
