@@ -55,7 +55,9 @@ const LineRow lineRows[] = {
     {"stop\t7\t11\n", {}, {}},
     {"slow 9 13 a b  c\n", {}, {{{9, 13}, {"a b  c"}}}},
     {"slow 9 13\n", {}, {{{9, 13}, {}}}},
-    {"slow 9 13 a b", {}, {{{9, 13}, {}}}}, // half of what was before is no better than nothing
+    {"slow 9 13 a bc", {}, {{{9, 13}, {"a"}}}}, // cut off within a word, or behind
+    {"slow 9 13 a", {}, {{{9, 13}, {}}}},
+    {"slow 9 13", {}, {{{9, 13}, {}}}},
     {"nap 9 13 a b\n", {}, {{{9, 13}, {}}}},
     {"owner 42 100\n", {}, {}},
 };
