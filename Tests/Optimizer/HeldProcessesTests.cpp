@@ -74,7 +74,9 @@ TEST(HeldProcesses, areReadFromEveryLineThatIsWhole) {
 RC_GTEST_PROP(HeldProcesses, areReadAsTheyWereWrittenWhateverTheyAre, ()) {
     const auto key = rc::gen::map(rc::gen::pair(rc::gen::inRange<pid_t>(1, std::numeric_limits<pid_t>::max()),
                                                 rc::gen::arbitrary<std::uint64_t>()),
-                                  [](const auto& pair) { return ProcessKey{pair.first, pair.second}; });
+                                  [](const auto& pair) {
+                                      return ProcessKey{pair.first, pair.second};
+                                  });
     const auto words = rc::gen::container<std::string>(rc::gen::elementOf(std::string("ab/ =@0123456789-,.\t")));
     const auto slowed = rc::gen::map(rc::gen::pair(key, words), [](const auto& pair) {
         return SlowedProcess{pair.first, {pair.second}};
@@ -108,8 +110,8 @@ ScriptedProcessSignals heldMachine() {
 TEST(HeldProcesses, areResumedFromTheLastToTheFirstAndThenRestored) {
     auto machine = heldMachine();
     EXPECT_EQ(putRight(example.held, machine), 4U);
-    EXPECT_EQ(machine.calls, (std::vector<std::string>{"resume 8", "resume 7", "restore 7 usual since 3",
-                                                       "restore 9 other since 3"}));
+    EXPECT_EQ(machine.calls,
+              (std::vector<std::string>{"resume 8", "resume 7", "restore 7 usual since 3", "restore 9 other since 3"}));
     EXPECT_EQ(machine.processes[7].condition, ProcessCondition::running);
     EXPECT_EQ(machine.processes[7].priority, "usual");
     EXPECT_EQ(machine.processes[9].priority, "other");

@@ -216,9 +216,8 @@ TEST(AWatchdog, sharesItsLifelineWithNoOtherProgram) {
     auto watchdog = std::make_unique<LinuxWatchdog>(LinuxWatchdog::Setup{.rescue = RESCUE_PROGRAM});
     ASSERT_EQ(watchdog->start(journal), std::nullopt);
     const TestProgram other({"sleep", "60"}); // started after the pipe was made, and lives on
-    ASSERT_TRUE(eventually([&] {
-        return fileText("/proc/" + std::to_string(other.process()) + "/comm") == "sleep\n";
-    }));
+    ASSERT_TRUE(
+        eventually([&] { return fileText("/proc/" + std::to_string(other.process()) + "/comm") == "sleep\n"; }));
     LinuxWatchdog second({.rescue = RESCUE_PROGRAM});
     ASSERT_EQ(second.start(journal), std::nullopt);
     const auto process = watchdog->process();

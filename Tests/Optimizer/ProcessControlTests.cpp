@@ -1,5 +1,4 @@
 #include "Kestrio/Optimizer/ProcessControl.h"
-
 #include "Kestrio/Optimizer/SafetyNet.h"
 #include "Kestrio/Platform/Testing/ScriptedProcessSignals.h"
 #include "Kestrio/Platform/Testing/ScriptedProcessTable.h"
@@ -72,6 +71,31 @@ TEST(ProcessControl, leavesOutAHelperThatCannotBeRead) {
     bench.table.listed = {10, 11, 0, -1};
     bench.table.responsibles = {{11, 10}, {0, 10}, {-1, 10}};
     EXPECT_EQ(bench.control.processes(10), (Keys{{10, 100}}));
+}
+
+TEST(ProcessControl, asksOnceWhomAProcessBelongsTo) {
+    Bench bench;
+    bench.table.run(10, "/bin/app", {.start = 100});
+    bench.table.run(11, "/bin/app", {.start = 101, .image = 1});
+    bench.table.responsibles = {{11, 10}};
+    bench.control.processes(10);
+    const auto lookUps = bench.table.lookUps;
+    EXPECT_EQ(bench.control.processes(10), (Keys{{10, 100}, {11, 101}}));
+    EXPECT_EQ(bench.table.lookUps, lookUps);
+}
+
+TEST(ProcessControl, asksAgainForAnotherProcessOrAnotherProgram) {
+    Bench bench;
+    bench.table.run(10, "/bin/app", {.start = 100});
+    bench.table.run(11, "/bin/app", {.start = 101, .image = 1});
+    bench.table.responsibles = {{11, 10}};
+    bench.control.processes(10);
+    bench.table.responsibles = {{11, 11}};
+    bench.table.readings[11].image = 2;
+    EXPECT_EQ(bench.control.processes(10), (Keys{{10, 100}}));
+    bench.table.responsibles = {{11, 10}};
+    bench.table.readings[11].start = 300;
+    EXPECT_EQ(bench.control.processes(10), (Keys{{10, 100}, {11, 300}}));
 }
 
 // --- Stopping --------------------------------------------------------------------------------------------------------
@@ -211,8 +235,7 @@ TEST(ProcessControl, givesAHelperThatWasBornSlowWhatItsParentHad) {
     bench.control.slow({bench.main});
     bench.signals.now = 5;
     const auto heir = bench.signals.runHeir(20, 200);
-    EXPECT_EQ(bench.control.slow({bench.main, heir}),
-              (std::vector<SlowedProcess>{{heir, {"nimble since 0"}}}));
+    EXPECT_EQ(bench.control.slow({bench.main, heir}), (std::vector<SlowedProcess>{{heir, {"nimble since 0"}}}));
 }
 
 TEST(ProcessControl, restoresAlsoWhatWasBornSlowSince) {

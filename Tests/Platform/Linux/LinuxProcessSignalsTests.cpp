@@ -1,17 +1,17 @@
 // With real processes, which end with their test.
+#include "Kestrio/Base/Descriptor.h"
 #include "Kestrio/Platform/Linux/LinuxProcessSignals.h"
-
 #include "Tests/Support/Eventually.h"
 #include "Tests/Support/FileTree.h"
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Support/Victim.h"
 
 #include <csignal>
+#include <cstdlib>
 #include <fcntl.h>
 #include <functional>
 #include <gtest/gtest.h>
 #include <linux/ioprio.h>
-#include <pty.h>
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/prctl.h>
@@ -163,7 +163,8 @@ TEST(LinuxProcessSignals, refusesAnotherUsersProcess) {
         prctl(PR_SET_PDEATHSIG, SIGKILL); // which the change of user has cleared
     });
     ASSERT_TRUE(eventually([&] {
-        return fileText("/proc/" + std::to_string(child.process()) + "/status").find("Uid:\t65534") != std::string::npos;
+        return fileText("/proc/" + std::to_string(child.process()) + "/status").find("Uid:\t65534") !=
+               std::string::npos;
     }));
     const auto key = keyOf(child.process());
     EXPECT_EQ(signals.condition(key), ProcessCondition::untouchable);
@@ -192,10 +193,15 @@ TEST(LinuxProcessSignals, refusesAProcessThatTookOnAnothersRights) {
 
 TEST(LinuxProcessSignals, refusesTheJobInFrontOfATerminalAndStopsOneBehind) {
     LinuxProcessSignals signals({});
-    int terminal = -1;
-    const pid_t shell = forkpty(&terminal, nullptr, nullptr, nullptr);
+    const Descriptor terminal(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC));
+    ASSERT_TRUE(grantpt(terminal.number()) == 0 && unlockpt(terminal.number()) == 0);
+    const std::string name = ptsname(terminal.number());
+    const pid_t shell = fork();
     if (shell == 0) {
         prctl(PR_SET_PDEATHSIG, SIGKILL);
+        setsid();
+        if (open(name.c_str(), O_RDWR) < 0) // becomes the terminal of the session
+            _exit(1);
         const pid_t behind = fork();
         if (behind == 0) {
             prctl(PR_SET_PDEATHSIG, SIGKILL);
@@ -217,7 +223,6 @@ TEST(LinuxProcessSignals, refusesTheJobInFrontOfATerminalAndStopsOneBehind) {
     EXPECT_EQ(signals.condition(keyOf(behind)), ProcessCondition::running);
     kill(shell, SIGKILL);
     waitpid(shell, nullptr, 0);
-    close(terminal);
 }
 
 TEST(LinuxProcessSignals, leavesAProcessUnderADebuggerToTheDebugger) {
@@ -419,9 +424,9 @@ struct CoresRow {
 };
 
 const CoresRow coresRows[] = {
-    {"0", "", {0}},     {"0-1", "", {1}},       {"0-3", "", {3}},
-    {"0-6", "", {6}},   {"0-7", "", {6, 7}},    {"0-15", "", {12, 13, 14, 15}},
-    {"", "", {0}},      {"0-1,4-5", "", {5}},   {"0-15", "8-15", {8, 9, 10, 11, 12, 13, 14, 15}},
+    {"0", "", {0}},    {"0-1", "", {1}},     {"0-3", "", {3}},
+    {"0-6", "", {6}},  {"0-7", "", {6, 7}},  {"0-15", "", {12, 13, 14, 15}},
+    {"", "", {0}},     {"0-1,4-5", "", {5}}, {"0-15", "8-15", {8, 9, 10, 11, 12, 13, 14, 15}},
     {"0-3", "2", {2}},
 };
 

@@ -1,6 +1,5 @@
-#include "Kestrio/Platform/Linux/ThreadPriorities.h"
-
 #include "Kestrio/Platform/Linux/CoreClasses.h"
+#include "Kestrio/Platform/Linux/ThreadPriorities.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>

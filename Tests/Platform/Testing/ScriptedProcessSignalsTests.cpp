@@ -1,5 +1,4 @@
 #include "Kestrio/Platform/Testing/ScriptedProcessSignals.h"
-
 #include "Kestrio/Platform/Testing/ScriptedWatchdog.h"
 
 #include <gtest/gtest.h>
