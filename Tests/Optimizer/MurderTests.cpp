@@ -114,6 +114,20 @@ INSTANTIATE_TEST_SUITE_P(AtEachStep, AMurder,
                                          "resume 1", "resume 2", "resume 3", "restore 1", "restore 2", "restore 3",
                                          "end"));
 
+TEST(AMurderWhileSlow, restoresAlsoWhatTheSlowedOnesStarted) {
+    Scene scene;
+    scene.startHolder("stop 1");
+    ASSERT_TRUE(scene.isThere());
+    const auto& parent = scene.victims.front();
+    const auto child = parent.startChild();
+    ASSERT_NE(child, 0);
+    const auto usual = parent.usual().at(parent.process());
+    EXPECT_NE(prioritiesOf(child).at(child), usual);
+    scene.holder.kill();
+    EXPECT_TRUE(scene.becomesAllRight());
+    EXPECT_TRUE(eventually([&] { return prioritiesOf(child).at(child) == usual; }));
+}
+
 class ADoubleMurder : public testing::TestWithParam<const char*> {};
 
 TEST_P(ADoubleMurder, isPutRightByTheNextStart) {
