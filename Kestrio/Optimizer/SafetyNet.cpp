@@ -112,8 +112,8 @@ void SafetyNet::startWatcher() {
     isWatcherMissing_ = problem.has_value();
 }
 
-/// That of an owner who lives is left to them, and our own too. One without an owner's line was damaged at its first, or
-/// its name is no journal's: whatever it still names is put right.
+/// That of an owner who lives is left to them, and our own too. One without an owner's line was damaged at its first,
+/// or its name is no journal's: whatever it still names is put right.
 bool SafetyNet::isOver(const fs::path& journal, const HeldJournal& content) const {
     const auto named = ownerIn(journal.filename().string());
     if (named == setup_.own.pid && (!content.owner || content.owner == setup_.own))

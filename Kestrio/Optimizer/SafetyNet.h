@@ -38,8 +38,8 @@ public:
     /// What the journal was last told.
     const HeldProcesses& held() const { return held_; }
 
-    /// From here on there is a watchdog, anew when it dies. Without one, which is logged, the journal and the next start
-    /// remain.
+    /// From here on there is a watchdog, anew when it dies. Without one, which is logged, the journal and the next
+    /// start remain.
     void startWatcher();
 
     /// Puts right what earlier runs left that are over, and removes their journals. Answers how many processes.
