@@ -269,6 +269,7 @@ void Optimizer::tick() {
         visit(candidate, pass);
     }
     dropOthers(seen);
+    slowNewHelpers();
     publish();
 }
 
@@ -284,9 +285,24 @@ void Optimizer::visit(const Candidate& candidate, const Pass& pass) {
         for (const auto& decision : decisions(candidate, app, pass))
             std::visit(carryOut, decision);
     }
-    if (!app.slowed.empty())
-        slowProcesses(app); // helpers that started since
     store(std::move(app));
+}
+
+/// Helpers that started since an application was moved follow it.
+void Optimizer::slowNewHelpers() {
+    std::set<pid_t> mains;
+    for (const auto& [id, app] : held_) {
+        if (!app.slowed.empty())
+            mains.insert(app.pid);
+    }
+    if (mains.empty())
+        return;
+    const auto found = host_.processes.processes(mains);
+    for (auto& [id, app] : held_) {
+        const auto keys = found.find(app.pid);
+        if (!app.slowed.empty() && keys != found.end())
+            slow(app, keys->second);
+    }
 }
 
 std::vector<Decision> Optimizer::decisions(const Candidate& candidate, const ManagedApp& app, const Pass& pass) {
@@ -417,16 +433,29 @@ bool Optimizer::mayStop(const Candidate& candidate) {
     return !parts_.refusal || !parts_.refusal(candidate.application);
 }
 
+std::vector<ProcessKey> Optimizer::processes(const ManagedApp& app) {
+    auto found = host_.processes.processes({app.pid});
+    return std::move(found[app.pid]);
+}
+
 /// False when nothing of it is stopped then.
 bool Optimizer::stopProcesses(ManagedApp& app) {
-    append(app.frozen, host_.processes.freeze(without(host_.processes.processes(app.pid), app.frozen)));
+    const auto others = without(processes(app), app.frozen);
+    if (!others.empty())
+        append(app.frozen, host_.processes.freeze(others));
     return !app.frozen.empty();
 }
 
-/// Slows those processes that are not slowed yet. False when none is then.
+/// False when nothing of it is slowed then.
 bool Optimizer::slowProcesses(ManagedApp& app) {
-    append(app.slowed, host_.processes.slow(without(host_.processes.processes(app.pid), app.slowed)));
+    slow(app, processes(app));
     return !app.slowed.empty();
+}
+
+void Optimizer::slow(ManagedApp& app, std::vector<ProcessKey> keys) {
+    const auto others = without(std::move(keys), app.slowed);
+    if (!others.empty())
+        append(app.slowed, host_.processes.slow(others));
 }
 
 void Optimizer::resumeProcesses(ManagedApp& app) {

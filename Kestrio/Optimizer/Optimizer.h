@@ -162,11 +162,14 @@ private:
 
     ManagedApp entry(const Candidate& candidate);
     void store(ManagedApp app);
+    void slowNewHelpers();
     void dropOthers(const AppIDs& present);
     void publish();
 
     bool mayStop(const Candidate& candidate);
+    std::vector<ProcessKey> processes(const ManagedApp& app);
     bool stopProcesses(ManagedApp& app);
+    void slow(ManagedApp& app, std::vector<ProcessKey> keys);
     bool slowProcesses(ManagedApp& app);
     void resumeProcesses(ManagedApp& app);
     void restoreProcesses(ManagedApp& app);

@@ -8,16 +8,21 @@
 
 #include "Kestrio/Platform/ProcessTable.h"
 
+#include <map>
+#include <set>
 #include <vector>
 
 namespace kestrio {
+
+using ProcessesByMain = std::map<pid_t, std::vector<ProcessKey>>;
 
 class ProcessHolding {
 public:
     virtual ~ProcessHolding() = default;
 
-    /// The processes of the application with this main process, that one first. Empty when it has ended.
-    virtual std::vector<ProcessKey> processes(pid_t mainProcess) = 0;
+    /// The processes of each application with one of these main processes, that one first. One that has ended is left
+    /// out. A sweep over all processes of the machine, however many are asked for.
+    virtual ProcessesByMain processes(const std::set<pid_t>& mainProcesses) = 0;
 
     /// Stops the processes in this order and answers those that are really stopped. What is about to be stopped is in
     /// the journal before the first signal; where the journal cannot be written nothing is stopped. Stopping one that
