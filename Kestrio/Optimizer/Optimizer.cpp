@@ -146,7 +146,7 @@ Optimizer::~Optimizer() {
 void Optimizer::start() {
     if (std::exchange(started_, true))
         return;
-    if (const int recovered = host_.processes.recoverEarlierRuns(); recovered > 0)
+    if (const auto recovered = host_.processes.recoverEarlierRuns(); recovered > 0)
         log(ResourceEventKind::recovered, std::nullopt, OptimizerWords::recovered(recovered));
     listen();
     if (isEnabled_.value())

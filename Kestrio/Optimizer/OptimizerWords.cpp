@@ -53,9 +53,8 @@ std::string switchedOn(tindra::OptimizerMode mode) {
     return fmt::format("{} mode.", label(mode));
 }
 
-std::string recovered(int processes) {
-    return fmt::format("Resumed {} an earlier run had left frozen or slowed.",
-                       processCount(static_cast<std::size_t>(processes)));
+std::string recovered(std::size_t processes) {
+    return fmt::format("Resumed {} an earlier run had left frozen or slowed.", processCount(processes));
 }
 
 } // namespace kestrio::OptimizerWords

@@ -26,7 +26,7 @@ std::string overridden(tindra::AppTier tier, Date until, const Calendar& calenda
 /// "Focus mode."
 std::string switchedOn(tindra::OptimizerMode mode);
 /// "Resumed 2 processes an earlier run had left frozen or slowed."
-std::string recovered(int processes);
+std::string recovered(std::size_t processes);
 
 inline constexpr std::string_view frozenByHand = "Frozen by hand; it wakes up when you open it.";
 inline constexpr std::string_view slowedByHand = "Moved by hand; it gets full speed back when you open it.";

@@ -8,6 +8,7 @@
 
 #include "Kestrio/Platform/ProcessTable.h"
 
+#include <cstddef>
 #include <map>
 #include <set>
 #include <vector>
@@ -45,7 +46,7 @@ public:
     virtual void startWatcher() = 0;
 
     /// Gives back what earlier runs left held; how many processes those were.
-    virtual int recoverEarlierRuns() = 0;
+    virtual std::size_t recoverEarlierRuns() = 0;
 };
 
 } // namespace kestrio

@@ -38,7 +38,7 @@ public:
     std::set<pid_t> unslowable;
     bool isJournalWritable = true;
     std::function<void()> beforeStop = [] {}; // the worst instant
-    int leftByEarlierRuns = 0;
+    std::size_t leftByEarlierRuns = 0;
 
     std::vector<std::string> signals; // "stop 100", "continue 100", "slow 100", "restore 100"
     std::vector<ProcessKey> journalFrozen;
@@ -170,7 +170,7 @@ public:
         journalSlowed = slowed;
     }
     void startWatcher() override { ++watchers; }
-    int recoverEarlierRuns() override {
+    std::size_t recoverEarlierRuns() override {
         ++recoveries;
         return leftByEarlierRuns;
     }

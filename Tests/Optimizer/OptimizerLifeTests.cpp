@@ -26,7 +26,7 @@ TEST(OptimizerLife, itIsOffUntilThePersonSwitchesItOn) {
 }
 
 TEST(OptimizerLife, startingRecoversEarlierRunsOnceAndTellsHowMany) {
-    const std::pair<int, Texts> cases[] = {
+    const std::pair<std::size_t, Texts> cases[] = {
         {0, {}},
         {1, {"recovered: Resumed 1 process an earlier run had left frozen or slowed."}},
         {7, {"recovered: Resumed 7 processes an earlier run had left frozen or slowed."}},

@@ -140,7 +140,7 @@ private:
     }
     std::string failures() {
         if (chance(50)) {
-            machine().isJournalWritable = !machine().isJournalWritable;
+            machine().isJournalWritable = chance(80);
             return "journal";
         }
         if (const auto pid = anyApplication();
@@ -252,7 +252,7 @@ TEST(OptimizerProperties, overManyMonthsWhatIsStoppedIsWhatIsHeldAndNothingElse)
         mostFrozen = std::max(mostFrozen, month.mostFrozen);
     }
     // The months were worth living.
-    EXPECT_GT(freezes, 500U);
+    EXPECT_GT(freezes, 100U);
     EXPECT_GT(mostFrozen, 3U);
 }
 
