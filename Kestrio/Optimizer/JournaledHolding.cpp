@@ -4,29 +4,48 @@
 #include "Kestrio/Optimizer/SafetyNet.h"
 
 #include <algorithm>
-#include <optional>
+#include <utility>
 
 namespace kestrio {
 
 JournaledHolding::JournaledHolding(ProcessTable& table, ProcessControl& control, SafetyNet& safetyNet)
     : table_(table), control_(control), safetyNet_(safetyNet) {}
 
-ProcessesByMain JournaledHolding::processes(const std::set<pid_t>& mainProcesses) {
+std::vector<ProcessKey> JournaledHolding::processes(pid_t mainProcess) {
+    return control_.processes(mainProcess);
+}
+
+/// Looks up whom a process belongs to when it is first seen: most are there at every sweep, and numbers take long to
+/// come round again. Should one have, nothing happens to its new process: its start is not that of the key.
+ProcessesByMain JournaledHolding::rememberedProcesses(const std::set<pid_t>& mainProcesses) {
     ProcessesByMain found;
     for (const auto main : mainProcesses) {
-        if (const auto counters = table_.counters(main))
-            found[main].push_back({main, counters->start});
+        if (const auto first = key(main))
+            found[main].push_back(*first);
     }
-    if (found.empty())
-        return found;
+    std::unordered_map<pid_t, Seen> now;
     for (const auto process : table_.processes()) {
-        const auto application = found.find(table_.responsible(process).value_or(process));
+        auto& seen = now.emplace(process, this->seen(process)).first->second;
+        const auto application = found.find(seen.responsible);
         if (application == found.end() || application->first == process)
             continue;
-        if (const auto counters = table_.counters(process))
-            application->second.push_back({process, counters->start});
+        if (!seen.key)
+            seen.key = key(process);
+        if (seen.key)
+            application->second.push_back(*seen.key);
     }
+    seen_ = std::move(now);
     return found;
+}
+
+JournaledHolding::Seen JournaledHolding::seen(pid_t process) {
+    const auto before = seen_.find(process);
+    return before != seen_.end() ? before->second : Seen{table_.responsible(process).value_or(process), {}};
+}
+
+std::optional<ProcessKey> JournaledHolding::key(pid_t process) {
+    const auto counters = table_.counters(process);
+    return counters ? std::optional(ProcessKey{process, counters->start}) : std::nullopt;
 }
 
 std::vector<ProcessKey> JournaledHolding::freeze(const std::vector<ProcessKey>& keys) {

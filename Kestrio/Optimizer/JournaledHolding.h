@@ -7,6 +7,9 @@
 #include "Kestrio/Optimizer/HeldProcesses.h"
 #include "Kestrio/Optimizer/ProcessHolding.h"
 
+#include <optional>
+#include <unordered_map>
+
 namespace kestrio {
 
 class ProcessControl;
@@ -17,7 +20,8 @@ public:
     /// All of them outlive this; the control works with the same table and safety net.
     JournaledHolding(ProcessTable& table, ProcessControl& control, SafetyNet& safetyNet);
 
-    ProcessesByMain processes(const std::set<pid_t>& mainProcesses) override;
+    std::vector<ProcessKey> processes(pid_t mainProcess) override;
+    ProcessesByMain rememberedProcesses(const std::set<pid_t>& mainProcesses) override;
     std::vector<ProcessKey> freeze(const std::vector<ProcessKey>& keys) override;
     void resume(const std::vector<ProcessKey>& keys) override;
     std::vector<ProcessKey> slow(const std::vector<ProcessKey>& keys) override;
@@ -27,11 +31,20 @@ public:
     std::size_t recoverEarlierRuns() override;
 
 private:
+    /// A process as of the last sweep. Its key is absent until somebody asked for its application.
+    struct Seen {
+        pid_t responsible = 0;
+        std::optional<ProcessKey> key;
+    };
+
+    Seen seen(pid_t process);
+    std::optional<ProcessKey> key(pid_t process);
     std::vector<SlowedProcess> withPriorities(const std::vector<ProcessKey>& keys) const;
 
     ProcessTable& table_;
     ProcessControl& control_;
     SafetyNet& safetyNet_;
+    std::unordered_map<pid_t, Seen> seen_;
 };
 
 } // namespace kestrio

@@ -297,7 +297,7 @@ void Optimizer::slowNewHelpers() {
     }
     if (mains.empty())
         return;
-    const auto found = host_.processes.processes(mains);
+    const auto found = host_.processes.rememberedProcesses(mains);
     for (auto& [id, app] : held_) {
         const auto keys = found.find(app.pid);
         if (!app.slowed.empty() && keys != found.end())
@@ -433,14 +433,9 @@ bool Optimizer::mayStop(const Candidate& candidate) {
     return !parts_.refusal || !parts_.refusal(candidate.application);
 }
 
-std::vector<ProcessKey> Optimizer::processes(const ManagedApp& app) {
-    auto found = host_.processes.processes({app.pid});
-    return std::move(found[app.pid]);
-}
-
 /// False when nothing of it is stopped then.
 bool Optimizer::stopProcesses(ManagedApp& app) {
-    const auto others = without(processes(app), app.frozen);
+    const auto others = without(host_.processes.processes(app.pid), app.frozen);
     if (!others.empty())
         append(app.frozen, host_.processes.freeze(others));
     return !app.frozen.empty();
@@ -448,7 +443,7 @@ bool Optimizer::stopProcesses(ManagedApp& app) {
 
 /// False when nothing of it is slowed then.
 bool Optimizer::slowProcesses(ManagedApp& app) {
-    slow(app, processes(app));
+    slow(app, host_.processes.processes(app.pid));
     return !app.slowed.empty();
 }
 

@@ -167,7 +167,6 @@ private:
     void publish();
 
     bool mayStop(const Candidate& candidate);
-    std::vector<ProcessKey> processes(const ManagedApp& app);
     bool stopProcesses(ManagedApp& app);
     void slow(ManagedApp& app, std::vector<ProcessKey> keys);
     bool slowProcesses(ManagedApp& app);

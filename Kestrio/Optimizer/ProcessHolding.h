@@ -21,9 +21,13 @@ class ProcessHolding {
 public:
     virtual ~ProcessHolding() = default;
 
-    /// The processes of each application with one of these main processes, that one first. One that has ended is left
-    /// out. A sweep over all processes of the machine, however many are asked for.
-    virtual ProcessesByMain processes(const std::set<pid_t>& mainProcesses) = 0;
+    /// The processes of the application with this main process, that one first. Empty when it has ended. A sweep over
+    /// all processes of the machine.
+    virtual std::vector<ProcessKey> processes(pid_t mainProcess) = 0;
+
+    /// The same for several applications at once, those that ended left out; for asking at every pass. Whom a process
+    /// belongs to may be remembered from the time before.
+    virtual ProcessesByMain rememberedProcesses(const std::set<pid_t>& mainProcesses) = 0;
 
     /// Stops the processes in this order and answers those that are really stopped. What is about to be stopped is in
     /// the journal before the first signal; where the journal cannot be written nothing is stopped. Stopping one that

@@ -120,7 +120,11 @@ public:
 
     // ProcessHolding
 
-    ProcessesByMain processes(const std::set<pid_t>& mainProcesses) override {
+    std::vector<ProcessKey> processes(pid_t mainProcess) override {
+        auto found = rememberedProcesses({mainProcess});
+        return std::move(found[mainProcess]);
+    }
+    ProcessesByMain rememberedProcesses(const std::set<pid_t>& mainProcesses) override {
         ++sweeps;
         ProcessesByMain found;
         for (const auto main : mainProcesses) {

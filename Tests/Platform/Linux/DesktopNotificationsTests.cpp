@@ -96,6 +96,14 @@ struct DesktopNotificationsTest : testing::Test {
     bool showsUpTo(std::size_t count) {
         return eventually([this, count] { return service->shown().size() == count; });
     }
+    /// Clicks until it is told: by then all that the service sent before has arrived.
+    void settle(std::uint32_t number) {
+        const auto before = clicked().size();
+        EXPECT_TRUE(eventually([&] {
+            service->invoke(number, "default");
+            return clicked().size() > before;
+        }));
+    }
     std::vector<std::string> clicked() {
         return queue.sync([this] { return clicks; });
     }
@@ -110,11 +118,7 @@ TEST_F(DesktopNotificationsTest, aNotificationIsShownWithItsTextsAndCanBeClicked
     EXPECT_EQ(shown.body, "body");
     EXPECT_EQ(shown.actions, (std::vector<std::string>{"default", "Open"}));
     EXPECT_EQ(shown.replaces, 0U);
-    // The answer with the number may still be on its way.
-    EXPECT_TRUE(eventually([&] {
-        service->invoke(shown.number, "default");
-        return !clicked().empty();
-    }));
+    settle(shown.number);
     EXPECT_EQ(clicked().front(), "memory");
 }
 
@@ -138,16 +142,19 @@ TEST_F(DesktopNotificationsTest, aLaterOneWithTheSameIdentifierReplacesTheEarlie
     post("memory", "first");
     ASSERT_TRUE(showsUpTo(1));
     const auto number = service->shown()[0].number;
-    ASSERT_TRUE(eventually([&] {
-        post("memory", "again");
-        const auto shown = service->shown();
-        return shown.back().replaces == number;
-    }));
+    settle(number);
+    post("memory", "again");
+    post("other", "other");
+    ASSERT_TRUE(showsUpTo(3));
+    EXPECT_EQ(service->shown()[1].replaces, number);
+    EXPECT_EQ(service->shown()[2].replaces, 0U);
+    const auto other = service->shown()[2].number;
+    settle(other);
     service->close(number);
-    ASSERT_TRUE(eventually([&] {
-        post("memory", "anew");
-        return service->shown().back().replaces == 0;
-    }));
+    settle(other);
+    post("memory", "anew");
+    ASSERT_TRUE(showsUpTo(4));
+    EXPECT_EQ(service->shown()[3].replaces, 0U);
 }
 
 TEST_F(DesktopNotificationsTest, notificationsOfOthersAndOtherActionsAreNoClicks) {
@@ -155,17 +162,10 @@ TEST_F(DesktopNotificationsTest, notificationsOfOthersAndOtherActionsAreNoClicks
     post("memory", "body");
     ASSERT_TRUE(showsUpTo(1));
     const auto number = service->shown()[0].number;
-    ASSERT_TRUE(eventually([&] {
-        service->invoke(number, "default");
-        return !clicked().empty();
-    }));
-    const auto before = clicked().size();
+    settle(number);
     service->invoke(number + 1, "default");
     service->invoke(number, "inline-reply");
-    ASSERT_TRUE(eventually([&] {
-        service->invoke(number, "default");
-        return clicked().size() > before;
-    }));
+    settle(number);
     for (const auto& id : clicked())
         EXPECT_EQ(id, "memory");
 }
