@@ -40,6 +40,12 @@ std::string line(const SlowedProcess& slowed) {
     return fmt::format("{} {} {}{}{}\n", slowKind, slowed.key.pid, slowed.key.start, words.empty() ? "" : " ", words);
 }
 
+/// Of a line that was cut nobody knows whether its last word is whole.
+std::string_view withoutLastWord(std::string_view line) {
+    const auto blank = line.rfind(' ');
+    return line.substr(0, blank == std::string_view::npos ? 0 : blank);
+}
+
 void readLine(HeldJournal& journal, std::string_view line, bool isWhole) {
     const auto kind = takeWord(line);
     const auto pid = parsedNumber<pid_t>(takeWord(line));
@@ -51,8 +57,8 @@ void readLine(HeldJournal& journal, std::string_view line, bool isWhole) {
         journal.owner = key;
     else if (kind == stopKind)
         journal.held.frozen.push_back(key);
-    else if (kind == slowKind && isWhole)
-        journal.held.slowed.push_back({key, {std::string(line)}});
+    else if (kind == slowKind)
+        journal.held.slowed.push_back({key, {std::string(isWhole ? line : withoutLastWord(line))}});
     else
         journal.held.slowed.push_back({key, {}});
 }

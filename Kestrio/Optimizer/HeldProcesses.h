@@ -46,7 +46,8 @@ struct HeldJournal {
 std::string journalText(const HeldJournal& journal);
 
 /// Lines with fewer than three words, or without numbers where they belong, are passed over. What a line of an unknown
-/// kind names counts as slowed with nothing known of before, as does a `slow` line that is cut off.
+/// kind names counts as slowed with nothing known of before; of a `slow` line that is cut off the last word does not
+/// count.
 HeldJournal parsedJournal(std::string_view text);
 
 /// Empty when the file cannot be read.

@@ -3,7 +3,7 @@
 #include "Kestrio/Optimizer/SafetyNet.h"
 
 #include <algorithm>
-#include <unordered_map>
+#include <unordered_set>
 
 namespace kestrio {
 namespace {
@@ -29,13 +29,24 @@ std::vector<ProcessKey> ProcessControl::processes(pid_t main) {
     if (!first)
         return {};
     std::vector<ProcessKey> keys{{main, first->start}};
-    for (const auto process : table_.processes()) {
-        if (process == main || process < 1 || table_.responsible(process).value_or(process) != main)
-            continue;
-        if (const auto counters = table_.counters(process))
+    const auto listed = table_.processes();
+    for (const auto process : listed) {
+        const auto counters = process != main && process >= 1 ? table_.counters(process) : std::nullopt;
+        if (counters && responsible(process, *counters) == main)
             keys.push_back({process, counters->start});
     }
+    std::erase_if(known_, [listed = std::unordered_set(listed.begin(), listed.end())](const auto& known) {
+        return !listed.contains(known.first);
+    });
     return keys;
+}
+
+/// Stays what it was when the one that started it ends: a helper does not change hands.
+pid_t ProcessControl::responsible(pid_t process, const ProcessCounters& counters) {
+    auto& known = known_[process];
+    if (known.responsible == 0 || known.start != counters.start || known.image != counters.image)
+        known = {counters.start, counters.image, table_.responsible(process).value_or(process)};
+    return known.responsible;
 }
 
 /// Without its main process an application is left alone whole: half of one standing still helps nobody.

@@ -17,7 +17,8 @@ namespace kestrio {
 /// How a process stands, as far as stopping it goes.
 enum class ProcessCondition {
     gone,        // it has ended; its number may belong to another
-    untouchable, // somebody else's, or one whose stop would do harm: ourselves, who started us, a terminal's job in front
+    untouchable, // somebody else's, or one whose stop would do harm: ourselves, who started us, a terminal's job in
+                 // front
     stopped,     // by whomever
     running,
 };

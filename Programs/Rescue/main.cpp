@@ -1,5 +1,6 @@
 // Puts right what a journal of the optimizer's names, and removes it. The watchdog hands over to it when its owner has
-// died; it can be run by hand as well, and again. Whether the owner lives it does not ask: one who is dying still seems to.
+// died; it can be run by hand as well, and again. Whether the owner lives it does not ask: one who is dying still seems
+// to.
 #include "Kestrio/Optimizer/HeldProcesses.h"
 #include "Kestrio/Platform/Linux/LinuxProcessSignals.h"
 

@@ -214,26 +214,19 @@ bool LinuxProcessSignals::resume(ProcessKey process) {
 
 // --- Slowing ---------------------------------------------------------------------------------------------------------
 
-std::vector<LinuxProcessSignals::Thread> LinuxProcessSignals::threads(pid_t process) const {
-    std::vector<Thread> threads;
-    const auto folder = setup_.processes / std::to_string(process) / "task";
-    for (const auto number : numberedEntries(folder)) {
-        const auto text = readProcessFile(folder / std::to_string(number) / "stat");
-        if (const auto stat = text ? parseProcessStat(*text) : std::nullopt)
-            threads.push_back({number, stat->startTicks});
-    }
-    return threads;
-}
-
 /// Until no new thread turns up: one that is started meanwhile stands as the thread that started it did at that moment.
 bool LinuxProcessSignals::forEachThread(pid_t process, const std::function<bool(const Thread&)>& act) const {
+    const auto folder = setup_.processes / std::to_string(process) / "task";
     std::set<pid_t> done;
     bool any = false;
     for (int pass = 0; pass < mostPasses; ++pass) {
         const auto before = done.size();
-        for (const auto& thread : threads(process))
-            if (done.insert(thread.number).second)
-                any = act(thread) || any;
+        for (const auto number : numberedEntries(folder)) {
+            if (!done.insert(number).second)
+                continue;
+            if (const auto start = readStartTicks(folder, number))
+                any = act({number, *start}) || any;
+        }
         if (done.size() == before)
             break;
     }
@@ -249,11 +242,12 @@ std::optional<ProcessPriority> LinuxProcessSignals::priority(ProcessKey process)
     priorities.common = readPriority(process.pid);
     if (!priorities.common)
         return std::nullopt;
-    for (const auto& thread : threads(process.pid)) {
+    forEachThread(process.pid, [&priorities](const Thread& thread) {
         auto own = readPriority(thread.number);
         if (own && own != priorities.common)
             priorities.exceptions.push_back({thread.number, thread.start, std::move(*own)});
-    }
+        return true;
+    });
     return ProcessPriority{words(priorities)};
 }
 

@@ -19,8 +19,8 @@ constexpr int patienceMilliseconds = 1000;
 
 /// $1 is the journal, $2 the program that undoes slowing. Everything but that program is built into the shell.
 ///
-/// The name of a process can hold brackets and line breaks; behind its last bracket stand the state, which is field 3 of
-/// the kernel's, and the start, which is field 22.
+/// The name of a process can hold brackets and line breaks; behind its last bracket stand the state, which is field 3
+/// of the kernel's, and the start, which is field 22.
 constexpr const char* script = R"(trap '' HUP INT QUIT TERM PIPE USR1 USR2
 while read -r word; do :; done
 [ -f "$1" ] || exit 0

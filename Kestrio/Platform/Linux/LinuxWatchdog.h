@@ -1,7 +1,7 @@
 // The watchdog of this host: a shell that waits at the end of a pipe whose other end only this process holds. Whatever
-// ends this process closes that, and wakes the shell at once; nothing polls. The shell itself continues what the journal
-// says was stopped, for which it needs nothing but itself and `/proc`, and hands what was slowed to a program of ours:
-// the host's tools would take a process for each thread and each of three properties, and know no comparing.
+// ends this process closes that, and wakes the shell at once; nothing polls. The shell itself continues what the
+// journal says was stopped, for which it needs nothing but itself and `/proc`, and hands what was slowed to a program
+// of ours: the host's tools would take a process for each thread and each of three properties, and know no comparing.
 //
 // Belongs to the optimizer's queue. The shell is in a session of its own, and deaf to what ends programs in an orderly
 // way: a signal to all of us must not take it along before its work is done.

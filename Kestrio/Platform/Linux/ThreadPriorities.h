@@ -1,8 +1,9 @@
 // How the threads of a process stood before it was slowed, and the words that keep it: text that lies in a file while
 // the process is slow, and may come back cut short, or from a later version. Pure functions; any thread.
 //
-// The words, separated by blanks: `since=TICKS`, `to=CORES`, then CORES/POLICY/IO for every thread, and TID@TICKS/CORES/POLICY/IO
-// for each that stood otherwise. Ticks are since the start of the machine. Others are for later versions and passed over.
+// The words, separated by blanks: `since=TICKS`, `to=CORES`, then CORES/POLICY/IO for every thread, and
+// TID@TICKS/CORES/POLICY/IO for each that stood otherwise. Ticks are since the start of the machine. Others are for
+// later versions and passed over.
 #pragma once
 
 #include <cstdint>

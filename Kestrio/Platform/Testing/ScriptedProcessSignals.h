@@ -4,7 +4,7 @@
 
 #include "Kestrio/Platform/ProcessSignals.h"
 
-#include <algorithm>
+#include <charconv>
 #include <fmt/format.h>
 #include <functional>
 #include <map>
@@ -90,10 +90,10 @@ public:
 
     std::vector<ProcessKey> heirs(const ProcessPriority& before) override {
         std::vector<ProcessKey> found;
-        const auto blank = before.words.rfind(' ');
-        if (blank == std::string::npos)
+        const auto moment = before.words.substr(before.words.rfind(' ') + 1);
+        std::uint64_t since = 0;
+        if (std::from_chars(moment.data(), moment.data() + moment.size(), since).ec != std::errc())
             return found;
-        const auto since = std::stoull(before.words.substr(blank + 1));
         for (const auto& [pid, process] : processes)
             if (process.priority == "slow" && process.born >= since)
                 found.push_back({pid, process.start});

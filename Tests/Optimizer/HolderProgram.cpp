@@ -1,0 +1,108 @@
+// Holds processes as the optimizer does, for tests that murder it:
+//     HolderProgram JOURNALS NOTES RESCUE STEP PROCESS...
+// It slows and freezes the processes, then resumes and restores them, and stands still for ever before the given step:
+// "start", "slow 2" (before the second is slowed), "stop 3", "held", "resume 1", "restore 1" or "end". With "loop" it
+// never stands still, with "leave" it ends by itself while holding everything. In NOTES it writes the number of its
+// watchdog and, when it stands still, a file "there".
+#include "Kestrio/Optimizer/ProcessControl.h"
+#include "Kestrio/Optimizer/SafetyNet.h"
+#include "Kestrio/Platform/Linux/LinuxProcessSignals.h"
+#include "Kestrio/Platform/Linux/LinuxProcessTable.h"
+#include "Kestrio/Platform/Linux/LinuxWatchdog.h"
+
+#include <cstdlib>
+#include <fmt/format.h>
+#include <fstream>
+#include <map>
+#include <sys/prctl.h>
+#include <unistd.h>
+
+namespace kestrio {
+namespace {
+
+namespace fs = std::filesystem;
+
+class Steps {
+public:
+    Steps(std::string wanted, fs::path notes) : wanted_(std::move(wanted)), notes_(std::move(notes)) {}
+
+    bool isWanted(const std::string& step) const { return step == wanted_; }
+
+    void reach(const std::string& step) const {
+        if (!isWanted(step))
+            return;
+        std::ofstream(notes_ / "there") << step;
+        for (;;)
+            pause();
+    }
+
+    void reachNext(const std::string& kind) { reach(fmt::format("{} {}", kind, ++counts_[kind])); }
+
+private:
+    const std::string wanted_;
+    const fs::path notes_;
+    std::map<std::string, int> counts_;
+};
+
+/// Passes everything on, and lets the test stop it before each deed.
+class SteppedSignals final : public ProcessSignals {
+public:
+    SteppedSignals(ProcessSignals& real, Steps& steps) : real_(real), steps_(steps) {}
+
+    ProcessCondition condition(ProcessKey key) override { return real_.condition(key); }
+    bool stop(ProcessKey key) override { return steps_.reachNext("stop"), real_.stop(key); }
+    bool resume(ProcessKey key) override { return steps_.reachNext("resume"), real_.resume(key); }
+    std::optional<ProcessPriority> priority(ProcessKey key) override { return real_.priority(key); }
+    bool slow(ProcessKey key) override { return steps_.reachNext("slow"), real_.slow(key); }
+    bool restore(ProcessKey key, const ProcessPriority& before) override {
+        return steps_.reachNext("restore"), real_.restore(key, before);
+    }
+    std::vector<ProcessKey> heirs(const ProcessPriority& before) override { return real_.heirs(before); }
+
+private:
+    ProcessSignals& real_;
+    Steps& steps_;
+};
+
+int hold(const std::vector<std::string>& arguments) {
+    const fs::path notes = arguments[1];
+    Steps steps(arguments[3], notes);
+    LinuxProcessTable table({}, nullptr);
+    LinuxProcessSignals real({});
+    SteppedSignals signals(real, steps);
+    LinuxWatchdog watchdog({.rescue = arguments[2]});
+    SafetyNet net({arguments[0], {getpid(), table.counters(getpid()).value().start}}, signals, watchdog);
+    ProcessControl control(table, signals, net);
+    std::vector<ProcessKey> keys;
+    for (std::size_t i = 4; i < arguments.size(); ++i) {
+        const pid_t pid = std::atoi(arguments[i].c_str());
+        keys.push_back({pid, table.counters(pid).value().start});
+    }
+    net.startWatcher();
+    std::ofstream(notes / "number") << watchdog.process();
+    fs::rename(notes / "number", notes / "watchdog"); // never half written
+    steps.reach("start");
+    do {
+        const auto slowed = control.slow(keys);
+        net.record({}, slowed);
+        const auto frozen = control.freeze(keys);
+        net.record(frozen, slowed);
+        steps.reach("held");
+        if (steps.isWanted("leave"))
+            return EXIT_SUCCESS;
+        control.resume(frozen);
+        control.restore(slowed);
+        net.record({}, {});
+    } while (steps.isWanted("loop"));
+    steps.reach("end");
+    return EXIT_SUCCESS;
+}
+
+} // namespace
+} // namespace kestrio
+
+int main(int argc, char** argv) {
+    if (argc < 6)
+        return EXIT_FAILURE;
+    return kestrio::hold({argv + 1, argv + argc});
+}
