@@ -198,19 +198,13 @@ void Optimizer::listen() {
 
 void Optimizer::heard(WorkspaceNotice notice) {
     switch (notice) {
-    case WorkspaceNotice::activated: frontChanged(); break;
+    case WorkspaceNotice::activated:
+        if (const auto application = frontmost())
+            activated(*application);
+        break;
     case WorkspaceNotice::launched: break;
     case WorkspaceNotice::terminated: forgetEnded(); break;
     }
-}
-
-void Optimizer::frontChanged() {
-    const auto left = front_;
-    const auto application = frontmost();
-    if (left && left != front_)
-        lastActive_[*left] = host_.clock.now();
-    if (application)
-        activated(*application);
 }
 
 void Optimizer::forgetEnded() {
@@ -327,9 +321,13 @@ Seconds Optimizer::idle(const Candidate& candidate, Date now) const {
     return candidate.launched ? now - *candidate.launched : Seconds(0);
 }
 
+/// Absent too for an application in front that has no identifier. Whichever look first sees that the person left an
+/// application, a notice's, the watch's or a pass's, begins its idle time.
 std::optional<RunningApplication> Optimizer::frontmost() {
     auto application = host_.workspace.frontmostApplication();
-    front_ = application ? application->bundleIdentifier : std::nullopt;
+    const auto left = std::exchange(front_, application ? application->bundleIdentifier : std::nullopt);
+    if (left && left != front_)
+        lastActive_[*left] = host_.clock.now();
     if (!front_)
         return std::nullopt;
     hasSeenFront_ = true;

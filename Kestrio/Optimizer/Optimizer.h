@@ -147,7 +147,6 @@ private:
     void end();
     void listen();
     void heard(WorkspaceNotice notice);
-    void frontChanged();
     void forgetEnded();
     void watchFront();
     void activated(const RunningApplication& application);

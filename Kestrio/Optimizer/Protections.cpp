@@ -38,7 +38,7 @@ const AppIDs& builtInEssentials() {
     return essentials;
 }
 
-std::optional<Protection> protectionOf(std::string_view appID, std::optional<Date> launched,
+std::optional<Protection> protectionOf(const std::string& appID, std::optional<Date> launched,
                                        const ProtectionFacts& facts) {
     if (facts.front && *facts.front == appID)
         return Protection::frontmost;

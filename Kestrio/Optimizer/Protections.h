@@ -9,7 +9,6 @@
 #include <optional>
 #include <set>
 #include <string>
-#include <string_view>
 
 namespace kestrio {
 
@@ -17,10 +16,10 @@ using AppIDs = std::set<std::string, std::less<>>;
 
 /// Which applications use sound and screen, by their bundle identifiers.
 struct MediaUse {
-    AppIDs recording;        // take sound in
-    AppIDs playing;          // can be heard
-    AppIDs keepDisplayAwake; // hold a display assertion, or are watched alongside
-    AppIDs keepAwake;        // hold an assertion that keeps the machine from sleeping
+    std::set<std::string> recording;        // take sound in
+    std::set<std::string> playing;          // can be heard
+    std::set<std::string> keepDisplayAwake; // hold a display assertion, or are watched alongside
+    std::set<std::string> keepAwake;        // hold an assertion that keeps the machine from sleeping
 };
 
 /// The assertions that keep the machine, as opposed to its display, from sleeping.
@@ -43,7 +42,7 @@ struct ProtectionFacts {
 };
 
 /// The first reason that holds; absent when none does.
-std::optional<tindra::Protection> protectionOf(std::string_view appID, std::optional<Date> launched,
+std::optional<tindra::Protection> protectionOf(const std::string& appID, std::optional<Date> launched,
                                                const ProtectionFacts& facts);
 
 } // namespace kestrio

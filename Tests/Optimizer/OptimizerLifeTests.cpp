@@ -214,6 +214,16 @@ TEST(OptimizerLife, leavingAnApplicationIsTheBeginningOfItsIdleTime) {
     EXPECT_EQ(bench.optimizer->lastActive(Bench::mail), Bench::origin + Seconds(50));
 }
 
+TEST(OptimizerLife, leavingAnApplicationWithoutANoticeIsSeenByTheNextPass) {
+    Bench bench;
+    bench.begin();
+    bench.machine.front = Bench::chatPID;
+    bench.tickAfter(5);
+    bench.machine.front = Bench::mailPID;
+    bench.tickAfter(5);
+    EXPECT_EQ(bench.optimizer->lastActive(Bench::chat), Bench::origin + Seconds(10));
+}
+
 TEST(OptimizerLife, activatingAnotherProcessOfTheApplicationLeavesTheHeldOneToTheNextPass) {
     Bench bench;
     bench.beginFrozen();

@@ -55,7 +55,7 @@ private:
             return std::nullopt;
         return machine().applications[static_cast<std::size_t>(number(0, count - 1))].pid;
     }
-    void toggle(AppIDs& set) {
+    void toggle(std::set<std::string>& set) {
         const auto& id = anyIdentifier();
         if (set.erase(id) == 0)
             set.insert(id);
