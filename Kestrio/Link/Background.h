@@ -36,6 +36,15 @@ nlohmann::ordered_json toJSON(const AgentStatus& status);
 /// Absent when a field is missing or of another type: the agent is of another version.
 std::optional<AgentStatus> agentStatusFromJSON(const nlohmann::ordered_json& json);
 
+/// How a running browser is read.
+struct BrowserReading {
+    std::string bundleIdentifier;
+    bool isConnected = false;  // its extension is
+    bool isAccessible = false; // the tree of its pages could be read when it was last in front
+
+    friend bool operator==(const BrowserReading&, const BrowserReading&) = default;
+};
+
 class Background {
 public:
     static constexpr Seconds callDeadline{5.0};
@@ -60,6 +69,10 @@ public:
 
     /// `receiver` is called whenever stored sessions changed other than by recording, until the token is dropped.
     virtual Subscription observeData(std::function<void()> receiver) = 0;
+
+    /// By bundle identifier, the browsers that tell of themselves in one way at least. Absent when the agent does not
+    /// answer.
+    virtual std::optional<std::vector<BrowserReading>> browsers() = 0;
 
     /// `receiver` hears of every published change, within two seconds of it, until the token is dropped or the agent
     /// ends.

@@ -156,6 +156,19 @@ bool BackgroundClient::serve(Seconds patience) {
     }
 }
 
+std::optional<std::vector<BrowserReading>> BackgroundClient::browsers() {
+    try {
+        std::vector<sdbus::Struct<std::string, bool, bool>> onBus;
+        proxy_->callMethod("Browsers").onInterface(busNames::interface).withTimeout(deadline()).storeResultsTo(onBus);
+        std::vector<BrowserReading> browsers;
+        for (const auto& browser : onBus)
+            browsers.push_back({std::get<0>(browser), std::get<1>(browser), std::get<2>(browser)});
+        return browsers;
+    } catch (const sdbus::Error&) {
+        return std::nullopt;
+    }
+}
+
 Subscription BackgroundClient::observe(std::function<void(const AgentStatus&)> receiver) {
     *receiver_ = std::move(receiver);
     if (call("Watch"))

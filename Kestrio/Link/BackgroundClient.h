@@ -27,6 +27,7 @@ public:
     Failure openDashboard() override;
     Subscription importFiles(std::vector<SessionFile> files, ImportReceiver receiver) override;
     Subscription observeData(std::function<void()> receiver) override;
+    std::optional<std::vector<BrowserReading>> browsers() override;
     Subscription observe(std::function<void(const AgentStatus&)> receiver) override;
 
     /// Delivers changes on the calling thread until the agent ends (true) or the bus does (false).

@@ -99,6 +99,15 @@ void BackgroundService::registerObject(sdbus::IConnection& connection) {
     object_->registerMethod("OpenDashboard").onInterface(interface).implementedAs([this] {
         require(background_.openDashboard());
     });
+    object_->registerMethod("Browsers")
+        .onInterface(interface)
+        .withOutputParamNames("browsers") // each the bundle identifier, whether it is connected, whether accessible
+        .implementedAs([this] {
+            std::vector<sdbus::Struct<std::string, bool, bool>> onBus;
+            for (const auto& browser : background_.browsers().value_or(std::vector<BrowserReading>()))
+                onBus.emplace_back(browser.bundleIdentifier, browser.isConnected, browser.isAccessible);
+            return onBus;
+        });
     object_->registerMethod("Status").onInterface(interface).withOutputParamNames("json").implementedAs([this] {
         const auto status = background_.status();
         return status ? text(*status) : std::string();

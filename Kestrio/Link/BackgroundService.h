@@ -2,6 +2,7 @@
 //
 //   Pause(d seconds)      pauses for so long         PauseIndefinitely()   until somebody resumes
 //   Resume()              goes on recording          OpenDashboard()
+//   Browsers() -> as      the browsers whose extension is connected, as bundle identifiers
 //   Status() -> s         everything that lives in memory, as JSON
 //   Import(a(sh) files) -> s      brings the sessions of exported files into the database, each a name for messages and
 //                         a descriptor open for reading. Answers at the end, which may be minutes away, with the counts

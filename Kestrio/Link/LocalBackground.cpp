@@ -2,11 +2,13 @@
 
 namespace kestrio {
 
-LocalBackground::LocalBackground(AppModel& model, Facts facts, OpenDashboard openDashboard, ImportFiles importFiles)
+LocalBackground::LocalBackground(AppModel& model, Facts facts, OpenDashboard openDashboard, ImportFiles importFiles,
+                                 Browsers browsers)
     : model_(model),
       facts_(std::move(facts)),
       openDashboard_(std::move(openDashboard)),
-      importFiles_(std::move(importFiles)) {
+      importFiles_(std::move(importFiles)),
+      browsers_(std::move(browsers)) {
     const auto soon = [this](const auto&) { tellSoon(); };
     tokens_.push_back(model_.live().observe(soon));
     tokens_.push_back(model_.liveAlongside().observe(soon));
@@ -69,6 +71,10 @@ Subscription LocalBackground::importFiles(std::vector<SessionFile> files, Import
 
 Subscription LocalBackground::observeData(std::function<void()> receiver) {
     return activityDataDidChange_.subscribe(std::move(receiver));
+}
+
+std::optional<std::vector<BrowserReading>> LocalBackground::browsers() {
+    return browsers_ ? browsers_() : std::vector<BrowserReading>();
 }
 
 Subscription LocalBackground::observe(std::function<void(const AgentStatus&)> receiver) {

@@ -23,8 +23,12 @@ public:
     /// Brings files into the database, as `Background::importFiles` says.
     using ImportFiles = std::function<Subscription(std::vector<SessionFile>, ImportReceiver)>;
 
+    /// The browsers that are read, as `Background::browsers` tells them.
+    using Browsers = std::function<std::vector<BrowserReading>()>;
+
     /// The model must outlive this.
-    LocalBackground(AppModel& model, Facts facts, OpenDashboard openDashboard, ImportFiles importFiles = {});
+    LocalBackground(AppModel& model, Facts facts, OpenDashboard openDashboard, ImportFiles importFiles = {},
+                    Browsers browsers = {});
 
     std::optional<AgentStatus> status() override;
     Failure pause(std::optional<Seconds> length) override;
@@ -32,6 +36,7 @@ public:
     Failure openDashboard() override;
     Subscription importFiles(std::vector<SessionFile> files, ImportReceiver receiver) override;
     Subscription observeData(std::function<void()> receiver) override;
+    std::optional<std::vector<BrowserReading>> browsers() override;
     Subscription observe(std::function<void(const AgentStatus&)> receiver) override;
 
     /// Runs work on the queue after what runs now.
@@ -47,6 +52,7 @@ private:
     const Facts facts_;
     const OpenDashboard openDashboard_;
     const ImportFiles importFiles_;
+    const Browsers browsers_; // empty: nobody reads them
     Signal<AgentStatus> changed_;
     Signal<> stateChanged_;
     Signal<> activityDataDidChange_;

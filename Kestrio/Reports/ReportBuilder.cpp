@@ -1,7 +1,5 @@
 #include "Kestrio/Reports/ReportBuilder.h"
 
-#include "Kestrio/Base/Text.h"
-#include "Kestrio/Classification/TextTools.h"
 #include "Kestrio/Reports/BucketSums.h"
 #include "Kestrio/Reports/ItemTally.h"
 #include "Kestrio/Reports/Timeline.h"

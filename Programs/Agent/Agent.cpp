@@ -1,6 +1,5 @@
 #include "Programs/Agent/Agent.h"
 
-#include "Kestrio/Activity/BrowserInspector.h"
 #include "Kestrio/Activity/Database.h"
 #include "Kestrio/Base/Log.h"
 #include "Kestrio/Base/Mistake.h"
@@ -19,8 +18,11 @@
 #include "Kestrio/Shell/AppModel.h"
 #include "Kestrio/Shell/Launch.h"
 #include "Kestrio/Shell/Settings.h"
+#include "Programs/Agent/BrowserTabs.h"
+#include "Programs/Agent/HostBrowsers.h"
 #include "Programs/Agent/HostClassification.h"
 #include "Programs/Agent/HostDesktop.h"
+#include "Programs/Agent/HostMedia.h"
 
 #include <csignal>
 #include <cstdio>
@@ -86,6 +88,7 @@ public:
         if (!openDatabase())
             return 1;
         import_.emplace(*database_, main_);
+        browserTabs_.emplace(clock_, tabSocketPath(locations_));
         connectReaders();
         monitor_.emplace(ActivityMonitor::Host{clock_, monitorQueue_, desktop_->workspace, desktop_->windowTitles,
                                                desktop_->inputIdle, desktop_->sessionEvents, settings_},
@@ -96,7 +99,8 @@ public:
         background_.emplace(
             *model_, LocalBackground::Facts{AppInfo::version(), getpid(), dataFolder_.string(), clock_.now()},
             [this] { return openDashboard(); },
-            [this](auto files, auto receiver) { return importFiles(std::move(files), std::move(receiver)); });
+            [this](auto files, auto receiver) { return importFiles(std::move(files), std::move(receiver)); },
+            [this] { return browsers_->readings(); });
         if (!offerOnBus())
             return 0;
         const auto signals = signals_.observe(main_, [this] { endBySignal(); });
@@ -116,7 +120,11 @@ public:
         background_.reset();
         model_.reset();
         monitor_.reset();
-        monitorQueue_.sync([this] { desktop_.reset(); });
+        monitorQueue_.sync([this] {
+            media_.reset();
+            browsers_.reset();
+            desktop_.reset();
+        });
     }
     Agent(const Agent&) = delete;
     Agent& operator=(const Agent&) = delete;
@@ -167,13 +175,21 @@ private:
     }
 
     void connectReaders() {
-        monitorQueue_.sync(
-            [this] { desktop_ = std::make_unique<HostDesktop>(monitorQueue_, clock_, processEnvironment); });
+        monitorQueue_.sync([this] {
+            desktop_ = std::make_unique<HostDesktop>(monitorQueue_, clock_, processEnvironment);
+            browsers_ = std::make_unique<HostBrowsers>(monitorQueue_, clock_, *desktop_, browserTabs_->board(),
+                                                       processEnvironment);
+            media_ = std::make_unique<HostMedia>(monitorQueue_, clock_, *desktop_, browsers_->inspector);
+        });
     }
 
     /// What the other concerns contribute to a sample.
-    static ActivityMonitor::Collaborators collaborators() {
+    ActivityMonitor::Collaborators collaborators() {
         ActivityMonitor::Collaborators all;
+        all.activeTab = [this](const std::string& bundleID) { return browsers_->activeTab(bundleID); };
+        all.alongside = [this](const auto& frontmost, bool allowWatching) {
+            return media_->alongside.evidence(frontmost, allowWatching);
+        };
         all.isBrowser = BrowserInspector::isBrowser;
         all.stripBrowserName = BrowserInspector::stripBrowserName;
         all.cleanTitle = [](const std::string& title) { return TitleCleaner::clean(title); };
@@ -258,7 +274,11 @@ private:
     WorkerQueue databaseQueue_{"Kestrio.database"};
     std::optional<Database> database_;
     WorkerQueue monitorQueue_{"Kestrio.monitor"};
-    std::unique_ptr<HostDesktop> desktop_; // on the monitor queue
+    std::optional<BrowserTabs> browserTabs_;
+    // On the monitor queue; each uses those before it.
+    std::unique_ptr<HostDesktop> desktop_;
+    std::unique_ptr<HostBrowsers> browsers_;
+    std::unique_ptr<HostMedia> media_;
     std::optional<BackgroundImport> import_;
     std::optional<ActivityMonitor> monitor_;
     std::optional<AutostartLoginItem> loginItem_;

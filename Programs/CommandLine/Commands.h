@@ -25,5 +25,9 @@ int getSetting(const std::string& key);
 int setSetting(const std::string& key, const std::string& value);
 int resetSetting(const std::string& key);
 int doctor(bool json);
+int browsers(bool json);
+/// Lets every installed browser start `kestrio-tabs` for the extension, or none any more.
+int installNativeHosts();
+int removeNativeHosts();
 
 } // namespace kestrio

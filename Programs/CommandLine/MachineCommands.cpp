@@ -68,7 +68,7 @@ int topOnce(TopOrder order, bool json) {
     if (json)
         printJSON(toJSON(reading, order));
     else
-        print(topTable(reading, order, outputStyle()));
+        print(topTable(reading, order, Calendar::current(), outputStyle()));
     return done;
 }
 
@@ -96,7 +96,7 @@ private:
         style.width = size.columns;
         const auto room = size.rows > 2 ? size.rows - 2 : 1;
         const Painter paint(style.hasColour);
-        return screen_.show(topTable(reading_, order_, style, room) + "\n  " +
+        return screen_.show(topTable(reading_, order_, calendar_, style, room) + "\n  " +
                             paint.dim("100% is one core   c by CPU   m by memory   q quits"));
     }
 
@@ -114,6 +114,7 @@ private:
     void handle(LiveScreen::TimePassed) {}
 
     const SystemClock clock_;
+    const Calendar calendar_ = Calendar::current();
     TopSampler sampler_;
     TopReading reading_ = sampler_.sample();
     TopOrder order_;
@@ -191,7 +192,7 @@ int machine(bool json) {
     if (json)
         printJSON(toJSON(reading));
     else
-        print(machineText(reading, outputStyle()));
+        print(machineText(reading, Calendar::current(), outputStyle()));
     return done;
 }
 
@@ -211,7 +212,7 @@ int diskTest(bool json) {
     if (json)
         printJSON(nlohmann::ordered_json::parse(SSDSpeedTest::encoded(*result)));
     else
-        print(fmt::format("  The drive {}.\n", testText(*result)));
+        print(fmt::format("  The drive {}.\n", testText(*result, Calendar::current())));
     return done;
 }
 

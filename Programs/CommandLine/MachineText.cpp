@@ -1,5 +1,6 @@
 #include "Programs/CommandLine/MachineText.h"
 
+#include "Kestrio/Base/Formatters.h"
 #include "Kestrio/Base/Text.h"
 #include "Kestrio/Resources/KernelStats.h"
 #include "Programs/CommandLine/TableParts.h"
@@ -33,10 +34,6 @@ constexpr auto memoryParts = std::to_array<MemoryPart>({
     {"free", &KernelStats::MemoryBreakdown::free},
 });
 
-std::string speedText(double bytesPerSecond) {
-    return dataText(bytesPerSecond) + "/s";
-}
-
 std::string coresText(const MachineReading& reading) {
     const auto count = reading.efficiencyCores + reading.performanceCores;
     auto text = fmt::format("{} {}", count, count == 1 ? "core" : "cores");
@@ -47,7 +44,8 @@ std::string coresText(const MachineReading& reading) {
 
 class Lines {
 public:
-    explicit Lines(const TableStyle& style) : paint_(style.hasColour), width_(std::max<std::size_t>(style.width, 40)) {}
+    Lines(const Calendar& calendar, const TableStyle& style)
+        : calendar_(calendar), paint_(style.hasColour), width_(std::max<std::size_t>(style.width, 40)) {}
 
     std::string text(const MachineReading& reading) {
         addLine("Processor", reading.chip.empty() ? "does not tell its name" : reading.chip);
@@ -58,13 +56,14 @@ public:
             addMemory(*reading.memory);
         addPressure(reading.pressure);
         if (reading.swap)
-            addLine("Swap", reading.swap->total == 0 ? "none"
-                                                     : fmt::format("{} of {} used", memoryText(reading.swap->used),
-                                                                   memoryText(reading.swap->total)));
+            addLine("Swap", reading.swap->total == 0
+                                ? "none"
+                                : fmt::format("{} of {} used", Fmt::memory(reading.swap->used, calendar_),
+                                              Fmt::memory(reading.swap->total, calendar_)));
         if (reading.drives)
             addDrives(*reading.drives);
         if (reading.test)
-            addLine("Drive test", testText(*reading.test));
+            addLine("Drive test", testText(*reading.test, calendar_));
         if (reading.traffic)
             addTraffic(*reading.traffic, reading.topSpeed);
         addAbsences(reading.absences);
@@ -91,7 +90,7 @@ private:
 
     void addMemory(const MemoryStatistics& statistics) {
         const auto memory = KernelStats::breakdown(statistics, statistics.total);
-        addLine("Memory", memoryText(statistics.total));
+        addLine("Memory", Fmt::memory(statistics.total, calendar_));
         const auto barColumns = std::min(mostBarColumns, width_ - nameColumns - 4);
         std::string strip;
         std::size_t drawn = 0;
@@ -107,7 +106,7 @@ private:
         for (std::size_t i = 0; i < memoryParts.size(); ++i) {
             const bool isFree = i + 1 == memoryParts.size();
             addPainted("", fmt::format("{} {:<13}{:>9}", isFree ? paint_.dim("░") : paint_.shade(i, "█"),
-                                       memoryParts[i].name, memoryText(memory.*memoryParts[i].bytes)));
+                                       memoryParts[i].name, Fmt::memory(memory.*memoryParts[i].bytes, calendar_)));
         }
     }
 
@@ -128,20 +127,21 @@ private:
     }
 
     void addDrives(const SSDTraffic& drives) {
-        auto text = fmt::format("reading {}, writing {}, {:.0f} requests/s", speedText(drives.read),
-                                speedText(drives.write), drives.requestsPerSecond);
+        auto text = fmt::format("reading {}, writing {}, {:.0f} requests/s", Fmt::speed(drives.read, calendar_),
+                                Fmt::speed(drives.write, calendar_), drives.requestsPerSecond);
         if (drives.wait)
             text += fmt::format(", {:.1f} ms each", *drives.wait * 1000);
         addLine("Drives", text);
     }
 
     void addTraffic(const RAMTraffic& traffic, std::optional<double> topSpeed) {
-        auto text = fmt::format("reading {}, writing {}", speedText(traffic.read), speedText(traffic.write));
+        auto text = fmt::format("reading {}, writing {}", Fmt::speed(traffic.read, calendar_),
+                                Fmt::speed(traffic.write, calendar_));
         if (topSpeed)
-            text += fmt::format(", {} at most", speedText(*topSpeed));
+            text += fmt::format(", {} at most", Fmt::speed(*topSpeed, calendar_));
         addLine("RAM traffic", text);
         for (const auto& client : traffic.clients)
-            addLine("", fmt::format("{}: {}", client.name, speedText(client.bytesPerSecond)));
+            addLine("", fmt::format("{}: {}", client.name, Fmt::speed(client.bytesPerSecond, calendar_)));
     }
 
     void addAbsences(const std::vector<MachineReading::Absence>& absences) {
@@ -156,6 +156,7 @@ private:
                                  text::fittedToColumns(absence.why, width_ - std::min(width_, columns + 6)));
     }
 
+    const Calendar& calendar_;
     const Painter paint_;
     const std::size_t width_;
     std::string text_;
@@ -186,13 +187,13 @@ JSON trafficJSON(const RAMTraffic& traffic) {
 
 } // namespace
 
-std::string testText(const SSDSpeedTest::Result& result) {
-    return fmt::format("reads {}, writes {}", speedText(result.readBytesPerSecond),
-                       speedText(result.writeBytesPerSecond));
+std::string testText(const SSDSpeedTest::Result& result, const Calendar& calendar) {
+    return fmt::format("reads {}, writes {}", Fmt::speed(result.readBytesPerSecond, calendar),
+                       Fmt::speed(result.writeBytesPerSecond, calendar));
 }
 
-std::string machineText(const MachineReading& reading, const TableStyle& style) {
-    return Lines(style).text(reading);
+std::string machineText(const MachineReading& reading, const Calendar& calendar, const TableStyle& style) {
+    return Lines(calendar, style).text(reading);
 }
 
 JSON toJSON(const MachineReading& reading) {

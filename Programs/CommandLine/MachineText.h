@@ -39,10 +39,10 @@ struct MachineReading {
     std::vector<Absence> absences = {};
 };
 
-/// Ends with a line feed.
-std::string machineText(const MachineReading& reading, const TableStyle& style);
+/// Ends with a line feed. Sizes are in the words of the calendar's locale.
+std::string machineText(const MachineReading& reading, const Calendar& calendar, const TableStyle& style);
 nlohmann::ordered_json toJSON(const MachineReading& reading);
 
-std::string testText(const SSDSpeedTest::Result& result);
+std::string testText(const SSDSpeedTest::Result& result, const Calendar& calendar);
 
 } // namespace kestrio

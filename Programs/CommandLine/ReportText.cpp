@@ -2,11 +2,13 @@
 
 #include "Kestrio/Base/Formatters.h"
 #include "Kestrio/Base/Text.h"
+#include "Kestrio/Reports/IntervalWalk.h"
 #include "Programs/CommandLine/ReportChart.h"
 #include "Programs/CommandLine/TableParts.h"
 
 #include <algorithm>
 #include <fmt/format.h>
+#include <map>
 
 namespace kestrio {
 namespace {
@@ -77,6 +79,8 @@ public:
 
 private:
     void addHeading(const ReportHeading& heading) {
+        if (heading.subtitle.find(heading.title) != std::string::npos) // says the same and more
+            return line(paint_.bold(fitted(heading.subtitle, width_ - 2)));
         const auto title = fitted(heading.title, width_ - 2);
         const auto used = 2 + text::columns(title) + 3;
         const auto subtitle = width_ > used ? fitted(heading.subtitle, width_ - used) : "";
@@ -210,25 +214,29 @@ private:
     }
 
     void addTimeline() {
-        DateInterval day{};
+        const auto active = activePerDay();
+        IntervalWalk days(calendar_, Granularity::day);
+        std::optional<Date> shown;
         for (const auto& block : report_.blocks) {
-            if (!day.contains(block.start)) {
-                day = calendar_.day(block.start);
+            const auto day = days.around(block.start).start;
+            if (shown != day) {
+                shown = day;
                 text_ += '\n';
-                line(paint_.bold(Fmt::relativeDay(block.start, now_, calendar_)) + "  " + paint_.dim(activeOn(day)));
+                line(paint_.bold(Fmt::relativeDay(block.start, now_, calendar_)) + "  " +
+                     paint_.dim(Fmt::duration(active.at(day))));
                 text_ += '\n';
             }
             addBlock(block);
         }
     }
 
-    /// The active time of the blocks that begin on the day.
-    std::string activeOn(DateInterval day) const {
-        Seconds total{};
+    /// The active time of the blocks that begin on each day; zero for days with blocks alongside alone.
+    std::map<Date, Seconds> activePerDay() const {
+        std::map<Date, Seconds> active;
+        IntervalWalk days(calendar_, Granularity::day);
         for (const auto& block : report_.blocks)
-            if (block.kind == SessionKind::focus && day.contains(block.start))
-                total += block.active;
-        return Fmt::duration(total);
+            active[days.around(block.start).start] += block.kind == SessionKind::focus ? block.active : Seconds(0);
+        return active;
     }
 
     void addBlock(const TimelineBlock& block) {

@@ -27,18 +27,6 @@ int terminalColour(SystemColor color) {
     return 245;
 }
 
-std::string sizeText(double bytes, double step) {
-    static constexpr std::array units{"B", "KB", "MB", "GB", "TB", "PB"};
-    std::size_t unit = 0;
-    // What would be shown as a whole step is one of the next unit.
-    while (std::round(bytes) >= step && unit + 1 < units.size()) {
-        bytes /= step;
-        ++unit;
-    }
-    const bool hasDecimal = unit > 0 && std::round(bytes * 10) < 100;
-    return fmt::format("{:.{}f} {}", bytes, hasDecimal ? 1 : 0, units[unit]);
-}
-
 } // namespace
 
 std::string Painter::shade(std::size_t index, const std::string& text) const {
@@ -75,14 +63,6 @@ std::string bar(double share, std::size_t columns) {
     for (long full = 0; full < units / 8; ++full)
         text += "█";
     return padded(text + eighths[static_cast<std::size_t>(units % 8)], columns);
-}
-
-std::string memoryText(std::uint64_t bytes) {
-    return sizeText(static_cast<double>(bytes), 1024);
-}
-
-std::string dataText(double bytes) {
-    return sizeText(bytes, 1000);
 }
 
 } // namespace kestrio

@@ -1,10 +1,9 @@
-// What texts and tables for a terminal are put together from: columns, bars, colours, counts, sizes. Pure functions.
+// What texts and tables for a terminal are put together from: columns, bars, colours, counts. Pure functions.
 #pragma once
 
 #include "Kestrio/Model/Models.h"
 
 #include <cstddef>
-#include <cstdint>
 #include <string>
 
 namespace kestrio {
@@ -37,11 +36,5 @@ std::string counted(std::size_t count, const std::string& noun);
 
 /// A bar of so many columns, drawn in eighths of one. Any share above 0 shows at least one eighth.
 std::string bar(double share, std::size_t columns);
-
-/// "0 B", "512 KB", "1.5 MB", "34 MB", "3.4 GB": memory, in steps of 1,024, with a decimal below ten.
-std::string memoryText(std::uint64_t bytes);
-
-/// The same in steps of 1,000, as drives and speeds are sold.
-std::string dataText(double bytes);
 
 } // namespace kestrio

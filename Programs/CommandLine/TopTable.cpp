@@ -1,5 +1,6 @@
 #include "Programs/CommandLine/TopTable.h"
 
+#include "Kestrio/Base/Formatters.h"
 #include "Kestrio/Base/Text.h"
 #include "Kestrio/Resources/KernelStats.h"
 #include "Programs/CommandLine/TableParts.h"
@@ -14,45 +15,59 @@ namespace {
 using JSON = nlohmann::ordered_json;
 
 constexpr std::size_t barColumns = 10;
-constexpr std::size_t valueColumns = 9;
+constexpr std::size_t valueColumns = 10;
 constexpr std::size_t leastNameColumns = 12;
 constexpr std::size_t mostNameColumns = 36;
+
+/// Slower than this is nothing that anybody looks for.
+constexpr double leastSpeed = 1'000; // bytes per second
+constexpr double leastWakeups = 0.5; // per second
+
+struct Cell {
+    const AppProcesses& app;
+    const TopReading& reading;
+    const Calendar& calendar;
+
+    /// "–" where there is no baseline to measure from.
+    template <class Text>
+    std::string perSecond(std::uint64_t increase, Text text) const {
+        if (!reading.scan.hasCPU || !(reading.interval > Seconds(0)))
+            return "–";
+        return text(static_cast<double>(increase) / reading.interval.count());
+    }
+    std::string speed(std::uint64_t bytes) const {
+        return perSecond(
+            bytes, [this](double rate) { return rate < leastSpeed ? std::string() : Fmt::speed(rate, calendar); });
+    }
+};
 
 /// A column behind the name. Narrow terminals show the first ones only.
 struct Column {
     const char* title;
-    std::string (*text)(const AppProcesses& app, const TopReading& reading);
+    std::string (*text)(const Cell& cell);
 };
-
-std::string rate(std::uint64_t bytes, const TopReading& reading) {
-    if (!reading.scan.hasCPU || !(reading.interval > Seconds(0)))
-        return "–";
-    return bytes == 0 ? "" : dataText(static_cast<double>(bytes) / reading.interval.count()) + "/s";
-}
 
 const Column columns[] = {
     {"CPU",
-     [](const AppProcesses& app, const TopReading& reading) {
-         return reading.scan.hasCPU ? fmt::format("{:.1f}%", app.cpuCores * 100) : "–";
-     }},
-    {"Memory", [](const AppProcesses& app, const TopReading&) { return memoryText(app.footprint); }},
-    {"Processes", [](const AppProcesses& app, const TopReading&) { return fmt::format("{}", app.processes.size()); }},
-    {"Read", [](const AppProcesses& app, const TopReading& reading) { return rate(app.diskRead, reading); }},
-    {"Written", [](const AppProcesses& app, const TopReading& reading) { return rate(app.diskWritten, reading); }},
+     [](const Cell& cell) { return cell.reading.scan.hasCPU ? fmt::format("{:.1f}%", cell.app.cpuCores * 100) : "–"; }},
+    {"Memory", [](const Cell& cell) { return Fmt::memory(cell.app.footprint, cell.calendar); }},
+    {"Processes", [](const Cell& cell) { return fmt::format("{}", cell.app.processes.size()); }},
+    {"Read", [](const Cell& cell) { return cell.speed(cell.app.diskRead); }},
+    {"Written", [](const Cell& cell) { return cell.speed(cell.app.diskWritten); }},
     {"Wake-ups",
-     [](const AppProcesses& app, const TopReading& reading) {
-         if (!reading.scan.hasCPU || !(reading.interval > Seconds(0)))
-             return std::string("–");
-         const auto perSecond = static_cast<double>(app.wakeups) / reading.interval.count();
-         return perSecond < 0.5 ? std::string() : fmt::format("{:.0f}/s", perSecond);
+     [](const Cell& cell) {
+         return cell.perSecond(cell.app.wakeups, [](double rate) {
+             return rate < leastWakeups ? std::string() : fmt::format("{:.0f}/s", rate);
+         });
      }},
 };
 
 class Table {
 public:
-    Table(const TopReading& reading, TopOrder order, const TableStyle& style)
+    Table(const TopReading& reading, TopOrder order, const Calendar& calendar, const TableStyle& style)
         : reading_(reading),
           order_(order),
+          calendar_(calendar),
           paint_(style.hasColour),
           width_(std::max<std::size_t>(style.width, 40)),
           apps_(ordered(reading.scan.apps, order)) {
@@ -86,11 +101,11 @@ private:
         std::string memory = "Memory –";
         if (reading_.memory) {
             const auto parts = KernelStats::breakdown(*reading_.memory, reading_.memory->total);
-            memory = fmt::format("Memory {} of {}", memoryText(parts.apps + parts.wired + parts.compressed),
-                                 memoryText(reading_.memory->total));
+            memory = fmt::format("Memory {} of {}", Fmt::memory(parts.apps + parts.wired + parts.compressed, calendar_),
+                                 Fmt::memory(reading_.memory->total, calendar_));
         }
         if (reading_.swap && reading_.swap->total > 0)
-            memory += fmt::format(", swap {}", memoryText(reading_.swap->used));
+            memory += fmt::format(", swap {}", Fmt::memory(reading_.swap->used, calendar_));
         const auto counts = fmt::format("{} applications, {} processes", apps_.size(), reading_.processCount);
         addFitted(cpu + "   " + memory + "   pressure " + std::string(rawValue(reading_.pressure)), true);
         addFitted(counts, false);
@@ -122,7 +137,7 @@ private:
         auto line = fmt::format("  {}  {}", app.bundleID ? paint_.bold(name) : name,
                                 paint_.shade(order_ == TopOrder::cpu ? 0 : 1, bar(share(app), barColumns)));
         for (std::size_t i = 0; i < columnCount_; ++i)
-            line += " " + paddedLeft(columns[i].text(app, reading_), valueColumns);
+            line += " " + paddedLeft(columns[i].text({app, reading_, calendar_}), valueColumns);
         line.erase(line.find_last_not_of(' ') + 1);
         text_ += line + "\n";
     }
@@ -137,6 +152,7 @@ private:
 
     const TopReading& reading_;
     const TopOrder order_;
+    const Calendar& calendar_;
     const Painter paint_;
     const std::size_t width_;
     const std::vector<AppProcesses> apps_;
@@ -200,9 +216,9 @@ std::vector<AppProcesses> ordered(std::vector<AppProcesses> apps, TopOrder order
     return apps;
 }
 
-std::string topTable(const TopReading& reading, TopOrder order, const TableStyle& style,
+std::string topTable(const TopReading& reading, TopOrder order, const Calendar& calendar, const TableStyle& style,
                      std::optional<std::size_t> rows) {
-    return Table(reading, order, style).text(rows);
+    return Table(reading, order, calendar, style).text(rows);
 }
 
 JSON toJSON(const TopReading& reading, TopOrder order) {

@@ -36,8 +36,9 @@ std::string_view rawValue(MemoryPressure pressure);
 /// Ordered by what was asked for, the greatest first; equal ones by name.
 std::vector<AppProcesses> ordered(std::vector<AppProcesses> apps, TopOrder order);
 
-/// `rows` bounds the lines, with one for what is left out; absent for all of them. Ends with a line feed.
-std::string topTable(const TopReading& reading, TopOrder order, const TableStyle& style,
+/// Sizes are in the words of the calendar's locale. `rows` bounds the lines, with one for what is left out; absent for
+/// all of them. Ends with a line feed.
+std::string topTable(const TopReading& reading, TopOrder order, const Calendar& calendar, const TableStyle& style,
                      std::optional<std::size_t> rows = {});
 
 nlohmann::ordered_json toJSON(const TopReading& reading, TopOrder order);

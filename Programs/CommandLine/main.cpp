@@ -168,6 +168,21 @@ int main(int argc, char** argv) {
         app, "doctor", "What each reader of the system answers, what is missing, and the remedy", result,
         [&] { return kestrio::doctor(json); }, withJSON);
 
+    bool install = false;
+    bool remove = false;
+    add(
+        app, "browsers", "Which browsers tell their tabs, and what is left to do", result,
+        [&] {
+            return install  ? kestrio::installNativeHosts()
+                   : remove ? kestrio::removeNativeHosts()
+                            : kestrio::browsers(json);
+        },
+        [&](CLI::App& command) {
+            withJSON(command);
+            auto* letThem = command.add_flag("--install", install, "Let browsers start kestrio-tabs for the extension");
+            command.add_flag("--remove", remove, "Let none of them do so any more")->excludes(letThem);
+        });
+
     kestrio::SessionsOptions range;
     add(
         app, "sessions", "What was recorded, today or in a range", result, [&] { return kestrio::sessions(range); },

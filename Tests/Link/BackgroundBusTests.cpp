@@ -79,6 +79,20 @@ TEST(BackgroundOnTheBus, everyMethodDoesItsWork) {
     EXPECT_EQ(agent.with([](LinkBench& bench) { return bench.dashboards; }), 2);
 }
 
+TEST(BackgroundOnTheBus, howBrowsersAreReadIsTold) {
+    const std::vector<BrowserReading> readings{{"org.chromium.Chromium", true, false},
+                                               {"org.mozilla.firefox", false, true}};
+    const PrivateBus bus;
+    TestAgent agent(bus.address());
+    const auto client = BackgroundClient::connect(bus.address());
+    ASSERT_TRUE(client);
+    EXPECT_EQ(client->browsers(), std::vector<BrowserReading>());
+    agent.with([&](LinkBench& bench) { bench.browsers = readings; });
+    EXPECT_EQ(client->browsers(), readings);
+    agent.end();
+    EXPECT_EQ(client->browsers(), std::nullopt);
+}
+
 TEST(BackgroundOnTheBus, aRefusedPauseSaysWhy) {
     const PrivateBus bus;
     TestAgent agent(bus.address());
@@ -241,7 +255,7 @@ public:
             object_->registerMethod("Status")
                 .onInterface(busNames::interface)
                 .implementedAs([this](sdbus::Result<std::string>&& result) { texts_.push_back(std::move(result)); });
-        for (const char* name : {"Watch", "Resume", "PauseIndefinitely", "OpenDashboard"})
+        for (const char* name : {"Watch", "Resume", "PauseIndefinitely", "OpenDashboard", "Browsers"})
             object_->registerMethod(name)
                 .onInterface(busNames::interface)
                 .implementedAs([this](sdbus::Result<>&& result) { unanswered_.push_back(std::move(result)); });
@@ -287,13 +301,14 @@ TEST(BackgroundClient, anAgentThatHangsHoldsNobodyUpForLong) {
     face([](BackgroundClient& client) { return client.resume() == "Kestrio does not answer"; });
     face([](BackgroundClient& client) { return client.pause(std::nullopt) == "Kestrio does not answer"; });
     face([](BackgroundClient& client) { return client.openDashboard() == "Kestrio does not answer"; });
+    face([](BackgroundClient& client) { return client.browsers() == std::nullopt; });
     face([](BackgroundClient& client) {
         const auto token = client.observe([](const AgentStatus&) {});
         return true;
     });
     for (auto& thread : faces)
         thread.join();
-    EXPECT_EQ(failures, 5);
+    EXPECT_EQ(failures, 6);
 }
 
 TEST(BackgroundClient, aTokenMayOutliveTheClient) {

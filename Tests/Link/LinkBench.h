@@ -20,7 +20,8 @@ struct LinkBench : MonitorBench {
                 ++dashboards;
                 return dashboardFailure;
             },
-            [this](auto files, auto receiver) { return importFiles(std::move(files), std::move(receiver)); });
+            [this](auto files, auto receiver) { return importFiles(std::move(files), std::move(receiver)); },
+            [this] { return browsers; });
         model->start();
         pass(2.6);
     }
@@ -31,6 +32,7 @@ struct LinkBench : MonitorBench {
     int dashboards = 0;
     Background::Failure dashboardFailure;
     LocalBackground::ImportFiles importFiles;
+    std::vector<BrowserReading> browsers;
     std::unique_ptr<AppModel> model;
     std::unique_ptr<LocalBackground> background;
 };

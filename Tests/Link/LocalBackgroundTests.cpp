@@ -60,6 +60,15 @@ TEST(LocalBackground, saysWhyThereIsNoDashboard) {
     EXPECT_EQ(bench.dashboards, 2);
 }
 
+TEST(LocalBackground, saysHowBrowsersAreRead) {
+    LinkBench bench;
+    EXPECT_EQ(bench.background->browsers(), std::vector<BrowserReading>());
+    bench.browsers = {{"org.chromium.Chromium", true, false}, {"org.mozilla.firefox", false, true}};
+    EXPECT_EQ(bench.background->browsers(), bench.browsers);
+    LocalBackground without(*bench.model, {}, [] { return std::nullopt; });
+    EXPECT_EQ(without.browsers(), std::vector<BrowserReading>());
+}
+
 TEST(LocalBackground, changesOfOneMomentAreToldTogetherAndOnlyWhenThereAreAny) {
     LinkBench bench;
     std::vector<AgentStatus> told;

@@ -10,6 +10,8 @@ namespace {
 
 constexpr std::uint64_t gibibyte = 1'073'741'824;
 
+const Calendar english("en_GB", "UTC");
+
 MachineReading laptop() {
     MachineReading reading;
     reading.chip = "Chip 9000";
@@ -31,37 +33,37 @@ MachineReading laptop() {
 }
 
 TEST(MachineText, tellsHowTheMachineStands) {
-    EXPECT_EQ(machineText(laptop(), {80, false}),
+    EXPECT_EQ(machineText(laptop(), english, {80, false}),
               "  Processor    Chip 9000\n"
               "  Cores        12 cores: 8 performance, 4 efficiency\n"
               "  Load         █████       50%   performance 62%, efficiency 25%\n"
               "  Memory       16 GB\n"
               "               ████████████████████████████████████░░░░░░░░░░░░\n"
-              "               █ applications    4.0 GB\n"
-              "               █ wired           2.0 GB\n"
-              "               █ compressed      1.0 GB\n"
-              "               █ cached files    5.0 GB\n"
-              "               ░ free            4.0 GB\n"
+              "               █ applications      4 GB\n"
+              "               █ wired             2 GB\n"
+              "               █ compressed        1 GB\n"
+              "               █ cached files      5 GB\n"
+              "               ░ free              4 GB\n"
               "  Pressure     warning\n"
-              "  Swap         1.0 GB of 8.0 GB used\n"
-              "  Drives       reading 2.0 MB/s, writing 500 KB/s, 40 requests/s, 1.2 ms each\n"
+              "  Swap         1 GB of 8 GB used\n"
+              "  Drives       reading 2 MB/s, writing 500 KB/s, 40 requests/s, 1.2 ms each\n"
               "  Drive test   reads 3.4 GB/s, writes 2.1 GB/s\n"
-              "  RAM traffic  reading 3.0 GB/s, writing 1.0 GB/s, 100 GB/s at most\n"
-              "               Fast cores: 2.0 GB/s\n");
+              "  RAM traffic  reading 3 GB/s, writing 1 GB/s, 100 GB/s at most\n"
+              "               Fast cores: 2 GB/s\n");
 }
 
 TEST(MachineText, tellsWhatCannotBeHadAndWhy) {
     MachineReading nothing;
     nothing.swap = SwapUse{};
     nothing.absences = {{"Drives", "there is none"}, {"Efficiency cores", "all are alike"}};
-    EXPECT_EQ(machineText(nothing, {80, false}), "  Processor    does not tell its name\n"
-                                                 "  Cores        1 core\n"
-                                                 "  Pressure     normal\n"
-                                                 "  Swap         none\n"
-                                                 "\n"
-                                                 "  Not to be had here:\n"
-                                                 "  ○ Drives            there is none\n"
-                                                 "  ○ Efficiency cores  all are alike\n");
+    EXPECT_EQ(machineText(nothing, english, {80, false}), "  Processor    does not tell its name\n"
+                                                          "  Cores        1 core\n"
+                                                          "  Pressure     normal\n"
+                                                          "  Swap         none\n"
+                                                          "\n"
+                                                          "  Not to be had here:\n"
+                                                          "  ○ Drives            there is none\n"
+                                                          "  ○ Efficiency cores  all are alike\n");
 }
 
 TEST(MachineText, fitsIntoTheTerminal) {
@@ -69,7 +71,7 @@ TEST(MachineText, fitsIntoTheTerminal) {
     reading.chip = std::string(300, 'x');
     reading.absences = {{"Something", std::string(300, 'y')}};
     for (const std::size_t width : {60u, 80u, 200u}) {
-        std::istringstream stream(machineText(reading, {width, false}));
+        std::istringstream stream(machineText(reading, english, {width, false}));
         for (std::string line; std::getline(stream, line);)
             EXPECT_LE(text::columns(line), width) << line;
     }
@@ -78,9 +80,9 @@ TEST(MachineText, fitsIntoTheTerminal) {
 TEST(MachineText, drawsAMemoryThatAddsUpToMoreThanThereIs) {
     auto reading = laptop();
     reading.memory->internal = 64 * gibibyte;
-    const auto text = machineText(reading, {80, false});
+    const auto text = machineText(reading, english, {80, false});
     EXPECT_EQ(text.find("░░"), std::string::npos);
-    EXPECT_NE(text.find("free               0 B"), std::string::npos) << text;
+    EXPECT_NE(text.find("free           0 bytes"), std::string::npos) << text;
 }
 
 TEST(MachineJSON, holdsEverythingAndNullForWhatIsAbsent) {

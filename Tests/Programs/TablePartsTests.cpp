@@ -2,36 +2,10 @@
 #include "Programs/CommandLine/LiveScreen.h"
 #include "Programs/CommandLine/TableParts.h"
 
-#include <cmath>
 #include <gtest/gtest.h>
 
 namespace kestrio {
 namespace {
-
-TEST(TableParts, sizesOfMemoryAreInStepsOf1024) {
-    const std::pair<std::uint64_t, const char*> rows[] = {{0, "0 B"},
-                                                          {1, "1 B"},
-                                                          {1023, "1023 B"},
-                                                          {1024, "1.0 KB"},
-                                                          {1536, "1.5 KB"},
-                                                          {10'138, "9.9 KB"},
-                                                          {10'239, "10 KB"},
-                                                          {1024 * 1023, "1023 KB"},
-                                                          {1024 * 1024 - 1, "1.0 MB"},
-                                                          {34 * 1024 * 1024, "34 MB"},
-                                                          {3'650'722'201, "3.4 GB"},
-                                                          {UINT64_MAX, "16384 PB"}};
-    for (const auto& [bytes, text] : rows)
-        EXPECT_EQ(memoryText(bytes), text) << bytes;
-}
-
-TEST(TableParts, sizesOfDataAreInStepsOf1000) {
-    const std::pair<double, const char*> rows[] = {{0, "0 B"},        {0.4, "0 B"},       {999, "999 B"},
-                                                   {999.6, "1.0 KB"}, {1000, "1.0 KB"},   {9'949, "9.9 KB"},
-                                                   {9'951, "10 KB"},  {4.62e9, "4.6 GB"}, {12.4e9, "12 GB"}};
-    for (const auto& [bytes, text] : rows)
-        EXPECT_EQ(dataText(bytes), text) << bytes;
-}
 
 TEST(TableParts, aBarIsDrawnInEighths) {
     const std::pair<double, const char*> rows[] = {{0, "    "},   {1e-9, "▏   "},    {0.25, "█   "}, {0.28125, "█▏  "},

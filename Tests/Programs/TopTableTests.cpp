@@ -37,6 +37,8 @@ TopReading reading() {
     return reading;
 }
 
+const Calendar english("en_GB", "UTC");
+
 std::vector<std::string> linesOf(const std::string& text) {
     std::vector<std::string> lines;
     std::istringstream stream(text);
@@ -66,15 +68,15 @@ TEST(TopTable, putsEqualOnesInTheOrderOfTheirNames) {
 }
 
 TEST(TopTable, showsWhatEachApplicationUses) {
-    EXPECT_EQ(topTable(reading(), TopOrder::cpu, {100, false}),
-              "  CPU 88% of 4 cores   Memory 1.0 GB of 4.0 GB, swap 100 MB   pressure normal\n"
+    EXPECT_EQ(topTable(reading(), TopOrder::cpu, english, {100, false}),
+              "  CPU 88% of 4 cores   Memory 1 GB of 4 GB, swap 100 MB   pressure normal\n"
               "  3 applications, 123 processes\n"
               "\n"
-              "  Application                    CPU    Memory Processes      Read   Written  Wake-ups\n"
-              "  ────────────────────────────────────────────────────────────────────────────────────\n"
-              "  busy          █████         200.0%    8.0 MB         2\n"
-              "  Painter       ███▊          150.0%    512 MB         2  1.5 MB/s                42/s\n"
-              "  idle                          0.0%    100 MB         2\n");
+              "  Application                     CPU     Memory  Processes       Read    Written   Wake-ups\n"
+              "  ──────────────────────────────────────────────────────────────────────────────────────────\n"
+              "  busy          █████          200.0%       8 MB          2\n"
+              "  Painter       ███▊           150.0%     512 MB          2   1.5 MB/s                  42/s\n"
+              "  idle                           0.0%     100 MB          2\n");
 }
 
 TEST(TopTable, saysSoWhereThereIsNoBaselineYet) {
@@ -84,9 +86,9 @@ TEST(TopTable, saysSoWhereThereIsNoBaselineYet) {
     first.load.reset();
     first.memory.reset();
     first.swap.reset();
-    const auto lines = linesOf(topTable(first, TopOrder::memory, {100, false}));
+    const auto lines = linesOf(topTable(first, TopOrder::memory, english, {100, false}));
     EXPECT_EQ(lines[0], "  CPU –   Memory –   pressure normal");
-    EXPECT_EQ(lines[5], "  Painter                          –    512 MB         2         –         –         –");
+    EXPECT_EQ(lines[5], "  Painter                           –     512 MB          2          –          –          –");
 }
 
 TEST(TopTable, fitsIntoTheTerminal) {
@@ -95,13 +97,13 @@ TEST(TopTable, fitsIntoTheTerminal) {
     wide.scan.apps[2].name = "日本語の名前を持つとても長いアプリケーション";
     for (const std::size_t width : {40u, 41u, 53u, 60u, 80u, 100u, 250u})
         for (const auto order : {TopOrder::cpu, TopOrder::memory})
-            for (const auto& line : linesOf(topTable(wide, order, {width, false})))
+            for (const auto& line : linesOf(topTable(wide, order, english, {width, false})))
                 EXPECT_LE(text::columns(line), width) << width << line;
 }
 
 TEST(TopTable, fitsIntoTheRows) {
     for (const std::size_t rows : {6u, 7u, 8u, 9u}) {
-        const auto lines = linesOf(topTable(reading(), TopOrder::cpu, {100, false}, rows));
+        const auto lines = linesOf(topTable(reading(), TopOrder::cpu, english, {100, false}, rows));
         EXPECT_EQ(lines.size(), std::min<std::size_t>(rows, 8)) << rows;
         if (rows < 8) {
             EXPECT_EQ(lines.back(), "  and " + std::to_string(3 - (rows - 6)) + " more");
@@ -112,16 +114,16 @@ TEST(TopTable, fitsIntoTheRows) {
 TEST(TopTable, letsNoNameMeddleWithTheTerminal) {
     auto hostile = reading();
     hostile.scan.apps[0].name = "\x1B[2Jgone\nnext";
-    EXPECT_EQ(topTable(hostile, TopOrder::cpu, {100, false}).find('\x1B'), std::string::npos);
-    EXPECT_EQ(linesOf(topTable(hostile, TopOrder::cpu, {100, false})).size(), 8u);
+    EXPECT_EQ(topTable(hostile, TopOrder::cpu, english, {100, false}).find('\x1B'), std::string::npos);
+    EXPECT_EQ(linesOf(topTable(hostile, TopOrder::cpu, english, {100, false})).size(), 8u);
 }
 
 TEST(TopTable, hasTheSameTextUnderItsColours) {
-    auto coloured = topTable(reading(), TopOrder::cpu, {100, true});
+    auto coloured = topTable(reading(), TopOrder::cpu, english, {100, true});
     EXPECT_NE(coloured.find("\x1B["), std::string::npos);
     for (auto at = coloured.find("\x1B["); at != std::string::npos; at = coloured.find("\x1B["))
         coloured.erase(at, coloured.find('m', at) - at + 1);
-    EXPECT_EQ(linesOf(coloured)[6], linesOf(topTable(reading(), TopOrder::cpu, {100, false}))[6]);
+    EXPECT_EQ(linesOf(coloured)[6], linesOf(topTable(reading(), TopOrder::cpu, english, {100, false}))[6]);
 }
 
 TEST(TopJSON, holdsEveryFieldOfEveryApplicationAndItsProcesses) {

@@ -25,10 +25,10 @@ if "KESTRIO_VIRTUAL_DESKTOP" not in os.environ:
 BIN = pathlib.Path(sys.argv.pop(1)).resolve()
 DEADLINE = 20  # seconds; what is waited for takes less than three
 
-COMMANDS = ["record", "watch", "status", "sessions", "pause", "resume", "settings", "settings list", "settings get",
+COMMANDS = ["record", "watch", "status", "sessions", "report", "pause", "resume", "settings", "settings list", "settings get",
             "settings set", "settings reset", "doctor", "categories", "categories list", "categories set",
             "categories reset", "projects", "projects list", "projects add", "projects move", "projects remove", "explain",
-            "report", "export", "import", "top", "machine", "disk-test"]
+            "report", "export", "import", "top", "machine", "disk-test", "browsers"]
 
 SESSION_KEYS = ["id", "start", "end", "bundleID", "appName", "title", "url", "domain", "project", "kind"]
 STATUS_KEYS = ["state", "pausedUntil", "live", "alongside", "unsaved", "isAccessibilityGranted", "version",
@@ -147,6 +147,8 @@ class Usage(Case):
             "record extra", "record --json", "resume now", "pause 30m 1h", "pause 5x", "pause -5m", "pause 0s",
             "sessions extra", "sessions --from", "sessions --to", "sessions --from nonsense", "sessions --to 24:00",
             "sessions --from 2026-04-31", "sessions --from now --to yesterday", "sessions --from today --to today",
+            "report extra", "report --day", "report --day nonsense", "report --week 2026-04-31", "report --section films",
+            "report --day today --month today", "report --from now --to today",
             "settings", "settings bogus", "settings list extra", "settings get", "settings get bogus",
             "settings get idleMinutes more", "settings set", "settings set idleMinutes", "settings set bogus 1",
             "settings set idleMinutes 0", "settings set idleMinutes -5", "settings set idleMinutes 1441",
@@ -163,6 +165,7 @@ class Usage(Case):
             "export",
             "export --range today", "export -o", "export --range -o x", "export --range bogus -o x", "export extra -o x",
             "import", "import --bogus",
+            "browsers extra", "browsers --install --remove",
         ]
         for line in wrong:
             with self.subTest(line):
@@ -197,11 +200,60 @@ class Usage(Case):
 
     def test_without_any_home_there_is_a_clear_line(self):
         for command in ("status", "sessions", "settings list", "doctor", "record", "watch", "resume", "export -o -",
-                        "import /dev/null"):
+                        "import /dev/null", "browsers", "browsers --install"):
             with self.subTest(command):
                 ran = self.run_ctl(*command.split(), HOME=None, KESTRIO_HOME=None)
                 self.assertEqual((ran.returncode, ran.stdout), (1, ""))
                 self.assert_one_line(ran.stderr)
+
+
+class Browsers(Case):
+    def setUp(self):
+        super().setUp()
+        self.applications = self.folder / "share" / "applications"
+        self.applications.mkdir(parents=True)
+        self.environment["XDG_DATA_DIRS"] = str(self.folder / "share")
+        self.environment["XDG_DATA_HOME"] = str(self.folder / "none")
+
+    def install_browser(self, desktop_id, name):
+        (self.applications / f"{desktop_id}.desktop").write_text(
+            f"[Desktop Entry]\nType=Application\nName={name}\nExec={desktop_id}\n")
+
+    def manifests(self):
+        return sorted(str(path.relative_to(self.person)) for path in self.person.rglob("*.json"))
+
+    def test_the_installed_browsers_may_start_the_host_until_they_may_no_more(self):
+        self.install_browser("chromium", "Chromium")
+        self.install_browser("firefox-esr", "Firefox ESR")
+        said = self.ctl("browsers", "--install")
+        self.assertIn("Chromium may now start kestrio-tabs. One step is left to you:\n  Open chrome://extensions", said)
+        self.assertIn("Firefox may now start kestrio-tabs. One step is left to you:\n  Open about:debugging", said)
+        name = "dev.haldorvinter.kestrio.tabs.json"
+        self.assertEqual(self.manifests(), [f".config/chromium/NativeMessagingHosts/{name}",
+                                            f".config/mozilla/native-messaging-hosts/{name}",
+                                            f".mozilla/native-messaging-hosts/{name}"])
+        manifest = json.loads((self.person / self.manifests()[0]).read_text())
+        self.assertEqual(manifest["path"], str(BIN / "kestrio-tabs"))
+        self.assertTrue(os.access(manifest["path"], os.X_OK))
+        self.ctl("browsers", "--remove")
+        self.assertEqual(self.manifests(), [])
+        self.assertFalse(self.home.exists())
+
+    def test_without_a_browser_there_is_nothing_to_install(self):
+        ran = self.run_ctl("browsers", "--install")
+        self.assertEqual((ran.returncode, ran.stdout), (1, ""))
+        self.assert_one_line(ran.stderr)
+        self.assertEqual(self.manifests(), [])
+
+    def test_each_browser_that_is_here_is_listed_with_what_is_left_to_do(self):
+        self.install_browser("chromium", "Chromium")
+        text = self.ctl("browsers")
+        self.assertRegex(text, r"(?m)^  Chromium +yes +(yes|no) +unknown +unknown\n    Run: kestrioctl browsers --install$")
+        found = {each["bundleID"]: each for each in json.loads(self.ctl("browsers", "--json"))}
+        self.assertEqual(len(found), 16)
+        self.assertEqual(found["org.chromium.Chromium"]["remedy"], "Run: kestrioctl browsers --install")
+        self.assertIsNone(found["org.chromium.Chromium"]["connected"])
+        self.assertFalse(found["com.operasoftware.Opera"]["installed"])
 
 
 class Sessions(Case):
@@ -255,7 +307,7 @@ class Sessions(Case):
         self.database.parent.mkdir(parents=True)
         for content in (b"This is no database, however you look at it. " * 100, b"SQLite format 3\0" + b"\xff" * 5000):
             self.database.write_bytes(content)
-            for command in ("sessions", "sessions --json", "status", "status --json"):
+            for command in ("sessions", "sessions --json", "report", "report --json", "status", "status --json"):
                 with self.subTest(command):
                     ran = self.run_ctl(*command.split())
                     self.assertEqual((ran.returncode, ran.stdout), (1, ""))
@@ -264,6 +316,38 @@ class Sessions(Case):
             findings = {each["name"]: each for each in json.loads(self.ctl("doctor", "--json", status=1))}
             self.assertEqual(findings["Sessions"]["state"], "broken")
             self.assertEqual(self.database.read_bytes(), content)
+
+
+class Report(Case):
+    def test_an_empty_home_has_an_empty_one(self):
+        ran = self.run_ctl("report", "--day", "2023-11-15")
+        self.assertEqual((ran.returncode, ran.stdout, ran.stderr),
+                         (0, "", "kestrioctl: nothing was recorded in that time\n"))
+        report = json.loads(self.ctl("report", "--day", "2023-11-15", "--json"))
+        self.assertEqual(report["interval"], {"start": NOON - 43200, "end": NOON + 43200})
+        self.assertEqual((report["sessions"], report["total"], report["firstActivity"]), ([], 0, None))
+
+    def test_the_settings_decide_categories_and_projects(self):
+        self.record_nothing()
+        self.add(NOON, NOON + 3600, "Letter")
+        self.ctl("categories", "set", "work", "--app", "org.example.Editor")
+        self.ctl("projects", "add", "letter", "Post")
+        report = json.loads(self.ctl("report", "--week", "2023-11-15", "--json"))
+        self.assertEqual(report["granularity"], "day")
+        self.assertEqual(report["categories"], [{"category": "work", "duration": 3600}])
+        self.assertEqual([project["name"] for project in report["projects"]], ["Post"])
+
+    def test_the_words_are_those_of_a_section(self):
+        self.record_nothing()
+        self.add(NOON, NOON + 3600, "Letter")
+        self.assertEqual(self.ctl("report", "--day", "2023-11-15", "--section", "timeline"), """\
+  Wednesday, 15 November 2023
+
+  Wednesday, 15 Nov  1h
+
+  12:00–13:00       1h  Editor            Letter
+""")
+        self.assertIn("Active time        1h   12:00 – 13:00", self.ctl("report", "--day", "2023-11-15"))
 
 
 class Settings(Case):
@@ -428,6 +512,7 @@ class Classification(Case):
 
 class Files(Case):
     READING = ["status", "status --json", "sessions", "sessions --json", "settings list", "settings list --json",
+               "report", "report --json", "report --day 2023-11-15 --section apps",
                "settings get idleMinutes", "doctor", "doctor --json", "watch", "resume", "pause",
                "categories list", "categories list --all --json", "projects list", "projects list --json",
                "explain --app code --title x", "categories set work --app code --preview",
@@ -662,7 +747,7 @@ class Output(Case):
     def test_there_is_no_colour_but_on_a_terminal(self):
         self.record_nothing()
         self.add(NOON, NOON + 60, "Letter")
-        for command in ("sessions --from @0", "doctor", "settings list"):
+        for command in ("sessions --from @0", "report --day 2023-11-15", "doctor", "settings list"):
             self.assertNotIn("\x1b", self.ctl(*command.split()))
 
 

@@ -33,6 +33,10 @@ std::size_t allocations = 0;
         return memory;
     throw std::bad_alloc();
 }
+[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    ++allocations;
+    return std::malloc(size == 0 ? 1 : size);
+}
 [[gnu::noinline]] void operator delete(void* memory) noexcept {
     std::free(memory);
 }
@@ -197,7 +201,8 @@ TEST(LiveScan, seesMemoryThatAChildTakes) {
 
 TEST(LiveScan, chargesTheHelpersOfAnApplicationToIt) {
     const TemporaryFolder folder;
-    const auto program = folder.path() / "kestrio-test-painter";
+    // A name of its own, so that nothing which an earlier run left behind is taken for it.
+    const auto program = folder.path() / ("kestrio-test-painter-" + std::to_string(getpid()));
     fs::copy_file("/bin/sh", program);
     folder.write("applications/painter.desktop",
                  "[Desktop Entry]\nType=Application\nName=Painter\nExec=" + program.string() + "\n");

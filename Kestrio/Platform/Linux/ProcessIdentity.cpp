@@ -109,6 +109,18 @@ std::optional<std::string> valueOfFlatpakInfo(std::string_view text, std::string
     return std::nullopt;
 }
 
+constexpr std::size_t firstStatField = 3;
+
+/// The fields of `/proc/PID/stat` from the third on, by the kernel's count.
+std::vector<std::string_view> statFields(std::string_view text) {
+    // The name in brackets may hold anything, brackets, blanks and line breaks too.
+    const auto bracket = text.rfind(')');
+    if (bracket == std::string_view::npos)
+        return {};
+    text.remove_prefix(std::min(bracket + 2, text.size()));
+    return split(text.substr(0, text.find('\n')), ' ');
+}
+
 std::string fileName(std::string_view path) {
     return std::string(path.substr(path.rfind('/') + 1));
 }
@@ -260,14 +272,16 @@ std::vector<std::string> commandArguments(std::string_view text) {
 }
 
 std::optional<std::uint64_t> startTicks(std::string_view text) {
-    // The name in brackets may hold anything, brackets, blanks and line breaks too.
-    const auto bracket = text.rfind(')');
-    if (bracket == std::string_view::npos)
-        return std::nullopt;
-    text.remove_prefix(std::min(bracket + 2, text.size()));
-    constexpr std::size_t fieldsBefore = 19; // the third field stands first here, the start is the 22nd
-    const auto fields = split(text.substr(0, text.find('\n')), ' ');
-    return fields.size() > fieldsBefore ? number<std::uint64_t>(fields[fieldsBefore]) : std::nullopt;
+    constexpr std::size_t start = 22;
+    const auto fields = statFields(text);
+    return fields.size() > start - firstStatField ? number<std::uint64_t>(fields[start - firstStatField])
+                                                  : std::nullopt;
+}
+
+std::optional<pid_t> parentProcess(std::string_view text) {
+    constexpr std::size_t parent = 4;
+    const auto fields = statFields(text);
+    return fields.size() > parent - firstStatField ? number<pid_t>(fields[parent - firstStatField]) : std::nullopt;
 }
 
 bool isInterpreter(std::string_view name) {
@@ -314,6 +328,11 @@ std::optional<fs::path> readProgram(const fs::path& root, pid_t process) {
 std::optional<std::uint64_t> readStartTicks(const fs::path& root, pid_t process) {
     const auto text = readProcessFile(root / std::to_string(process) / "stat");
     return text ? startTicks(*text) : std::nullopt;
+}
+
+std::optional<pid_t> readParent(const fs::path& root, pid_t process) {
+    const auto text = readProcessFile(root / std::to_string(process) / "stat");
+    return text ? parentProcess(*text) : std::nullopt;
 }
 
 } // namespace kestrio

@@ -37,6 +37,9 @@ std::vector<std::string> commandArguments(std::string_view text);
 /// When the process started, in ticks since the start of the machine, from the text of `/proc/PID/stat`.
 std::optional<std::uint64_t> startTicks(std::string_view text);
 
+/// The process that started it, or that took it over since, from the same text.
+std::optional<pid_t> parentProcess(std::string_view text);
+
 /// Whether a program of this file name runs others under its own name: shells, interpreters, virtual machines.
 bool isInterpreter(std::string_view fileName);
 
@@ -67,5 +70,6 @@ std::optional<std::filesystem::path> readProgram(const std::filesystem::path& ro
 std::optional<std::filesystem::path> placeOfFlatpak(std::string_view flatpakInfo);
 
 std::optional<std::uint64_t> readStartTicks(const std::filesystem::path& root, pid_t process);
+std::optional<pid_t> readParent(const std::filesystem::path& root, pid_t process);
 
 } // namespace kestrio

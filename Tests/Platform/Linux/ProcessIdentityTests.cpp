@@ -109,6 +109,14 @@ TEST(ProcessIdentity, findsTheStartTimeBehindANameOfAnyKind) {
     EXPECT_EQ(startTicks(""), std::nullopt);
 }
 
+TEST(ProcessIdentity, readsTheParent) {
+    EXPECT_EQ(parentProcess("17 (a) b) S 4711 2 3"), 4711);
+    EXPECT_EQ(parentProcess("17 (cat) S"), std::nullopt);
+    EXPECT_EQ(parentProcess(""), std::nullopt);
+    EXPECT_EQ(readParent("/proc", getpid()), getppid());
+    EXPECT_EQ(readParent("/nonexistent", 1), std::nullopt);
+}
+
 TEST(ProcessIdentity, knowsInterpretersInEveryVersion) {
     for (const char* name : {"python3", "python3.11", "bash", "java", "perl5.36.0", "node", "gjs-console", "env"})
         EXPECT_TRUE(isInterpreter(name)) << name;

@@ -1,0 +1,46 @@
+#include "Kestrio/Platform/Linux/BrowserProcess.h"
+
+#include "Kestrio/Platform/Linux/Browsers.h"
+
+#include <algorithm>
+
+namespace kestrio {
+namespace {
+
+constexpr int mostAncestors = 4; // browsers start native hosts themselves, or through a script
+
+/// Of several browsers whose programs have the same name, the one whose folder this is.
+const Browser* byProgramFolder(const std::filesystem::path& program) {
+    const auto folder = program.parent_path().filename().string();
+    const auto all = knownBrowsers();
+    const auto found = std::find_if(all.begin(), all.end(), [&](const Browser& browser) {
+        return !browser.programFolder.empty() && browser.programFolder == folder;
+    });
+    return found == all.end() ? nullptr : &*found;
+}
+
+} // namespace
+
+std::optional<std::string> browserOfProcess(ApplicationIdentity& identity, pid_t process) {
+    const auto evidence = readProcessEvidence(identity.processes(), process);
+    if (evidence.executable)
+        if (const auto* browser = byProgramFolder(*evidence.executable))
+            return std::string(browser->bundleIdentifier);
+    // The program's name stands in for the window's class, which is much the same with browsers: so what the browser
+    // was started from is not taken for the browser.
+    const auto name = evidence.programNames.empty() ? std::string() : evidence.programNames.front();
+    const auto found = identity.identify({process, name}).bundleIdentifier;
+    return found && knownBrowser(*found) ? found : std::nullopt;
+}
+
+std::optional<std::string> browserThatStarted(ApplicationIdentity& identity, pid_t process) {
+    auto ancestor = readParent(identity.processes(), process);
+    for (int count = 0; ancestor && *ancestor > 1 && count < mostAncestors; ++count) {
+        if (auto browser = browserOfProcess(identity, *ancestor))
+            return browser;
+        ancestor = readParent(identity.processes(), *ancestor);
+    }
+    return std::nullopt;
+}
+
+} // namespace kestrio
