@@ -79,16 +79,18 @@ std::variant<EmptyActivity, TimelinePage> timelinePage(const ActivityReport& rep
 }
 
 TimelineBlockRow timelineBlockRow(const TimelineBlock& block, const std::string& query, const Calendar& calendar) {
-    auto entries = entryRows(block, query, calendar);
-    return {.id = block.id,
-            .icon = {block.bundleID},
-            .headline = block.headline,
-            .badge = block.kind == SessionKind::focus ? std::nullopt : std::optional(alongsideBadge(block.kind)),
-            .times = Fmt::timeRange(block.start, block.end, calendar),
-            .duration = Fmt::duration(block.active),
-            .count = fmt::format("{} items", entries.size()),
-            .entries = std::move(entries),
-            .category = categoryPill(block.category)};
+    TimelineBlockRow row;
+    row.id = block.id;
+    row.icon = {block.bundleID};
+    row.headline = block.headline;
+    if (block.kind != SessionKind::focus)
+        row.badge = alongsideBadge(block.kind);
+    row.times = Fmt::timeRange(block.start, block.end, calendar);
+    row.duration = Fmt::duration(block.active);
+    row.entries = entryRows(block, query, calendar);
+    row.count = fmt::format("{} items", row.entries.size());
+    row.category = categoryPill(block.category);
+    return row;
 }
 
 } // namespace kestrio
