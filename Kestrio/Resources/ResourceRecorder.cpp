@@ -1,8 +1,8 @@
 #include "Kestrio/Resources/ResourceRecorder.h"
 
 #include "Kestrio/Base/Log.h"
-#include "Kestrio/Resources/TimeAgain.h"
 #include "Kestrio/Resources/ResourceNotes.h"
+#include "Kestrio/Resources/TimeAgain.h"
 
 #include <algorithm>
 #include <array>
