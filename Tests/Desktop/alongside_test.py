@@ -11,7 +11,7 @@ from stage import MUSIC, VIDEO
 
 MUSIC_SITE = "www.mixcloud.com"  # by name only: the browsers find it on this machine
 LONG_ENOUGH = 15  # seconds: a check is due every 4, and what lasts less than 10 leaves no row
-LATE = 8  # seconds until a start or an end is noticed at most: a check, a tick, and what a sound takes to fade
+LATE = 12  # seconds until a start or an end is noticed at most: five of silence, and then the next check
 
 
 class Alongside(RecordedBrowsing):
