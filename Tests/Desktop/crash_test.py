@@ -163,14 +163,14 @@ class Refusal(DesktopTest):
 
 
 class FullDisk(DesktopTest):
-    """A disk of some 300 KB, mounted where the test alone sees it."""
+    """A disk of two megabytes, mounted where the test alone sees it."""
 
     def setUp(self):
         super().setUp()
         disk = self.home.path / "data"
         disk.mkdir()
         self.private = ["unshare", "--mount"] if os.getuid() == 0 else ["unshare", "--user", "--map-root-user", "--mount"]
-        self.mount = f'mount -t tmpfs -o size=320k,mode=0700 disk "{disk}"'
+        self.mount = f'mount -t tmpfs -o size=2m,mode=0700 disk "{disk}"'
         probe = subprocess.run([*self.private, "sh", "-c", self.mount], capture_output=True)
         if probe.returncode != 0:
             self.skipTest("this machine lets nobody mount a small disk")

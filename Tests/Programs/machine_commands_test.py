@@ -83,6 +83,8 @@ class Terminal:
     def ends(self):
         """The status that the command ends with; output goes on being read, so that it is never held up."""
         self.read_until(lambda: self.process.poll() is not None)
+        while self.slave is not None and select.select([self.master], [], [], 0.1)[0]:  # its last words
+            self.output += os.read(self.master, 65536)
         return self.process.wait(DEADLINE)
 
 

@@ -621,8 +621,8 @@ class Looking(Case):
         part = ["log", "seconds", "--from", "2023-11-15 12:01:20", "--to", "2023-11-15 12:01:22"]
         self.assertEqual(self.ctl(*part), """\
   Time                     CPU    Memory      Swap Read back       SSD     Stall  Pressure  In front
-  15 Nov, 12:01:20         25%    8.0 GB       0 B   40 MB/s   50 MB/s   2500 ms  critical  org.example.editor
-  15 Nov, 12:01:21         25%    8.0 GB       0 B     0 B/s     0 B/s      5 ms  normal
+  15 Nov, 12:01:20         25%      8 GB   0 bytes   40 MB/s   50 MB/s   2500 ms  critical  org.example.editor
+  15 Nov, 12:01:21         25%      8 GB   0 bytes 0 bytes/s 0 bytes/s      5 ms  normal
 """)
         table = list(csv.DictReader(io.StringIO(self.ctl(*part, "--csv"))))
         self.assertEqual([(row["time"], row["stall_ms"], row["front_app"]) for row in table],

@@ -1,6 +1,7 @@
 #include "Kestrio/Platform/Linux/PulseAudioUse.h"
 
 #include "Kestrio/Base/Clock.h"
+#include "Kestrio/Platform/Linux/Locations.h"
 #include "Kestrio/Platform/Linux/ProcessIdentity.h"
 #include "Kestrio/Platform/Linux/PulseTraces.h"
 #include "Kestrio/Platform/Linux/ResponsibleProcess.h"
@@ -8,6 +9,7 @@
 #include <algorithm>
 #include <cmath>
 #include <condition_variable>
+#include <filesystem>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -23,6 +25,20 @@
 
 namespace kestrio {
 namespace {
+
+/// Whether it is worth looking for the person's own server. Not only to save the attempt: the library furnishes a home
+/// that has never known sound with a folder and a cookie.
+bool isServerLikely() {
+    if (processEnvironment("PULSE_SERVER"))
+        return true;
+    std::error_code ignored;
+    const auto exists = [&](const char* variable, const char* below) {
+        const auto folder = processEnvironment(variable);
+        return folder && std::filesystem::exists(std::filesystem::path(*folder) / below, ignored);
+    };
+    return exists("XDG_RUNTIME_DIR", "pulse/native") || exists("HOME", ".config/pulse/cookie") ||
+           exists("HOME", ".pulse-cookie");
+}
 
 /// The server makes peaks of the sound, this many a second, and sends them in lots.
 constexpr std::uint32_t peaksPerSecond = 25;
@@ -157,7 +173,7 @@ public:
     Session& operator=(const Session&) = delete;
 
     void start() {
-        wantsConnection_ = true;
+        wantsConnection_ = isWorthAnAttempt();
         lastAttempt_ = clock_.uptime();
         try {
             std::thread([self = shared_from_this()] { self->run(); }).detach();
@@ -216,12 +232,16 @@ private:
         return descent && descent->state == 'T';
     }
 
+    bool isWorthAnAttempt() const { return !options_.server.empty() || isServerLikely(); }
+
     /// With the lock held.
     void connectIfDue() {
         const auto now = clock_.uptime();
         if (hasContext_ || wantsConnection_ || hasEnded_ || now - lastAttempt_ < options_.betweenAttempts)
             return;
         lastAttempt_ = now;
+        if (!isWorthAnAttempt())
+            return;
         wantsConnection_ = true;
         pa_mainloop_wakeup(loop_);
     }
