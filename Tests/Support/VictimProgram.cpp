@@ -1,15 +1,18 @@
 // An application for tests to stop and slow: several threads that each have a priority of their own. SIGUSR1 makes it
 // start a child, SIGUSR2 a thread. It ends with whoever started it.
+#include "Kestrio/Platform/Linux/IOPriority.h"
+
 #include <atomic>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
-#include <linux/ioprio.h>
 #include <sched.h>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <thread>
 #include <unistd.h>
+
+namespace ioPriority = kestrio::ioPriority;
 
 namespace {
 
@@ -26,7 +29,7 @@ void setPolicy(int policy, int priority) {
 }
 
 void setIOPriority(int ioClass, int level) {
-    syscall(SYS_ioprio_set, IOPRIO_WHO_PROCESS, 0, IOPRIO_PRIO_VALUE(ioClass, level));
+    syscall(SYS_ioprio_set, ioPriority::ofProcess, 0, ioPriority::value(ioClass, level));
 }
 
 std::atomic<int> ready = 0;
@@ -63,8 +66,8 @@ int main(int argc, char** argv) {
         pinToFirstCore,
         [] { setPolicy(SCHED_BATCH, 0); },
         [] { setPolicy(SCHED_FIFO, 1); }, // where that is permitted
-        [] { setIOPriority(IOPRIO_CLASS_BE, 6); },
-        [] { setIOPriority(IOPRIO_CLASS_IDLE, 0); },
+        [] { setIOPriority(ioPriority::classBestEffort, 6); },
+        [] { setIOPriority(ioPriority::classIdle, 0); },
         [] { setPolicy(SCHED_OTHER | SCHED_RESET_ON_FORK, 0); },
     };
     for (auto* kind : kinds)

@@ -1,6 +1,7 @@
 #include "Kestrio/Platform/Linux/LinuxProcessSignals.h"
 
 #include "Kestrio/Platform/Linux/CoreClasses.h"
+#include "Kestrio/Platform/Linux/IOPriority.h"
 #include "Kestrio/Platform/Linux/KernelText.h"
 #include "Kestrio/Platform/Linux/ProcessDescriptor.h"
 #include "Kestrio/Platform/Linux/ProcessIdentity.h"
@@ -10,7 +11,6 @@
 #include <cerrno>
 #include <ctime>
 #include <iterator>
-#include <linux/ioprio.h>
 #include <sched.h>
 #include <set>
 #include <signal.h>
@@ -106,16 +106,12 @@ bool setPolicy(pid_t thread, int policy) {
 }
 
 std::optional<int> ioPriorityOf(pid_t thread) {
-    const auto value = syscall(SYS_ioprio_get, IOPRIO_WHO_PROCESS, thread);
+    const auto value = syscall(SYS_ioprio_get, ioPriority::ofProcess, thread);
     return value < 0 ? std::nullopt : std::optional(static_cast<int>(value));
 }
 
 bool setIOPriority(pid_t thread, int value) {
-    return syscall(SYS_ioprio_set, IOPRIO_WHO_PROCESS, thread, value) == 0;
-}
-
-int classOf(int ioPriority) {
-    return IOPRIO_PRIO_CLASS(ioPriority);
+    return syscall(SYS_ioprio_set, ioPriority::ofProcess, thread, value) == 0;
 }
 
 std::optional<ThreadPriority> readPriority(pid_t thread) {
@@ -265,8 +261,9 @@ bool LinuxProcessSignals::slowThread(pid_t thread) const {
     bool any = false;
     if (now->policy == SCHED_OTHER)
         any = setPolicy(thread, SCHED_BATCH);
-    if (classOf(now->ioPriority) == IOPRIO_CLASS_NONE || classOf(now->ioPriority) == IOPRIO_CLASS_BE)
-        any = setIOPriority(thread, IOPRIO_PRIO_VALUE(IOPRIO_CLASS_IDLE, 0)) || any;
+    if (ioPriority::classOf(now->ioPriority) == ioPriority::classNone ||
+        ioPriority::classOf(now->ioPriority) == ioPriority::classBestEffort)
+        any = setIOPriority(thread, ioPriority::value(ioPriority::classIdle, 0)) || any;
     if (const auto cores = slowPartOf(now->cores); cores != now->cores)
         any = setCores(thread, cores) || any;
     return any;
@@ -282,7 +279,7 @@ void LinuxProcessSignals::restoreThread(pid_t thread, const ThreadPriority& befo
     if (before.policy == SCHED_OTHER && sched_getscheduler(thread) == SCHED_BATCH)
         setPolicy(thread, SCHED_OTHER);
     const auto ioPriority = ioPriorityOf(thread);
-    if (ioPriority && classOf(*ioPriority) == IOPRIO_CLASS_IDLE && *ioPriority != before.ioPriority)
+    if (ioPriority && ioPriority::classOf(*ioPriority) == ioPriority::classIdle && *ioPriority != before.ioPriority)
         setIOPriority(thread, before.ioPriority);
     // None at all when those that it was moved to have been switched off meanwhile.
     const auto cores = coresOf(thread);
@@ -295,7 +292,7 @@ bool LinuxProcessSignals::restore(ProcessKey process, const ProcessPriority& bef
         return false;
     const auto priorities = parsedPriorities(before.words);
     const auto& slowCores = priorities.slowCores.empty() ? slowCores_ : priorities.slowCores;
-    const ThreadPriority usual{allCores_, SCHED_OTHER, IOPRIO_PRIO_VALUE(IOPRIO_CLASS_NONE, 0)};
+    const ThreadPriority usual{allCores_, SCHED_OTHER, ioPriority::value(ioPriority::classNone, 0)};
     forEachThread(process.pid, [&](const Thread& thread) {
         restoreThread(thread.number, priorities.of(thread.number, thread.start).value_or(usual), slowCores);
         return true;
@@ -305,7 +302,7 @@ bool LinuxProcessSignals::restore(ProcessKey process, const ProcessPriority& bef
 
 bool LinuxProcessSignals::isSlowed(pid_t thread) const {
     const auto now = readPriority(thread);
-    return now && now->policy == SCHED_BATCH && classOf(now->ioPriority) == IOPRIO_CLASS_IDLE &&
+    return now && now->policy == SCHED_BATCH && ioPriority::classOf(now->ioPriority) == ioPriority::classIdle &&
            isWithin(now->cores, slowCores_);
 }
 

@@ -1,5 +1,6 @@
 // With real processes, which end with their test.
 #include "Kestrio/Base/Descriptor.h"
+#include "Kestrio/Platform/Linux/IOPriority.h"
 #include "Kestrio/Platform/Linux/LinuxProcessSignals.h"
 #include "Tests/Support/Eventually.h"
 #include "Tests/Support/FileTree.h"
@@ -11,7 +12,6 @@
 #include <fcntl.h>
 #include <functional>
 #include <gtest/gtest.h>
-#include <linux/ioprio.h>
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/prctl.h>
@@ -315,12 +315,12 @@ TEST(LinuxProcessSignals, slowsEveryThreadAndRestoresEachExactly) {
     const auto first = victim.priorities().at(victim.process());
     EXPECT_EQ(first.cores, signals.slowCores());
     EXPECT_EQ(first.policy, SCHED_BATCH);
-    EXPECT_EQ(IOPRIO_PRIO_CLASS(first.ioPriority), IOPRIO_CLASS_IDLE);
+    EXPECT_EQ(ioPriority::classOf(first.ioPriority), ioPriority::classIdle);
     for (const auto& [thread, priority] : victim.priorities()) {
         SCOPED_TRACE(thread);
         const auto& usual = victim.usual().at(thread);
         EXPECT_EQ(priority.policy, usual.policy == SCHED_OTHER ? SCHED_BATCH : usual.policy);
-        EXPECT_EQ(IOPRIO_PRIO_CLASS(priority.ioPriority), IOPRIO_CLASS_IDLE);
+        EXPECT_EQ(ioPriority::classOf(priority.ioPriority), ioPriority::classIdle);
         EXPECT_EQ(priority.cores, usual.cores == std::vector{0} ? usual.cores : signals.slowCores());
     }
     EXPECT_TRUE(signals.restore(victim.key(), *before));
@@ -359,7 +359,7 @@ TEST(LinuxProcessSignals, doesNotUndoWhatTheProcessHasChosenItself) {
     signals.slow(key);
     const sched_param none{};
     sched_setscheduler(child.process(), SCHED_IDLE, &none);
-    syscall(SYS_ioprio_set, IOPRIO_WHO_PROCESS, child.process(), IOPRIO_PRIO_VALUE(IOPRIO_CLASS_BE, 7));
+    syscall(SYS_ioprio_set, ioPriority::ofProcess, child.process(), ioPriority::value(ioPriority::classBestEffort, 7));
     const auto chosen = prioritiesOf(child.process()).at(child.process());
     signals.restore(key, before);
     const auto now = prioritiesOf(child.process()).at(child.process());
