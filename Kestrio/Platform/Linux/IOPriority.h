@@ -1,5 +1,5 @@
-// I/O priorities as the kernel's `ioprio_get` and `ioprio_set` have them: a class in the upper bits, a level within it in
-// the lower. The kernel's own header for them is, in some of its versions, no C++.
+// I/O priorities as the kernel's `ioprio_get` and `ioprio_set` have them: a class in the upper bits, a level within it
+// in the lower. The kernel's own header for them is, in some of its versions, no C++.
 #pragma once
 
 namespace kestrio::ioPriority {
