@@ -70,6 +70,12 @@ BackgroundClient::BackgroundClient(std::unique_ptr<sdbus::IConnection> connectio
             if (*receiver)
                 (*receiver)(share);
         });
+    proxy_->uponSignal("MonitorReading")
+        .onInterface(busNames::interface)
+        .call([readings = monitorReadings_](const std::string& json) {
+            if (const auto reading = monitorReadingFromJSON(nlohmann::ordered_json::parse(json, nullptr, false)))
+                readings->emit(*reading);
+        });
     proxy_->finishRegistration();
 }
 
@@ -174,6 +180,25 @@ Subscription BackgroundClient::observe(std::function<void(const AgentStatus&)> r
     if (call("Watch"))
         *receiver_ = nullptr;
     return Subscription([held = receiver_] { *held = nullptr; });
+}
+
+Subscription BackgroundClient::observeMonitor(std::function<void(const MonitorReading&)> receiver) {
+    auto token = std::make_shared<Subscription>(monitorReadings_->subscribe(std::move(receiver)));
+    if (call("WatchMonitor"))
+        return {};
+    return Subscription([token, weak = std::weak_ptr(self_)] {
+        token->cancel();
+        if (const auto self = weak.lock(); self && !(*self)->monitorReadings_->hasReceivers())
+            (*self)->tell("UnwatchMonitor");
+    });
+}
+
+void BackgroundClient::tell(const char* method) {
+    try {
+        proxy_->callMethod(method).onInterface(busNames::interface).dontExpectReply();
+    } catch (const sdbus::Error&) {
+        // The bus is gone, and with it whom this would have told.
+    }
 }
 
 bool BackgroundClient::run() {
