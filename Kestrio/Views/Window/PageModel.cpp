@@ -10,7 +10,8 @@ void PageModel::setShown(bool isShown) {
 
 void PageModel::invalidate() {
     isStale_ = !isShown_;
-    isShown_ ? refresh() : forget();
+    if (isShown_)
+        refresh();
 }
 
 ReportPageModel::ReportPageModel(const WindowParts& parts)

@@ -35,9 +35,6 @@ protected:
     /// Works out everything anew.
     virtual void refresh() = 0;
 
-    /// Lets go of what will not be there any more: it has changed while nobody could see it.
-    virtual void forget() {}
-
 private:
     const WindowParts& parts_;
     bool isShown_ = false;
@@ -55,6 +52,8 @@ public:
 
 protected:
     const ActivityReport& report() const { return parts().dashboard.report().value(); }
+    /// The same for whoever holds on to it.
+    std::shared_ptr<const ActivityReport> sharedReport() const { return parts().dashboard.report().share(); }
 
 private:
     Subscription changes_;

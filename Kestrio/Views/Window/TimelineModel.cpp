@@ -80,8 +80,9 @@ std::vector<TimelineRows::Place> TimelineRows::allPlaces() const {
     return places;
 }
 
-void TimelineRows::show(const ActivityReport& report, TimelinePage page, std::string query, const Calendar& calendar) {
-    report_ = &report;
+void TimelineRows::show(std::shared_ptr<const ActivityReport> report, TimelinePage page, std::string query,
+                        const Calendar& calendar) {
+    report_ = std::move(report);
     calendar_ = &calendar;
     page_ = std::move(page);
     query_ = std::move(query);
@@ -169,7 +170,7 @@ void TimelineModel::refresh() {
     auto* const page = std::get_if<TimelinePage>(&answer);
     empty_ = page ? QVariant() : toVariant(std::get<EmptyActivity>(answer));
     message_ = page && page->message ? plain(*page->message) : QString();
-    rows_.show(report(), page ? std::move(*page) : TimelinePage{}, search_.query(), parts().calendar);
+    rows_.show(sharedReport(), page ? std::move(*page) : TimelinePage{}, search_.query(), parts().calendar);
     Q_EMIT refreshed();
 }
 

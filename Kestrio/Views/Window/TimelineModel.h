@@ -29,12 +29,9 @@ public:
     QVariant data(const QModelIndex& index, int role) const override;
     QHash<int, QByteArray> roleNames() const override;
 
-    /// The report must stay as it is until the next call of this or of `forget`. Rows that were there stay, so that
-    /// whoever reads them keeps their place, and blocks that were open stay open.
-    void show(const ActivityReport& report, TimelinePage page, std::string query, const Calendar& calendar);
-
-    /// The report goes; what shows stays as it is until the next `show`.
-    void forget() { report_ = nullptr; }
+    /// Rows that were there stay, so that whoever reads them keeps their place, and blocks that were open stay open.
+    void show(std::shared_ptr<const ActivityReport> report, TimelinePage page, std::string query,
+              const Calendar& calendar);
 
     /// Opens or closes the block at this row.
     Q_INVOKABLE void toggle(int row);
@@ -57,7 +54,7 @@ private:
     const TimelineBlockRow& blockRow(std::size_t block) const;
     QVariant value(const Place& place) const;
 
-    const ActivityReport* report_ = nullptr;
+    std::shared_ptr<const ActivityReport> report_;
     const Calendar* calendar_ = nullptr;
     TimelinePage page_;
     std::string query_;
@@ -98,7 +95,6 @@ Q_SIGNALS:
 
 protected:
     void refresh() override;
-    void forget() override { rows_.forget(); }
 
 private:
     TimelineSearch search_;
