@@ -30,6 +30,13 @@ std::string wordsOf(const sdbus::Error& error) {
     return error.getName().starts_with(busNames::errorPrefix) ? error.getMessage() : noAnswer;
 }
 
+/// The rule for the notice that the agent's name has no owner any more.
+std::string agentLeaves() {
+    return std::string("type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
+                       "member='NameOwnerChanged',arg0='") +
+           busNames::service + "',arg2=''";
+}
+
 } // namespace
 
 std::unique_ptr<BackgroundClient> BackgroundClient::connect(const std::string& busAddress) {
@@ -201,17 +208,27 @@ void BackgroundClient::tell(const char* method) {
     }
 }
 
+int BackgroundClient::descriptor() const {
+    return connection_->getEventLoopPollData().fd;
+}
+
+Subscription BackgroundClient::observeEnd(std::function<void()> receiver) {
+    try {
+        const auto slot = std::make_shared<sdbus::Slot>(
+            connection_->addMatch(agentLeaves(), [receiver = std::move(receiver)](sdbus::Message&) { receiver(); }));
+        return Subscription([slot] { slot->reset(); });
+    } catch (const sdbus::Error&) {
+        return {}; // the bus went, as whoever serves will see
+    }
+}
+
 bool BackgroundClient::run() {
     bool agentEnded = false;
     try {
-        const auto leaving = connection_->addMatch(
-            std::string("type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
-                        "member='NameOwnerChanged',arg0='") +
-                busNames::service + "',arg2=''",
-            [&](sdbus::Message&) {
-                agentEnded = true;
-                connection_->leaveEventLoop();
-            });
+        const auto leaving = connection_->addMatch(agentLeaves(), [&](sdbus::Message&) {
+            agentEnded = true;
+            connection_->leaveEventLoop();
+        });
         if (!status()) // gone before the rule was there
             return true;
         connection_->enterEventLoop();

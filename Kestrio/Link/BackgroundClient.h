@@ -39,6 +39,12 @@ public:
     /// bus went.
     bool serve(Seconds patience);
 
+    /// Can be read when something arrived; `serve` then delivers it.
+    int descriptor() const;
+
+    /// `receiver` is called when the agent leaves the bus, while changes are delivered.
+    Subscription observeEnd(std::function<void()> receiver);
+
 private:
     explicit BackgroundClient(std::unique_ptr<sdbus::IConnection> connection);
 
