@@ -2,11 +2,11 @@
 
 namespace kestrio {
 
-LocalBackground::LocalBackground(AppModel& model, Facts facts, OpenDashboard openDashboard, ImportFiles importFiles,
+LocalBackground::LocalBackground(AppModel& model, Facts facts, OpenWindow openWindow, ImportFiles importFiles,
                                  Browsers browsers)
     : model_(model),
       facts_(std::move(facts)),
-      openDashboard_(std::move(openDashboard)),
+      openWindow_(std::move(openWindow)),
       importFiles_(std::move(importFiles)),
       browsers_(std::move(browsers)) {
     const auto soon = [this](const auto&) { tellSoon(); };
@@ -50,8 +50,12 @@ Background::Failure LocalBackground::resume() {
     return std::nullopt;
 }
 
-Background::Failure LocalBackground::openDashboard() {
-    return openDashboard_();
+Background::Failure LocalBackground::openDashboard(std::optional<std::string> page) {
+    return openWindow_(DashboardRequest{std::move(page)});
+}
+
+Background::Failure LocalBackground::openSettings(std::optional<std::string> tab) {
+    return openWindow_(SettingsRequest{std::move(tab)});
 }
 
 Subscription LocalBackground::importFiles(std::vector<SessionFile> files, ImportReceiver receiver) {

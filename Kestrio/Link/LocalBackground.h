@@ -4,6 +4,7 @@
 
 #include "Kestrio/Base/Signal.h"
 #include "Kestrio/Link/Background.h"
+#include "Kestrio/Link/WindowRequest.h"
 #include "Kestrio/Shell/AppModel.h"
 
 namespace kestrio {
@@ -17,8 +18,8 @@ public:
         Date startedAt;
     };
 
-    /// Brings up the dashboard; says what is missing when it cannot.
-    using OpenDashboard = std::function<Failure()>;
+    /// Brings up a window; says what is missing when it cannot.
+    using OpenWindow = std::function<Failure(const WindowRequest&)>;
 
     /// Brings files into the database, as `Background::importFiles` says.
     using ImportFiles = std::function<Subscription(std::vector<SessionFile>, ImportReceiver)>;
@@ -27,13 +28,14 @@ public:
     using Browsers = std::function<std::vector<BrowserReading>()>;
 
     /// The model must outlive this.
-    LocalBackground(AppModel& model, Facts facts, OpenDashboard openDashboard, ImportFiles importFiles = {},
+    LocalBackground(AppModel& model, Facts facts, OpenWindow openWindow, ImportFiles importFiles = {},
                     Browsers browsers = {});
 
     std::optional<AgentStatus> status() override;
     Failure pause(std::optional<Seconds> length) override;
     Failure resume() override;
-    Failure openDashboard() override;
+    Failure openDashboard(std::optional<std::string> page) override;
+    Failure openSettings(std::optional<std::string> tab) override;
     Subscription importFiles(std::vector<SessionFile> files, ImportReceiver receiver) override;
     Subscription observeData(std::function<void()> receiver) override;
     std::optional<std::vector<BrowserReading>> browsers() override;
@@ -50,7 +52,7 @@ private:
 
     AppModel& model_;
     const Facts facts_;
-    const OpenDashboard openDashboard_;
+    const OpenWindow openWindow_;
     const ImportFiles importFiles_;
     const Browsers browsers_; // empty: nobody reads them
     Signal<AgentStatus> changed_;

@@ -16,9 +16,9 @@ struct LinkBench : MonitorBench {
         model = std::make_unique<AppModel>(AppModel::Parts{time, mainQueue, *monitor, settings, loginItem});
         background = std::make_unique<LocalBackground>(
             *model, LocalBackground::Facts{"1.2.3", 4711, "/home/ada/data/Kestrio", origin},
-            [this] {
-                ++dashboards;
-                return dashboardFailure;
+            [this](const WindowRequest& request) {
+                windows.push_back(request);
+                return windowFailure;
             },
             [this](auto files, auto receiver) { return importFiles(std::move(files), std::move(receiver)); },
             [this] { return browsers; });
@@ -29,8 +29,8 @@ struct LinkBench : MonitorBench {
     VirtualQueue virtualMain{time, "main"};
     Queue& mainQueue;
     ScriptedLoginItem loginItem;
-    int dashboards = 0;
-    Background::Failure dashboardFailure;
+    std::vector<WindowRequest> windows; // that were asked for
+    Background::Failure windowFailure;
     LocalBackground::ImportFiles importFiles;
     std::vector<BrowserReading> browsers;
     std::unique_ptr<AppModel> model;
