@@ -904,7 +904,7 @@ class OnADesktop(Case):
         for program, *arguments in (["kestrio"], ["kestrio", "--login"], ["kestrioctl", "record"]):
             second = self.start(program, *arguments)
             self.assertEqual(second.wait(DEADLINE), 0)
-            self.assertEqual(second.stderr.read(), f"kestrio: Kestrio is already running (process {agent.pid}).\n")
+            self.assertEqual(second.stderr.readline(), f"kestrio: Kestrio is already running (process {agent.pid}).\n")
             self.assertEqual(second.stdout.read(), "")
         self.assertIsNone(agent.poll())
 
