@@ -118,8 +118,12 @@ Background::Failure BackgroundClient::resume() {
     return call("Resume");
 }
 
-Background::Failure BackgroundClient::openDashboard() {
-    return call("OpenDashboard");
+Background::Failure BackgroundClient::openDashboard(std::optional<std::string> page) {
+    return page ? call("OpenPage", *page) : call("OpenDashboard");
+}
+
+Background::Failure BackgroundClient::openSettings(std::optional<std::string> tab) {
+    return call("OpenSettings", tab.value_or(""));
 }
 
 Subscription BackgroundClient::importFiles(std::vector<SessionFile> files, ImportReceiver receiver) {

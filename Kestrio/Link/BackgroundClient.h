@@ -25,7 +25,8 @@ public:
     std::optional<AgentStatus> status() override;
     Failure pause(std::optional<Seconds> length) override;
     Failure resume() override;
-    Failure openDashboard() override;
+    Failure openDashboard(std::optional<std::string> page) override;
+    Failure openSettings(std::optional<std::string> tab) override;
     Subscription importFiles(std::vector<SessionFile> files, ImportReceiver receiver) override;
     Subscription observeData(std::function<void()> receiver) override;
     std::optional<std::vector<BrowserReading>> browsers() override;

@@ -103,8 +103,18 @@ void BackgroundService::registerObject(sdbus::IConnection& connection) {
     });
     object_->registerMethod("Resume").onInterface(interface).implementedAs([this] { require(background_.resume()); });
     object_->registerMethod("OpenDashboard").onInterface(interface).implementedAs([this] {
-        require(background_.openDashboard());
+        require(background_.openDashboard(std::nullopt));
     });
+    object_->registerMethod("OpenPage")
+        .onInterface(interface)
+        .withInputParamNames("page")
+        .implementedAs([this](const std::string& page) { require(background_.openDashboard(page)); });
+    object_->registerMethod("OpenSettings")
+        .onInterface(interface)
+        .withInputParamNames("tab")
+        .implementedAs([this](const std::string& tab) {
+            require(background_.openSettings(tab.empty() ? std::nullopt : std::optional(tab)));
+        });
     object_->registerMethod("Browsers")
         .onInterface(interface)
         .withOutputParamNames("browsers") // each the bundle identifier, whether it is connected, whether accessible

@@ -1,7 +1,9 @@
 // The agent on the session bus: small typed methods and properties for people's scripts, JSON for the bulky readings.
 //
 //   Pause(d seconds)      pauses for so long         PauseIndefinitely()   until somebody resumes
-//   Resume()              goes on recording          OpenDashboard()
+//   Resume()              goes on recording
+//   OpenDashboard()       as it was left             OpenPage(s page)      one of its pages, by its raw text
+//   OpenSettings(s tab)   a tab by its raw text, or empty: as they were left
 //   Browsers() -> as      the browsers whose extension is connected, as bundle identifiers
 //   Status() -> s         everything that lives in memory, as JSON
 //   Import(a(sh) files) -> s      brings the sessions of exported files into the database, each a name for messages and
