@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <ctime>
 #include <iterator>
+#include <numeric>
 #include <sched.h>
 #include <set>
 #include <signal.h>
@@ -91,6 +92,22 @@ std::vector<int> coresOf(pid_t thread) {
     return cores;
 }
 
+/// All that the machine was set up for. Cores that are not there may be asked for along with others that are.
+std::vector<int> configuredCores() {
+    std::vector<int> cores(static_cast<std::size_t>(std::clamp(sysconf(_SC_NPROCESSORS_CONF), 1L, long{CPU_SETSIZE})));
+    std::iota(cores.begin(), cores.end(), 0);
+    const auto ours = coresOf(getpid());
+    std::vector<int> all;
+    std::set_union(cores.begin(), cores.end(), ours.begin(), ours.end(), std::back_inserter(all));
+    return all;
+}
+
+/// Where `sys` says nothing of cores, there is one class of them.
+CoreClasses coreClasses(const fs::path& sys) {
+    const auto online = kernelValue(sys / "devices/system/cpu/online").value_or("");
+    return parseCoreList(online).empty() ? CoreClasses{{}, configuredCores()} : readCoreClasses(sys);
+}
+
 bool setCores(pid_t thread, const std::vector<int>& cores) {
     cpu_set_t set;
     CPU_ZERO(&set);
@@ -145,7 +162,7 @@ std::vector<pid_t> numberedEntries(const fs::path& folder) {
 } // namespace
 
 LinuxProcessSignals::LinuxProcessSignals(Setup setup) : setup_(std::move(setup)) {
-    const auto classes = readCoreClasses(setup_.sys);
+    const auto classes = coreClasses(setup_.sys);
     std::set_union(classes.efficiency.begin(), classes.efficiency.end(), classes.performance.begin(),
                    classes.performance.end(), std::back_inserter(allCores_));
     slowCores_ = classes.efficiency.empty() ? lastQuarter(allCores_) : classes.efficiency;
