@@ -16,6 +16,8 @@
 
 namespace kestrio {
 
+class OptimizerLink;
+
 /// Everything that lives in the agent's memory.
 struct AgentStatus {
     TrackingState state = TrackingState::tracking;
@@ -77,6 +79,9 @@ public:
     /// `receiver` hears of every published change, within two seconds of it, until the token is dropped or the agent
     /// ends.
     virtual Subscription observe(std::function<void(const AgentStatus&)> receiver) = 0;
+
+    /// What may be asked of the optimizer, for as long as this lives. Null where there is none.
+    virtual OptimizerLink* optimizer() = 0;
 };
 
 } // namespace kestrio

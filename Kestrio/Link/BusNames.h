@@ -8,6 +8,9 @@ inline constexpr auto service = "dev.haldorvinter.Kestrio";
 inline constexpr auto object = "/dev/haldorvinter/Kestrio";
 inline constexpr auto interface = "dev.haldorvinter.Kestrio";
 
+inline constexpr auto optimizerObject = "/dev/haldorvinter/Kestrio/Optimizer";
+inline constexpr auto optimizerInterface = "dev.haldorvinter.Kestrio.Optimizer";
+
 inline constexpr auto errorPrefix = "dev.haldorvinter.Kestrio.Error.";
 inline constexpr auto errorFailed = "dev.haldorvinter.Kestrio.Error.Failed";
 inline constexpr auto errorInvalid = "dev.haldorvinter.Kestrio.Error.InvalidArgument";

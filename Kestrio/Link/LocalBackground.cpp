@@ -3,12 +3,13 @@
 namespace kestrio {
 
 LocalBackground::LocalBackground(AppModel& model, Facts facts, OpenDashboard openDashboard, ImportFiles importFiles,
-                                 Browsers browsers)
+                                 Browsers browsers, OptimizerLink* optimizer)
     : model_(model),
       facts_(std::move(facts)),
       openDashboard_(std::move(openDashboard)),
       importFiles_(std::move(importFiles)),
-      browsers_(std::move(browsers)) {
+      browsers_(std::move(browsers)),
+      optimizer_(optimizer) {
     const auto soon = [this](const auto&) { tellSoon(); };
     tokens_.push_back(model_.live().observe(soon));
     tokens_.push_back(model_.liveAlongside().observe(soon));

@@ -26,9 +26,9 @@ public:
     /// The browsers that are read, as `Background::browsers` tells them.
     using Browsers = std::function<std::vector<BrowserReading>()>;
 
-    /// The model must outlive this.
+    /// The model and the optimizer, which may be null, must outlive this.
     LocalBackground(AppModel& model, Facts facts, OpenDashboard openDashboard, ImportFiles importFiles = {},
-                    Browsers browsers = {});
+                    Browsers browsers = {}, OptimizerLink* optimizer = nullptr);
 
     std::optional<AgentStatus> status() override;
     Failure pause(std::optional<Seconds> length) override;
@@ -38,6 +38,7 @@ public:
     Subscription observeData(std::function<void()> receiver) override;
     std::optional<std::vector<BrowserReading>> browsers() override;
     Subscription observe(std::function<void(const AgentStatus&)> receiver) override;
+    OptimizerLink* optimizer() override { return optimizer_; }
 
     /// Runs work on the queue after what runs now.
     void afterwards(Queue::Work work) { model_.queue().async(std::move(work)); }
@@ -53,6 +54,7 @@ private:
     const OpenDashboard openDashboard_;
     const ImportFiles importFiles_;
     const Browsers browsers_; // empty: nobody reads them
+    OptimizerLink* const optimizer_;
     Signal<AgentStatus> changed_;
     Signal<> stateChanged_;
     Signal<> activityDataDidChange_;
