@@ -10,8 +10,8 @@
 #include "Kestrio/Monitor/SystemPanel.h"
 #include "Kestrio/Optimizer/Protections.h"
 #include "Kestrio/Platform/KeyValueStore.h"
-#include "Kestrio/Platform/ProcessSignals.h"
 #include "Kestrio/Resources/ResourceRecorder.h"
+#include "Programs/Agent/WrapSignals.h"
 
 #include <filesystem>
 #include <functional>
@@ -22,9 +22,6 @@ namespace kestrio {
 
 class HostOptimizer {
 public:
-    /// The real signals in, what the optimizer is to use out: for tests that let it die between two of them.
-    using WrapSignals = std::function<std::unique_ptr<ProcessSignals>(std::unique_ptr<ProcessSignals>)>;
-
     /// All must outlive this.
     struct Host {
         const Clock& clock;
@@ -32,7 +29,7 @@ public:
         KeyValueStore& settings; // tells of changes on the main queue
         std::filesystem::path dataFolder;
         std::filesystem::path programs; // the folder with `kestrio-rescue`
-        WrapSignals wrapSignals = {};   // none unless said
+        WrapSignals wrapSignals = {};
     };
 
     /// Gives back what earlier runs left frozen or slowed, at once, and begins nothing.

@@ -112,6 +112,10 @@ std::string stateWords(const PlannedApp& app) {
     return app.isSlowed ? "slowed" : "running";
 }
 
+std::string processCount(std::int64_t count) {
+    return fmt::format("{} {}", count, count == 1 ? "process" : "processes");
+}
+
 std::string nameOf(const std::string& name, std::size_t columns) {
     return padded(text::fittedToColumns(name, columns), columns);
 }
@@ -238,20 +242,20 @@ std::string optimizerStatusText(const OptimizerStatus& status, Date now, const C
         words += fmt::format("  Slows what uses {} or more in the background\n",
                              Fmt::cores(tuning.effectiveEfficiencyThreshold(), calendar));
     for (const auto& app : status.held) {
+        if (app.frozen == 0 && app.slowed == 0)
+            continue;
         std::string held;
         if (const auto* frozen = std::get_if<control::Frozen>(&app.control))
             held = fmt::format("frozen for {}, {}, {}", Fmt::duration(now - date(frozen->since)),
-                               counted(static_cast<std::size_t>(app.frozen), "process"),
-                               Fmt::memory(app.footprint, calendar));
+                               processCount(app.frozen), Fmt::memory(app.footprint, calendar));
         else if (std::holds_alternative<control::Waking>(app.control))
             held = "awake for a moment";
         if (app.slowed > 0)
-            held += (held.empty() ? "" : ", ") +
-                    fmt::format("{} slowed", counted(static_cast<std::size_t>(app.slowed), "process"));
+            held += (held.empty() ? "" : ", ") + fmt::format("{} slowed", processCount(app.slowed));
         words += fmt::format("\n  {}: {}{}", text::fittedToColumns(app.name, style.width / 3), held,
                              app.isManual ? ", by hand" : "");
     }
-    return words + (status.held.empty() ? "" : "\n");
+    return words + (words.ends_with('\n') ? "" : "\n");
 }
 
 std::string tierTable(const tindra::OptimizerRules& rules, Date now, const Calendar& calendar,
