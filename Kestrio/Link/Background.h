@@ -17,6 +17,8 @@
 
 namespace kestrio {
 
+class OptimizerLink;
+
 /// Everything that lives in the agent's memory.
 struct AgentStatus {
     TrackingState state = TrackingState::tracking;
@@ -88,6 +90,8 @@ public:
     /// until the token is dropped or the agent ends. The monitor looks closely for as long as anybody observes it. The
     /// token is empty when the agent does not answer.
     virtual Subscription observeMonitor(std::function<void(const MonitorReading&)> receiver) = 0;
+    /// What may be asked of the optimizer, for as long as this lives. Null where there is none.
+    virtual OptimizerLink* optimizer() = 0;
 };
 
 } // namespace kestrio

@@ -2,7 +2,9 @@
 
 #include "Kestrio/Base/Text.h"
 #include "Kestrio/Link/BusNames.h"
+#include "Kestrio/Link/BusWords.h"
 #include "Kestrio/Link/ImportJSON.h"
+#include "Kestrio/Link/OptimizerClient.h"
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
@@ -19,15 +21,8 @@ std::chrono::microseconds deadline() {
 /// How long an import may take before nobody waits for it any more.
 constexpr std::chrono::hours importDeadline{24};
 
-constexpr auto noAnswer = "Kestrio does not answer";
-
 std::optional<AgentStatus> parse(const std::string& text) {
     return agentStatusFromJSON(nlohmann::ordered_json::parse(text, nullptr, false));
-}
-
-/// What the agent itself says is for the person; what the library says is not.
-std::string wordsOf(const sdbus::Error& error) {
-    return error.getName().starts_with(busNames::errorPrefix) ? error.getMessage() : noAnswer;
 }
 
 /// The rule for the notice that the agent's name has no owner any more.
@@ -60,6 +55,7 @@ std::unique_ptr<BackgroundClient> BackgroundClient::connect(const std::string& b
 BackgroundClient::BackgroundClient(std::unique_ptr<sdbus::IConnection> connection)
     : connection_(std::move(connection)),
       proxy_(sdbus::createProxy(*connection_, busNames::service, busNames::object)),
+      optimizer_(std::make_unique<OptimizerClient>(*connection_)),
       receiver_(std::make_shared<std::function<void(const AgentStatus&)>>()) {
     proxy_->uponSignal("Changed")
         .onInterface(busNames::interface)
@@ -106,7 +102,7 @@ Background::Failure BackgroundClient::call(const char* method, Arguments... argu
         proxy_->callMethod(request, static_cast<std::uint64_t>(deadline().count()));
         return std::nullopt;
     } catch (const sdbus::Error& error) {
-        return wordsOf(error);
+        return busWords(error);
     }
 }
 
@@ -133,7 +129,7 @@ Subscription BackgroundClient::importFiles(std::vector<SessionFile> files, Impor
                                                                       const std::string& json) {
         *isOver = true;
         const auto outcome = importOutcomeFromJSON(nlohmann::ordered_json::parse(json, nullptr, false));
-        ended(error ? ImportFailure{wordsOf(*error)} : outcome.value_or(ImportFailure{noAnswer}));
+        ended(error ? ImportFailure{busWords(*error)} : outcome.value_or(ImportFailure{noAnswer}));
     };
     try {
         std::vector<sdbus::Struct<std::string, sdbus::UnixFd>> onBus;
@@ -224,6 +220,10 @@ Subscription BackgroundClient::observeEnd(std::function<void()> receiver) {
     } catch (const sdbus::Error&) {
         return {}; // the bus went, as whoever serves will see
     }
+}
+
+OptimizerLink* BackgroundClient::optimizer() {
+    return optimizer_.get();
 }
 
 bool BackgroundClient::run() {

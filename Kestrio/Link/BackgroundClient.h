@@ -15,6 +15,8 @@ class IProxy;
 
 namespace kestrio {
 
+class OptimizerClient;
+
 class BackgroundClient final : public Background {
 public:
     /// Null when there is no bus at the address or no agent on it. Does not start one. What listens at the address is
@@ -32,6 +34,7 @@ public:
     std::optional<std::vector<BrowserReading>> browsers() override;
     Subscription observe(std::function<void(const AgentStatus&)> receiver) override;
     Subscription observeMonitor(std::function<void(const MonitorReading&)> receiver) override;
+    OptimizerLink* optimizer() override;
 
     /// Delivers changes on the calling thread until the agent ends (true) or the bus does (false).
     bool run();
@@ -56,6 +59,7 @@ private:
 
     std::unique_ptr<sdbus::IConnection> connection_;
     std::unique_ptr<sdbus::IProxy> proxy_;
+    std::unique_ptr<OptimizerClient> optimizer_;
     std::shared_ptr<std::function<void(const AgentStatus&)>> receiver_;
     std::shared_ptr<std::function<void()>> dataReceiver_ = std::make_shared<std::function<void()>>();
     std::shared_ptr<std::function<void(double)>> shareReceiver_ = std::make_shared<std::function<void(double)>>();

@@ -2,6 +2,7 @@
 
 #include "Kestrio/Link/BusNames.h"
 #include "Kestrio/Link/ImportJSON.h"
+#include "Kestrio/Link/OptimizerService.h"
 
 #include <nlohmann/json.hpp>
 #include <sdbus-c++/sdbus-c++.h>
@@ -83,6 +84,8 @@ std::unique_ptr<BackgroundService> BackgroundService::offer(sdbus::IConnection& 
     // The object stands before the name does, so that nobody finds the one without the other.
     const bool offered = service->perform_([&](sdbus::IConnection&) {
         service->registerObject(connection);
+        if (auto* optimizer = background.optimizer())
+            service->optimizer_ = std::make_unique<OptimizerService>(connection, *optimizer);
         connection.requestName(busNames::service);
     });
     if (!offered)

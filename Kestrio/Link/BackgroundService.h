@@ -33,6 +33,8 @@ class IObject;
 
 namespace kestrio {
 
+class OptimizerService;
+
 class BackgroundService {
 public:
     /// Runs something that sends on the connection; false when that failed.
@@ -67,6 +69,7 @@ private:
     const Perform perform_;
     LocalBackground& background_;
     std::unique_ptr<sdbus::IObject> object_;
+    std::unique_ptr<OptimizerService> optimizer_;                            // null where there is none
     std::map<std::string, std::unique_ptr<Watcher>> watchers_;               // by unique bus name
     std::map<std::string, std::unique_ptr<MonitorWatcher>> monitorWatchers_; // by unique bus name
     Subscription changes_;                                                   // while somebody watches

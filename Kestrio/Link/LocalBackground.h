@@ -28,9 +28,10 @@ public:
         ImportFiles importFiles = {};
         std::function<std::vector<BrowserReading>()> browsers = {};
         ObserveMonitor observeMonitor = {};
+        OptimizerLink* optimizer = nullptr;
     };
 
-    /// The model must outlive this.
+    /// The model and the optimizer must outlive this.
     LocalBackground(AppModel& model, Facts facts, Services services);
 
     std::optional<AgentStatus> status() override;
@@ -43,6 +44,7 @@ public:
     std::optional<std::vector<BrowserReading>> browsers() override;
     Subscription observe(std::function<void(const AgentStatus&)> receiver) override;
     Subscription observeMonitor(std::function<void(const MonitorReading&)> receiver) override;
+    OptimizerLink* optimizer() override { return services_.optimizer; }
 
     /// Runs work on the queue after what runs now.
     void afterwards(Queue::Work work) { model_.queue().async(std::move(work)); }
