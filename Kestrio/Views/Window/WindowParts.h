@@ -21,6 +21,8 @@ struct WindowHost {
     std::function<bool()> startAgent = [] { return false; };
     /// Leads the person to where access to window titles is given, or says what to do.
     std::function<void()> grantAccessibility = [] {};
+    /// Whether the application of this bundle identifier shows sites.
+    std::function<bool(const std::string& bundleID)> isBrowser = [](const auto&) { return false; };
 };
 
 struct WindowParts {
