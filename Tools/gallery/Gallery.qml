@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 import Kestrio.Design
+import Kestrio.Gallery
 
 // All of the design system on one page, with switches for how it shows.
 Window {
