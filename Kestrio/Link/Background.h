@@ -5,6 +5,7 @@
 #pragma once
 
 #include "Kestrio/Base/Subscription.h"
+#include "Kestrio/Link/MonitorReading.h"
 #include "Kestrio/Model/Models.h"
 #include "Kestrio/Reports/SessionImport.h"
 
@@ -82,6 +83,11 @@ public:
     /// `receiver` hears of every published change, within two seconds of it, until the token is dropped or the agent
     /// ends.
     virtual Subscription observe(std::function<void(const AgentStatus&)> receiver) = 0;
+
+    /// `receiver` hears of the system monitor's readings, one every two seconds or so and the first within moments,
+    /// until the token is dropped or the agent ends. The monitor looks closely for as long as anybody observes it. The
+    /// token is empty when the agent does not answer.
+    virtual Subscription observeMonitor(std::function<void(const MonitorReading&)> receiver) = 0;
 };
 
 } // namespace kestrio

@@ -15,6 +15,12 @@ struct BackgroundService::Watcher {
     sdbus::Slot leaving;
 };
 
+/// Somebody who follows the system monitor.
+struct BackgroundService::MonitorWatcher {
+    sdbus::Slot leaving;
+    Subscription readings;
+};
+
 /// Somebody who waits for an import.
 struct BackgroundService::Import {
     std::string caller;
@@ -123,6 +129,12 @@ void BackgroundService::registerObject(sdbus::IConnection& connection) {
         return status ? text(*status) : std::string();
     });
     object_->registerMethod("Watch").onInterface(interface).implementedAs([this, &connection] { watch(connection); });
+    object_->registerMethod("WatchMonitor").onInterface(interface).implementedAs([this, &connection] {
+        watchMonitor(connection);
+    });
+    object_->registerMethod("UnwatchMonitor").onInterface(interface).implementedAs([this] {
+        monitorWatchers_.erase(object_->getCurrentlyProcessedMessage()->getSender());
+    });
     object_->registerMethod("Import")
         .onInterface(interface)
         .withInputParamNames("files")
@@ -144,6 +156,7 @@ void BackgroundService::registerObject(sdbus::IConnection& connection) {
     object_->registerProperty("Version").onInterface(interface).withGetter(
         [this] { return background_.status()->version; });
     object_->registerSignal("Changed").onInterface(interface).withParameters<std::string>("json");
+    object_->registerSignal("MonitorReading").onInterface(interface).withParameters<std::string>("json");
     object_->registerSignal("ImportProgress").onInterface(interface).withParameters<double>("share");
     object_->registerSignal("ActivityDataDidChange").onInterface(interface);
     object_->finishRegistration();
@@ -175,6 +188,30 @@ void BackgroundService::forget(const std::string& watcher) {
     watchers_.erase(watcher);
     if (watchers_.empty())
         changes_.cancel();
+}
+
+void BackgroundService::watchMonitor(sdbus::IConnection& connection) {
+    const auto sender = object_->getCurrentlyProcessedMessage()->getSender();
+    if (monitorWatchers_.contains(sender))
+        return;
+    auto watcher = std::make_unique<MonitorWatcher>();
+    watcher->leaving = observeLeaving(connection, sender, [this, sender] {
+        afterwards([sender](BackgroundService& self) { self.monitorWatchers_.erase(sender); });
+    });
+    if (!isOnBus(connection, sender))
+        return; // left before the rule was there
+    watcher->readings =
+        background_.observeMonitor([this, sender](const MonitorReading& reading) { tellReading(sender, reading); });
+    monitorWatchers_.emplace(sender, std::move(watcher));
+}
+
+void BackgroundService::tellReading(const std::string& watcher, const MonitorReading& reading) {
+    perform_([&](sdbus::IConnection&) {
+        auto signal = object_->createSignal(interface, "MonitorReading");
+        signal << text(reading);
+        signal.setDestination(watcher);
+        object_->emitSignal(signal);
+    });
 }
 
 void BackgroundService::beginImport(sdbus::IConnection& connection, std::shared_ptr<Import> import,

@@ -11,6 +11,8 @@
 //                         or the error as JSON. The caller meanwhile hears `ImportProgress(d share)`; it stops the
 //                         import by StopImport() or by leaving the bus.
 //   Watch()               from now on `Changed` is sent, until the caller leaves the bus
+//   WatchMonitor()        from now on the caller hears `MonitorReading(s json)`, what the system monitor sees, every
+//                         two seconds or so, until UnwatchMonitor() or until it leaves the bus
 //   ActivityDataDidChange()       a signal: stored sessions changed other than by recording
 //   State s, PausedUntil d (seconds since 1970, 0 when not paused), Version s      properties, with change notices
 //
@@ -44,6 +46,7 @@ public:
 
 private:
     struct Watcher;
+    struct MonitorWatcher;
     struct Import;
 
     BackgroundService(Perform perform, LocalBackground& background);
@@ -52,6 +55,8 @@ private:
     void watch(sdbus::IConnection& connection);
     void afterwards(std::function<void(BackgroundService&)> work);
     void forget(const std::string& watcher);
+    void watchMonitor(sdbus::IConnection& connection);
+    void tellReading(const std::string& watcher, const MonitorReading& reading);
     void beginImport(sdbus::IConnection& connection, std::shared_ptr<Import> import, std::vector<SessionFile> files);
     void stopImport(const std::string& caller);
     void tellShare(const Import& import, double share);
@@ -62,8 +67,9 @@ private:
     const Perform perform_;
     LocalBackground& background_;
     std::unique_ptr<sdbus::IObject> object_;
-    std::map<std::string, std::unique_ptr<Watcher>> watchers_; // by unique bus name
-    Subscription changes_;                                     // while somebody watches
+    std::map<std::string, std::unique_ptr<Watcher>> watchers_;               // by unique bus name
+    std::map<std::string, std::unique_ptr<MonitorWatcher>> monitorWatchers_; // by unique bus name
+    Subscription changes_;                                                   // while somebody watches
     Subscription stateChanges_;
     Subscription dataChanges_;
     std::map<std::string, std::shared_ptr<Import>> imports_; // by the caller's unique bus name

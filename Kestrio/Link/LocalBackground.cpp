@@ -3,12 +3,13 @@
 namespace kestrio {
 
 LocalBackground::LocalBackground(AppModel& model, Facts facts, OpenWindow openWindow, ImportFiles importFiles,
-                                 Browsers browsers)
+                                 Browsers browsers, ObserveMonitor observeMonitor)
     : model_(model),
       facts_(std::move(facts)),
       openWindow_(std::move(openWindow)),
       importFiles_(std::move(importFiles)),
-      browsers_(std::move(browsers)) {
+      browsers_(std::move(browsers)),
+      observeMonitor_(std::move(observeMonitor)) {
     const auto soon = [this](const auto&) { tellSoon(); };
     tokens_.push_back(model_.live().observe(soon));
     tokens_.push_back(model_.liveAlongside().observe(soon));
@@ -88,6 +89,10 @@ Subscription LocalBackground::observe(std::function<void(const AgentStatus&)> re
         token->cancel();
         look->cancel();
     });
+}
+
+Subscription LocalBackground::observeMonitor(std::function<void(const MonitorReading&)> receiver) {
+    return observeMonitor_ ? observeMonitor_(std::move(receiver)) : Subscription();
 }
 
 Subscription LocalBackground::observeState(std::function<void()> receiver) {

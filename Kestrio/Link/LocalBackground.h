@@ -27,9 +27,12 @@ public:
     /// The browsers that are read, as `Background::browsers` tells them.
     using Browsers = std::function<std::vector<BrowserReading>()>;
 
+    /// Follows the system monitor, as `Background::observeMonitor` says.
+    using ObserveMonitor = std::function<Subscription(std::function<void(const MonitorReading&)>)>;
+
     /// The model must outlive this.
     LocalBackground(AppModel& model, Facts facts, OpenWindow openWindow, ImportFiles importFiles = {},
-                    Browsers browsers = {});
+                    Browsers browsers = {}, ObserveMonitor observeMonitor = {});
 
     std::optional<AgentStatus> status() override;
     Failure pause(std::optional<Seconds> length) override;
@@ -40,6 +43,7 @@ public:
     Subscription observeData(std::function<void()> receiver) override;
     std::optional<std::vector<BrowserReading>> browsers() override;
     Subscription observe(std::function<void(const AgentStatus&)> receiver) override;
+    Subscription observeMonitor(std::function<void(const MonitorReading&)> receiver) override;
 
     /// Runs work on the queue after what runs now.
     void afterwards(Queue::Work work) { model_.queue().async(std::move(work)); }
@@ -54,7 +58,8 @@ private:
     const Facts facts_;
     const OpenWindow openWindow_;
     const ImportFiles importFiles_;
-    const Browsers browsers_; // empty: nobody reads them
+    const Browsers browsers_;             // empty: nobody reads them
+    const ObserveMonitor observeMonitor_; // empty: there is no monitor
     Signal<AgentStatus> changed_;
     Signal<> stateChanged_;
     Signal<> activityDataDidChange_;

@@ -23,6 +23,7 @@
 #include "Programs/Agent/HostClassification.h"
 #include "Programs/Agent/HostDesktop.h"
 #include "Programs/Agent/HostMedia.h"
+#include "Programs/Agent/HostMonitor.h"
 #include "Programs/Agent/HostResources.h"
 #include "Programs/Agent/WindowLauncher.h"
 
@@ -95,6 +96,7 @@ public:
         monitor_.emplace(ActivityMonitor::Host{clock_, monitorQueue_, desktop_->workspace, desktop_->windowTitles,
                                                desktop_->inputIdle, desktop_->sessionEvents, settings_},
                          *database_, HostDesktop::hostApplications(), collaborators());
+        systemMonitor_.emplace(clock_, main_);
         resources_.emplace(clock_, main_, settings_, dataFolder_, monitorQueue_, *desktop_, *monitor_);
         const auto program = ownProgram();
         loginItem_.emplace(locations_.autostartFolder(), program);
@@ -103,7 +105,8 @@ public:
             *model_, LocalBackground::Facts{AppInfo::version(), getpid(), dataFolder_.string(), clock_.now()},
             [this](const WindowRequest& request) { return windows_->show(request); },
             [this](auto files, auto receiver) { return importFiles(std::move(files), std::move(receiver)); },
-            [this] { return browsers_->readings(); });
+            [this] { return browsers_->readings(); },
+            [this](auto receiver) { return systemMonitor_->observe(std::move(receiver)); });
         if (!offerOnBus())
             return 0;
         const auto signals = signals_.observe(main_, [this] { endBySignal(); });
@@ -111,6 +114,7 @@ public:
             changes_ = background_->observe(options_.onChange);
         model_->start();
         resources_->recorder().start();
+        systemMonitor_->start();
         openDashboardAtLaunch();
         giveBackMemory_ = main_.after(Seconds(10), [] { malloc_trim(0); });
         main_.run();
@@ -123,6 +127,7 @@ public:
         background_.reset();
         model_.reset();
         resources_.reset();
+        systemMonitor_.reset();
         monitor_.reset();
         monitorQueue_.sync([this] {
             media_.reset();
@@ -291,6 +296,7 @@ private:
     std::unique_ptr<HostMedia> media_;
     std::optional<BackgroundImport> import_;
     std::optional<ActivityMonitor> monitor_;
+    std::optional<HostMonitor> systemMonitor_;
     std::optional<HostResources> resources_;
     std::optional<AutostartLoginItem> loginItem_;
     std::optional<AppModel> model_;

@@ -21,7 +21,7 @@ struct LinkBench : MonitorBench {
                 return windowFailure;
             },
             [this](auto files, auto receiver) { return importFiles(std::move(files), std::move(receiver)); },
-            [this] { return browsers; });
+            [this] { return browsers; }, [this](auto receiver) { return observeMonitor(std::move(receiver)); });
         model->start();
         pass(2.6);
     }
@@ -33,6 +33,7 @@ struct LinkBench : MonitorBench {
     Background::Failure windowFailure;
     LocalBackground::ImportFiles importFiles;
     std::vector<BrowserReading> browsers;
+    LocalBackground::ObserveMonitor observeMonitor = [](const auto&) { return Subscription(); };
     std::unique_ptr<AppModel> model;
     std::unique_ptr<LocalBackground> background;
 };

@@ -78,6 +78,25 @@ TEST(LocalBackground, saysHowBrowsersAreRead) {
     EXPECT_EQ(without.browsers(), std::vector<BrowserReading>());
 }
 
+TEST(LocalBackground, handsOnWhatTheSystemMonitorSees) {
+    LinkBench bench;
+    std::function<void(const MonitorReading&)> told;
+    bench.observeMonitor = [&](auto receiver) {
+        told = std::move(receiver);
+        return Subscription([&] { told = nullptr; });
+    };
+    std::size_t cores = 0;
+    auto token = bench.background->observeMonitor([&](const MonitorReading& reading) { cores = reading.cores; });
+    MonitorReading reading;
+    reading.cores = 12;
+    told(reading);
+    EXPECT_EQ(cores, 12u);
+    token.cancel();
+    EXPECT_FALSE(told);
+    LocalBackground without(*bench.model, {}, [] { return std::nullopt; });
+    EXPECT_FALSE(without.observeMonitor([](const auto&) {}).isActive());
+}
+
 TEST(LocalBackground, changesOfOneMomentAreToldTogetherAndOnlyWhenThereAreAny) {
     LinkBench bench;
     std::vector<AgentStatus> told;

@@ -978,6 +978,23 @@ class OnADesktop(Case):
         self.assertTrue(until(self.is_worth_a_row))
         self.assertIn(",XTerm,", self.ctl("export", "--range", "today", "-o", "-"))  # still open
 
+    def test_the_monitor_is_asked_of_the_agent_where_one_runs(self):
+        agent = self.start_agent()
+        calls = self.start("dbus-monitor", "--session", "type='method_call',interface='dev.haldorvinter.Kestrio'")
+        heard = []
+        threading.Thread(target=lambda: heard.extend(iter(calls.stdout.readline, "")), daemon=True).start()
+        self.assertTrue(until(lambda: heard))  # it listens
+        for _ in range(2):
+            data = json.loads(self.ctl("monitor", "--json"))
+            self.assertTrue(data["hasAppCPU"])
+            self.assertGreater(data["uptime"], 0)
+            self.assertGreater(len(data["topMemory"]), 0)
+        self.assertTrue(until(lambda: sum("member=WatchMonitor" in line for line in heard) == 2))
+        self.assertTrue(self.ctl("monitor").startswith("  System   "))
+        agent.kill()
+        agent.wait()
+        self.assertTrue(json.loads(self.ctl("monitor", "--json"))["hasAppCPU"])
+
     def test_an_import_through_the_agent_can_be_interrupted(self):
         agent = self.start_agent()
         file = self.folder / "many.csv"
