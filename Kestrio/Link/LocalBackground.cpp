@@ -3,13 +3,13 @@
 namespace kestrio {
 
 LocalBackground::LocalBackground(AppModel& model, Facts facts, OpenDashboard openDashboard, ImportFiles importFiles,
-                                 Browsers browsers, ObserveMonitor observeMonitor)
+                                 Browsers browsers, Machine machine)
     : model_(model),
       facts_(std::move(facts)),
       openDashboard_(std::move(openDashboard)),
       importFiles_(std::move(importFiles)),
       browsers_(std::move(browsers)),
-      observeMonitor_(std::move(observeMonitor)) {
+      machine_(std::move(machine)) {
     const auto soon = [this](const auto&) { tellSoon(); };
     tokens_.push_back(model_.live().observe(soon));
     tokens_.push_back(model_.liveAlongside().observe(soon));
@@ -78,6 +78,10 @@ std::optional<std::vector<BrowserReading>> LocalBackground::browsers() {
     return browsers_ ? browsers_() : std::vector<BrowserReading>();
 }
 
+std::optional<AgentCost> LocalBackground::ownCost() {
+    return machine_.ownCost ? machine_.ownCost() : AgentCost();
+}
+
 Subscription LocalBackground::observe(std::function<void(const AgentStatus&)> receiver) {
     auto look = std::make_shared<Subscription>(model_.showLive());
     auto token = std::make_shared<Subscription>(changed_.subscribe(std::move(receiver)));
@@ -88,7 +92,7 @@ Subscription LocalBackground::observe(std::function<void(const AgentStatus&)> re
 }
 
 Subscription LocalBackground::observeMonitor(std::function<void(const MonitorReading&)> receiver) {
-    return observeMonitor_ ? observeMonitor_(std::move(receiver)) : Subscription();
+    return machine_.observeMonitor ? machine_.observeMonitor(std::move(receiver)) : Subscription();
 }
 
 Subscription LocalBackground::observeState(std::function<void()> receiver) {

@@ -26,12 +26,16 @@ public:
     /// The browsers that are read, as `Background::browsers` tells them.
     using Browsers = std::function<std::vector<BrowserReading>()>;
 
-    /// Follows the system monitor, as `Background::observeMonitor` says.
-    using ObserveMonitor = std::function<Subscription(std::function<void(const MonitorReading&)>)>;
+    /// What is known of the machine; an empty one knows nothing.
+    struct Machine {
+        /// As `Background::observeMonitor` says.
+        std::function<Subscription(std::function<void(const MonitorReading&)>)> observeMonitor;
+        std::function<AgentCost()> ownCost;
+    };
 
     /// The model must outlive this.
     LocalBackground(AppModel& model, Facts facts, OpenDashboard openDashboard, ImportFiles importFiles = {},
-                    Browsers browsers = {}, ObserveMonitor observeMonitor = {});
+                    Browsers browsers = {}, Machine machine = {});
 
     std::optional<AgentStatus> status() override;
     Failure pause(std::optional<Seconds> length) override;
@@ -40,6 +44,7 @@ public:
     Subscription importFiles(std::vector<SessionFile> files, ImportReceiver receiver) override;
     Subscription observeData(std::function<void()> receiver) override;
     std::optional<std::vector<BrowserReading>> browsers() override;
+    std::optional<AgentCost> ownCost() override;
     Subscription observe(std::function<void(const AgentStatus&)> receiver) override;
     Subscription observeMonitor(std::function<void(const MonitorReading&)> receiver) override;
 
@@ -56,8 +61,8 @@ private:
     const Facts facts_;
     const OpenDashboard openDashboard_;
     const ImportFiles importFiles_;
-    const Browsers browsers_;             // empty: nobody reads them
-    const ObserveMonitor observeMonitor_; // empty: there is no monitor
+    const Browsers browsers_; // empty: nobody reads them
+    const Machine machine_;
     Signal<AgentStatus> changed_;
     Signal<> stateChanged_;
     Signal<> activityDataDidChange_;

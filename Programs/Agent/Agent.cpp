@@ -105,7 +105,9 @@ public:
             [this] { return openDashboard(); },
             [this](auto files, auto receiver) { return importFiles(std::move(files), std::move(receiver)); },
             [this] { return browsers_->readings(); },
-            [this](auto receiver) { return systemMonitor_->observe(std::move(receiver)); });
+            LocalBackground::Machine{
+                .observeMonitor = [this](auto receiver) { return systemMonitor_->observe(std::move(receiver)); },
+                .ownCost = [this] { return resources_->cost(); }});
         if (!offerOnBus())
             return 0;
         const auto signals = signals_.observe(main_, [this] { endBySignal(); });

@@ -6,6 +6,7 @@
 
 #include "Kestrio/Activity/ActivityMonitor.h"
 #include "Kestrio/Base/LoopQueue.h"
+#include "Kestrio/Link/AgentCost.h"
 #include "Kestrio/Monitor/SystemSampler.h"
 #include "Kestrio/Platform/Linux/LinuxOwnUse.h"
 #include "Kestrio/Platform/Linux/LinuxSensors.h"
@@ -44,6 +45,8 @@ public:
     HostResources& operator=(const HostResources&) = delete;
 
     ResourceRecorder& recorder() { return *recorder_; }
+
+    AgentCost cost() const { return {.cost = recorder_->ownCost(), .lowered = recorder_->loweredPace()}; }
 
 private:
     /// Batteries and heat change slowly.

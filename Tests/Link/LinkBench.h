@@ -21,7 +21,10 @@ struct LinkBench : MonitorBench {
                 return dashboardFailure;
             },
             [this](auto files, auto receiver) { return importFiles(std::move(files), std::move(receiver)); },
-            [this] { return browsers; }, [this](auto receiver) { return observeMonitor(std::move(receiver)); });
+            [this] { return browsers; },
+            LocalBackground::Machine{
+                .observeMonitor = [this](auto receiver) { return machine.observeMonitor(std::move(receiver)); },
+                .ownCost = [this] { return machine.ownCost(); }});
         model->start();
         pass(2.6);
     }
@@ -33,7 +36,8 @@ struct LinkBench : MonitorBench {
     Background::Failure dashboardFailure;
     LocalBackground::ImportFiles importFiles;
     std::vector<BrowserReading> browsers;
-    LocalBackground::ObserveMonitor observeMonitor = [](const auto&) { return Subscription(); };
+    LocalBackground::Machine machine{.observeMonitor = [](const auto&) { return Subscription(); },
+                                     .ownCost = [] { return AgentCost(); }};
     std::unique_ptr<AppModel> model;
     std::unique_ptr<LocalBackground> background;
 };

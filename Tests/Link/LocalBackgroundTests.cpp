@@ -72,7 +72,7 @@ TEST(LocalBackground, saysHowBrowsersAreRead) {
 TEST(LocalBackground, handsOnWhatTheSystemMonitorSees) {
     LinkBench bench;
     std::function<void(const MonitorReading&)> told;
-    bench.observeMonitor = [&](auto receiver) {
+    bench.machine.observeMonitor = [&](auto receiver) {
         told = std::move(receiver);
         return Subscription([&] { told = nullptr; });
     };
@@ -86,6 +86,16 @@ TEST(LocalBackground, handsOnWhatTheSystemMonitorSees) {
     EXPECT_FALSE(told);
     LocalBackground without(*bench.model, {}, [] { return std::nullopt; });
     EXPECT_FALSE(without.observeMonitor([](const auto&) {}).isActive());
+}
+
+TEST(LocalBackground, saysWhatItCosts) {
+    LinkBench bench;
+    EXPECT_EQ(bench.background->ownCost(), AgentCost());
+    const OwnCost cost{.span = Seconds(600), .cores = 0.006, .memory = 1, .wakeupsPerSecond = 2};
+    bench.machine.ownCost = [&] { return AgentCost{cost, LoweredPace{origin, origin + Seconds(3600), cost}}; };
+    EXPECT_EQ(bench.background->ownCost(), bench.machine.ownCost());
+    LocalBackground without(*bench.model, {}, [] { return std::nullopt; });
+    EXPECT_EQ(without.ownCost(), AgentCost());
 }
 
 TEST(LocalBackground, changesOfOneMomentAreToldTogetherAndOnlyWhenThereAreAny) {

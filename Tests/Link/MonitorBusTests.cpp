@@ -22,7 +22,7 @@ struct ScriptedFeed {
     int looking = 0;
     int everLooked = 0;
 
-    LocalBackground::ObserveMonitor observe() {
+    auto observe() {
         return [this](std::function<void(const MonitorReading&)> receiver) {
             ++looking;
             ++everLooked;
@@ -38,7 +38,7 @@ struct ScriptedFeed {
 class MonitorOnTheBus : public testing::Test {
 protected:
     MonitorOnTheBus() {
-        agent->with([this](LinkBench& bench) { bench.observeMonitor = feed.observe(); });
+        agent->with([this](LinkBench& bench) { bench.machine.observeMonitor = feed.observe(); });
     }
     ~MonitorOnTheBus() override { agent.reset(); }
 
