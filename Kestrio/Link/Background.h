@@ -5,6 +5,7 @@
 #pragma once
 
 #include "Kestrio/Base/Subscription.h"
+#include "Kestrio/Link/AgentCost.h"
 #include "Kestrio/Link/MonitorReading.h"
 #include "Kestrio/Model/Models.h"
 #include "Kestrio/Reports/SessionImport.h"
@@ -81,6 +82,9 @@ public:
     /// By bundle identifier, the browsers that tell of themselves in one way at least. Absent when the agent does not
     /// answer.
     virtual std::optional<std::vector<BrowserReading>> browsers() = 0;
+
+    /// What the agent itself takes of the machine. Absent when it does not answer.
+    virtual std::optional<AgentCost> ownCost() = 0;
 
     /// `receiver` hears of every published change, within two seconds of it, until the token is dropped or the agent
     /// ends.

@@ -131,6 +131,10 @@ void BackgroundService::registerObject(sdbus::IConnection& connection) {
         const auto status = background_.status();
         return status ? text(*status) : std::string();
     });
+    object_->registerMethod("OwnCost").onInterface(interface).withOutputParamNames("json").implementedAs([this] {
+        const auto cost = background_.ownCost();
+        return cost ? text(*cost) : std::string();
+    });
     object_->registerMethod("Watch").onInterface(interface).implementedAs([this, &connection] { watch(connection); });
     object_->registerMethod("WatchMonitor").onInterface(interface).implementedAs([this, &connection] {
         watchMonitor(connection);

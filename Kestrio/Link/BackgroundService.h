@@ -10,6 +10,7 @@
 //                         a descriptor open for reading. Answers at the end, which may be minutes away, with the counts
 //                         or the error as JSON. The caller meanwhile hears `ImportProgress(d share)`; it stops the
 //                         import by StopImport() or by leaving the bus.
+//   OwnCost() -> s        what the agent itself takes of the machine, as JSON
 //   Watch()               from now on `Changed` is sent, until the caller leaves the bus
 //   WatchMonitor()        from now on the caller hears `MonitorReading(s json)`, what the system monitor sees, every
 //                         two seconds or so, until UnwatchMonitor() or until it leaves the bus

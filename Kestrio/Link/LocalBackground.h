@@ -28,6 +28,7 @@ public:
         ImportFiles importFiles = {};
         std::function<std::vector<BrowserReading>()> browsers = {};
         ObserveMonitor observeMonitor = {};
+        std::function<AgentCost()> ownCost = {};
         OptimizerLink* optimizer = nullptr;
     };
 
@@ -42,6 +43,7 @@ public:
     Subscription importFiles(std::vector<SessionFile> files, ImportReceiver receiver) override;
     Subscription observeData(std::function<void()> receiver) override;
     std::optional<std::vector<BrowserReading>> browsers() override;
+    std::optional<AgentCost> ownCost() override;
     Subscription observe(std::function<void(const AgentStatus&)> receiver) override;
     Subscription observeMonitor(std::function<void(const MonitorReading&)> receiver) override;
     OptimizerLink* optimizer() override { return services_.optimizer; }

@@ -114,6 +114,7 @@ public:
                                       auto receiver) { return importFiles(std::move(files), std::move(receiver)); },
                 .browsers = [this] { return browsers_->readings(); },
                 .observeMonitor = [this](auto receiver) { return systemMonitor_->observe(std::move(receiver)); },
+                .ownCost = [this] { return resources_->cost(); },
                 .optimizer = optimizer_->link(),
             });
         if (!offerOnBus())

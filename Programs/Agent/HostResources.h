@@ -6,6 +6,7 @@
 
 #include "Kestrio/Activity/ActivityMonitor.h"
 #include "Kestrio/Base/LoopQueue.h"
+#include "Kestrio/Link/AgentCost.h"
 #include "Kestrio/Monitor/SystemSampler.h"
 #include "Kestrio/Platform/Linux/LinuxOwnUse.h"
 #include "Kestrio/Platform/Linux/LinuxSensors.h"
@@ -55,6 +56,8 @@ public:
         if (store_)
             store_->add(event.kind, std::move(app), event.detail, event.bytes, event.at);
     }
+
+    AgentCost cost() const { return {.cost = recorder_->ownCost(), .lowered = recorder_->loweredPace()}; }
 
 private:
     /// Batteries and heat change slowly.
