@@ -30,6 +30,8 @@ struct WindowHost {
     std::function<bool()> startAgent = [] { return false; };
     /// Leads the person to where access to window titles is given, or says what to do.
     std::function<void()> grantAccessibility = [] {};
+    /// Whether the application of this bundle identifier shows sites.
+    std::function<bool(const std::string& bundleID)> isBrowser = [](const auto&) { return false; };
     /// The file with an application's icon, as `AppIconView` asks for it: on a thread of its own.
     std::function<std::optional<std::filesystem::path>(const std::string& application, int pixels)> iconFile =
         [](const auto&, int) { return std::nullopt; };

@@ -57,6 +57,8 @@ public:
         return script_.dataChanged.subscribe(std::move(receiver));
     }
     std::optional<std::vector<BrowserReading>> browsers() override { return std::vector<BrowserReading>(); }
+    std::optional<AgentCost> ownCost() override { return std::nullopt; }
+    OptimizerLink* optimizer() override { return nullptr; }
     Subscription observe(std::function<void(const AgentStatus&)> receiver) override {
         return script_.changed.subscribe(std::move(receiver));
     }
