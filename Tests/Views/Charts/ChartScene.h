@@ -18,6 +18,8 @@ public:
     /// `strips`, `breakdown`, `categoryBar` and `browserTrend`.
     ChartScene(const SharedReport& report, const Viewpoint& viewpoint, const char* qml, QSize size,
                bool isDark = false) {
+        engine.addImportPath("qrc:/qt/qml");
+        QQmlComponent(&engine).setData("import QtQml\nimport Kestrio.Design\nQtObject {}", QUrl()); // its types
         auto& appearance = installDesign(engine, [](const auto&, int) { return std::nullopt; });
         appearance.setDesktop({.isDark = isDark});
         show(report, viewpoint);
@@ -29,7 +31,7 @@ public:
         component.setData(QByteArray("import QtQuick\nimport QtQuick.Layouts\nimport Kestrio.Design\n"
                                      "import Kestrio.Charts\n") +
                               qml,
-                          QUrl());
+                          QUrl("qrc:/Scene.qml"));
         made.reset(qobject_cast<QQuickItem*>(component.create()));
         EXPECT_TRUE(made) << component.errorString().toStdString();
         if (!made)
