@@ -1,13 +1,16 @@
 // The agent on the session bus: small typed methods and properties for people's scripts, JSON for the bulky readings.
 //
 //   Pause(d seconds)      pauses for so long         PauseIndefinitely()   until somebody resumes
-//   Resume()              goes on recording          OpenDashboard()
+//   Resume()              goes on recording
+//   OpenDashboard()       as it was left             OpenPage(s page)      one of its pages, by its raw text
+//   OpenSettings(s tab)   a tab by its raw text, or empty: as they were left
 //   Browsers() -> as      the browsers whose extension is connected, as bundle identifiers
 //   Status() -> s         everything that lives in memory, as JSON
 //   Import(a(sh) files) -> s      brings the sessions of exported files into the database, each a name for messages and
 //                         a descriptor open for reading. Answers at the end, which may be minutes away, with the counts
 //                         or the error as JSON. The caller meanwhile hears `ImportProgress(d share)`; it stops the
 //                         import by StopImport() or by leaving the bus.
+//   OwnCost() -> s        what the agent itself takes of the machine, as JSON
 //   Watch()               from now on `Changed` is sent, until the caller leaves the bus
 //   WatchMonitor()        from now on the caller hears `MonitorReading(s json)`, what the system monitor sees, every
 //                         two seconds or so, until UnwatchMonitor() or until it leaves the bus
@@ -30,6 +33,8 @@ class IObject;
 } // namespace sdbus
 
 namespace kestrio {
+
+class OptimizerService;
 
 class BackgroundService {
 public:
@@ -65,6 +70,7 @@ private:
     const Perform perform_;
     LocalBackground& background_;
     std::unique_ptr<sdbus::IObject> object_;
+    std::unique_ptr<OptimizerService> optimizer_;                            // null where there is none
     std::map<std::string, std::unique_ptr<Watcher>> watchers_;               // by unique bus name
     std::map<std::string, std::unique_ptr<MonitorWatcher>> monitorWatchers_; // by unique bus name
     Subscription changes_;                                                   // while somebody watches
