@@ -2,7 +2,9 @@
 
 #include "Kestrio/Base/Text.h"
 #include "Kestrio/Link/BusNames.h"
+#include "Kestrio/Link/BusWords.h"
 #include "Kestrio/Link/ImportJSON.h"
+#include "Kestrio/Link/OptimizerClient.h"
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
@@ -19,15 +21,9 @@ std::chrono::microseconds deadline() {
 /// How long an import may take before nobody waits for it any more.
 constexpr std::chrono::hours importDeadline{24};
 
-constexpr auto noAnswer = "Kestrio does not answer";
-
-std::optional<AgentStatus> parse(const std::string& text) {
-    return agentStatusFromJSON(nlohmann::ordered_json::parse(text, nullptr, false));
-}
-
-/// What the agent itself says is for the person; what the library says is not.
-std::string wordsOf(const sdbus::Error& error) {
-    return error.getName().starts_with(busNames::errorPrefix) ? error.getMessage() : noAnswer;
+/// What is no JSON is a value of a type of its own, which no reader takes.
+nlohmann::ordered_json parsed(const std::string& text) {
+    return nlohmann::ordered_json::parse(text, nullptr, false);
 }
 
 /// The rule for the notice that the agent's name has no owner any more.
@@ -60,11 +56,12 @@ std::unique_ptr<BackgroundClient> BackgroundClient::connect(const std::string& b
 BackgroundClient::BackgroundClient(std::unique_ptr<sdbus::IConnection> connection)
     : connection_(std::move(connection)),
       proxy_(sdbus::createProxy(*connection_, busNames::service, busNames::object)),
+      optimizer_(std::make_unique<OptimizerClient>(*connection_)),
       receiver_(std::make_shared<std::function<void(const AgentStatus&)>>()) {
     proxy_->uponSignal("Changed")
         .onInterface(busNames::interface)
         .call([receiver = receiver_](const std::string& json) {
-            if (const auto status = parse(json); status && *receiver)
+            if (const auto status = agentStatusFromJSON(parsed(json)); status && *receiver)
                 (*receiver)(*status);
         });
     proxy_->uponSignal("ActivityDataDidChange").onInterface(busNames::interface).call([receiver = dataReceiver_] {
@@ -80,7 +77,7 @@ BackgroundClient::BackgroundClient(std::unique_ptr<sdbus::IConnection> connectio
     proxy_->uponSignal("MonitorReading")
         .onInterface(busNames::interface)
         .call([readings = monitorReadings_](const std::string& json) {
-            if (const auto reading = monitorReadingFromJSON(nlohmann::ordered_json::parse(json, nullptr, false)))
+            if (const auto reading = monitorReadingFromJSON(parsed(json)))
                 readings->emit(*reading);
         });
     proxy_->finishRegistration();
@@ -88,14 +85,24 @@ BackgroundClient::BackgroundClient(std::unique_ptr<sdbus::IConnection> connectio
 
 BackgroundClient::~BackgroundClient() = default;
 
-std::optional<AgentStatus> BackgroundClient::status() {
+std::optional<std::string> BackgroundClient::answer(const char* method) {
     try {
-        std::string json;
-        proxy_->callMethod("Status").onInterface(busNames::interface).withTimeout(deadline()).storeResultsTo(json);
-        return parse(json);
+        std::string text;
+        proxy_->callMethod(method).onInterface(busNames::interface).withTimeout(deadline()).storeResultsTo(text);
+        return text;
     } catch (const sdbus::Error&) {
         return std::nullopt;
     }
+}
+
+std::optional<AgentStatus> BackgroundClient::status() {
+    const auto json = answer("Status");
+    return json ? agentStatusFromJSON(parsed(*json)) : std::nullopt;
+}
+
+std::optional<AgentCost> BackgroundClient::ownCost() {
+    const auto json = answer("OwnCost");
+    return json ? agentCostFromJSON(parsed(*json)) : std::nullopt;
 }
 
 template <class... Arguments>
@@ -106,7 +113,7 @@ Background::Failure BackgroundClient::call(const char* method, Arguments... argu
         proxy_->callMethod(request, static_cast<std::uint64_t>(deadline().count()));
         return std::nullopt;
     } catch (const sdbus::Error& error) {
-        return wordsOf(error);
+        return busWords(error);
     }
 }
 
@@ -132,8 +139,8 @@ Subscription BackgroundClient::importFiles(std::vector<SessionFile> files, Impor
     const auto answered = [isOver, ended = std::move(receiver.ended)](const sdbus::Error* error,
                                                                       const std::string& json) {
         *isOver = true;
-        const auto outcome = importOutcomeFromJSON(nlohmann::ordered_json::parse(json, nullptr, false));
-        ended(error ? ImportFailure{wordsOf(*error)} : outcome.value_or(ImportFailure{noAnswer}));
+        const auto outcome = importOutcomeFromJSON(parsed(json));
+        ended(error ? ImportFailure{busWords(*error)} : outcome.value_or(ImportFailure{noAnswer}));
     };
     try {
         std::vector<sdbus::Struct<std::string, sdbus::UnixFd>> onBus;
@@ -224,6 +231,10 @@ Subscription BackgroundClient::observeEnd(std::function<void()> receiver) {
     } catch (const sdbus::Error&) {
         return {}; // the bus went, as whoever serves will see
     }
+}
+
+OptimizerLink* BackgroundClient::optimizer() {
+    return optimizer_.get();
 }
 
 bool BackgroundClient::run() {

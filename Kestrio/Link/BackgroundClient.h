@@ -15,6 +15,8 @@ class IProxy;
 
 namespace kestrio {
 
+class OptimizerClient;
+
 class BackgroundClient final : public Background {
 public:
     /// Null when there is no bus at the address or no agent on it. Does not start one. What listens at the address is
@@ -30,8 +32,10 @@ public:
     Subscription importFiles(std::vector<SessionFile> files, ImportReceiver receiver) override;
     Subscription observeData(std::function<void()> receiver) override;
     std::optional<std::vector<BrowserReading>> browsers() override;
+    std::optional<AgentCost> ownCost() override;
     Subscription observe(std::function<void(const AgentStatus&)> receiver) override;
     Subscription observeMonitor(std::function<void(const MonitorReading&)> receiver) override;
+    OptimizerLink* optimizer() override;
 
     /// Delivers changes on the calling thread until the agent ends (true) or the bus does (false).
     bool run();
@@ -49,6 +53,8 @@ public:
 private:
     explicit BackgroundClient(std::unique_ptr<sdbus::IConnection> connection);
 
+    /// What a method without arguments answers; absent when the agent does not.
+    std::optional<std::string> answer(const char* method);
     template <class... Arguments>
     Failure call(const char* method, Arguments... arguments);
     /// The same, but waits for no answer.
@@ -56,6 +62,7 @@ private:
 
     std::unique_ptr<sdbus::IConnection> connection_;
     std::unique_ptr<sdbus::IProxy> proxy_;
+    std::unique_ptr<OptimizerClient> optimizer_;
     std::shared_ptr<std::function<void(const AgentStatus&)>> receiver_;
     std::shared_ptr<std::function<void()>> dataReceiver_ = std::make_shared<std::function<void()>>();
     std::shared_ptr<std::function<void(double)>> shareReceiver_ = std::make_shared<std::function<void(double)>>();

@@ -2,6 +2,7 @@
 
 #include "Kestrio/Link/BusNames.h"
 #include "Kestrio/Link/ImportJSON.h"
+#include "Kestrio/Link/OptimizerService.h"
 
 #include <nlohmann/json.hpp>
 #include <sdbus-c++/sdbus-c++.h>
@@ -83,6 +84,8 @@ std::unique_ptr<BackgroundService> BackgroundService::offer(sdbus::IConnection& 
     // The object stands before the name does, so that nobody finds the one without the other.
     const bool offered = service->perform_([&](sdbus::IConnection&) {
         service->registerObject(connection);
+        if (auto* optimizer = background.optimizer())
+            service->optimizer_ = std::make_unique<OptimizerService>(connection, *optimizer);
         connection.requestName(busNames::service);
     });
     if (!offered)
@@ -127,6 +130,10 @@ void BackgroundService::registerObject(sdbus::IConnection& connection) {
     object_->registerMethod("Status").onInterface(interface).withOutputParamNames("json").implementedAs([this] {
         const auto status = background_.status();
         return status ? text(*status) : std::string();
+    });
+    object_->registerMethod("OwnCost").onInterface(interface).withOutputParamNames("json").implementedAs([this] {
+        const auto cost = background_.ownCost();
+        return cost ? text(*cost) : std::string();
     });
     object_->registerMethod("Watch").onInterface(interface).implementedAs([this, &connection] { watch(connection); });
     object_->registerMethod("WatchMonitor").onInterface(interface).implementedAs([this, &connection] {

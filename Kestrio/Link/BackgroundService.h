@@ -10,6 +10,7 @@
 //                         a descriptor open for reading. Answers at the end, which may be minutes away, with the counts
 //                         or the error as JSON. The caller meanwhile hears `ImportProgress(d share)`; it stops the
 //                         import by StopImport() or by leaving the bus.
+//   OwnCost() -> s        what the agent itself takes of the machine, as JSON
 //   Watch()               from now on `Changed` is sent, until the caller leaves the bus
 //   WatchMonitor()        from now on the caller hears `MonitorReading(s json)`, what the system monitor sees, every
 //                         two seconds or so, until UnwatchMonitor() or until it leaves the bus
@@ -32,6 +33,8 @@ class IObject;
 } // namespace sdbus
 
 namespace kestrio {
+
+class OptimizerService;
 
 class BackgroundService {
 public:
@@ -67,6 +70,7 @@ private:
     const Perform perform_;
     LocalBackground& background_;
     std::unique_ptr<sdbus::IObject> object_;
+    std::unique_ptr<OptimizerService> optimizer_;                            // null where there is none
     std::map<std::string, std::unique_ptr<Watcher>> watchers_;               // by unique bus name
     std::map<std::string, std::unique_ptr<MonitorWatcher>> monitorWatchers_; // by unique bus name
     Subscription changes_;                                                   // while somebody watches

@@ -18,21 +18,22 @@ public:
         Date startedAt;
     };
 
-    /// Brings up a window; says what is missing when it cannot.
-    using OpenWindow = std::function<Failure(const WindowRequest&)>;
-
-    /// Brings files into the database, as `Background::importFiles` says.
     using ImportFiles = std::function<Subscription(std::vector<SessionFile>, ImportReceiver)>;
-
-    /// The browsers that are read, as `Background::browsers` tells them.
-    using Browsers = std::function<std::vector<BrowserReading>()>;
-
-    /// Follows the system monitor, as `Background::observeMonitor` says.
     using ObserveMonitor = std::function<Subscription(std::function<void(const MonitorReading&)>)>;
 
-    /// The model must outlive this.
-    LocalBackground(AppModel& model, Facts facts, OpenWindow openWindow, ImportFiles importFiles = {},
-                    Browsers browsers = {}, ObserveMonitor observeMonitor = {});
+    /// What the agent lends it, each as the operation of `Background` by the same name says. What is left out answers
+    /// as if there were nothing of its kind.
+    struct Services {
+        std::function<Failure(const WindowRequest&)> openWindow = {};
+        ImportFiles importFiles = {};
+        std::function<std::vector<BrowserReading>()> browsers = {};
+        ObserveMonitor observeMonitor = {};
+        std::function<AgentCost()> ownCost = {};
+        OptimizerLink* optimizer = nullptr;
+    };
+
+    /// The model and the optimizer must outlive this.
+    LocalBackground(AppModel& model, Facts facts, Services services);
 
     std::optional<AgentStatus> status() override;
     Failure pause(std::optional<Seconds> length) override;
@@ -42,8 +43,10 @@ public:
     Subscription importFiles(std::vector<SessionFile> files, ImportReceiver receiver) override;
     Subscription observeData(std::function<void()> receiver) override;
     std::optional<std::vector<BrowserReading>> browsers() override;
+    std::optional<AgentCost> ownCost() override;
     Subscription observe(std::function<void(const AgentStatus&)> receiver) override;
     Subscription observeMonitor(std::function<void(const MonitorReading&)> receiver) override;
+    OptimizerLink* optimizer() override { return services_.optimizer; }
 
     /// Runs work on the queue after what runs now.
     void afterwards(Queue::Work work) { model_.queue().async(std::move(work)); }
@@ -52,14 +55,12 @@ public:
     Subscription observeState(std::function<void()> receiver);
 
 private:
+    Failure openWindow(const WindowRequest& request);
     void tellSoon();
 
     AppModel& model_;
     const Facts facts_;
-    const OpenWindow openWindow_;
-    const ImportFiles importFiles_;
-    const Browsers browsers_;             // empty: nobody reads them
-    const ObserveMonitor observeMonitor_; // empty: there is no monitor
+    const Services services_;
     Signal<AgentStatus> changed_;
     Signal<> stateChanged_;
     Signal<> activityDataDidChange_;

@@ -91,6 +91,9 @@ public:
         dataFolder_ = Database::directory(locations_.data);
         if (const auto status = refuseSecondCopy())
             return *status;
+        // Before anything that may fail or take long.
+        optimizer_.emplace(HostOptimizer::Host{clock_, main_, settings_, dataFolder_, ownProgram().parent_path(),
+                                               options_.wrapSignals});
         if (!openDatabase())
             return 1;
         import_.emplace(*database_, main_);
@@ -100,22 +103,30 @@ public:
                                                desktop_->inputIdle, desktop_->sessionEvents, settings_},
                          *database_, HostDesktop::hostApplications(), collaborators());
         systemMonitor_.emplace(clock_, main_);
-        resources_.emplace(clock_, main_, settings_, dataFolder_, monitorQueue_, *desktop_, *monitor_);
+        resources_.emplace(clock_, main_, settings_, dataFolder_, monitorQueue_, *desktop_, *monitor_, *optimizer_);
+        optimizer_->connect(optimizerParts());
+        systemMonitor_->followOptimizer([this] { return optimizer_->counts(); });
         const auto program = ownProgram();
         loginItem_.emplace(locations_.autostartFolder(), program);
         model_.emplace(AppModel::Parts{clock_, main_, *monitor_, settings_, *loginItem_, isInstalledCopy(program)});
         background_.emplace(
             *model_, LocalBackground::Facts{AppInfo::version(), getpid(), dataFolder_.string(), clock_.now()},
-            [this](const WindowRequest& request) { return windows_->show(request); },
-            [this](auto files, auto receiver) { return importFiles(std::move(files), std::move(receiver)); },
-            [this] { return browsers_->readings(); },
-            [this](auto receiver) { return systemMonitor_->observe(std::move(receiver)); });
+            LocalBackground::Services{
+                .openWindow = [this](const WindowRequest& request) { return windows_->show(request); },
+                .importFiles = [this](auto files,
+                                      auto receiver) { return importFiles(std::move(files), std::move(receiver)); },
+                .browsers = [this] { return browsers_->readings(); },
+                .observeMonitor = [this](auto receiver) { return systemMonitor_->observe(std::move(receiver)); },
+                .ownCost = [this] { return resources_->cost(); },
+                .optimizer = optimizer_->link(),
+            });
         if (!offerOnBus())
             return 0;
         const auto signals = signals_.observe(main_, [this] { endBySignal(); });
         if (options_.onChange)
             changes_ = background_->observe(options_.onChange);
         model_->start();
+        optimizer_->start();
         resources_->recorder().start();
         showInTray();
         systemMonitor_->start();
@@ -133,6 +144,8 @@ public:
         service_.reset();
         background_.reset();
         model_.reset();
+        optimizer_.reset();
+        monitorQueue_.sync([] {}); // what it asked there is answered
         resources_.reset();
         systemMonitor_.reset();
         monitor_.reset();
@@ -221,6 +234,24 @@ private:
         return all;
     }
 
+    HostOptimizer::Parts optimizerParts() {
+        return {.readMedia =
+                    [this](auto answer) {
+                        monitorQueue_.async([this, answer = std::move(answer)] { answer(mediaUse()); });
+                    },
+                .log = [this](const ResourceEvent& event) { resources_->log(event); },
+                .openDashboard = [this] { windows_->show(DashboardRequest()); },
+                .switched = [this] { resources_->recorder().schedule(); }};
+    }
+
+    /// Who is watched or listened to alongside is not to be frozen, however quiet. On the monitor's queue.
+    MediaUse mediaUse() {
+        auto use = media_->use();
+        for (const auto& session : monitor_->published().alongside)
+            use.keepDisplayAwake.insert(session.sample.bundleID);
+        return use;
+    }
+
     /// False when another agent of this session has the name already; this one then leaves it alone.
     bool offerOnBus() {
         sessionBus_ = BusConnection::open(main_, BusConnection::Bus::session);
@@ -304,6 +335,8 @@ private:
 
     /// The path without promise of time: what is open is saved first.
     void endBySignal() {
+        if (optimizer_)
+            optimizer_->finish(); // first of all: nothing stays frozen
         if (import_)
             import_->stop(); // the monitor's last rows would wait for it
         if (resources_)
@@ -322,6 +355,7 @@ private:
     fs::path dataFolder_;
     std::optional<SingleInstance> instance_;
     WorkerQueue databaseQueue_{"Kestrio.database"};
+    std::optional<HostOptimizer> optimizer_;
     std::optional<Database> database_;
     WorkerQueue monitorQueue_{"Kestrio.monitor"};
     std::optional<BrowserTabs> browserTabs_;

@@ -16,12 +16,18 @@ struct LinkBench : MonitorBench {
         model = std::make_unique<AppModel>(AppModel::Parts{time, mainQueue, *monitor, settings, loginItem});
         background = std::make_unique<LocalBackground>(
             *model, LocalBackground::Facts{"1.2.3", 4711, "/home/ada/data/Kestrio", origin},
-            [this](const WindowRequest& request) {
-                windows.push_back(request);
-                return windowFailure;
-            },
-            [this](auto files, auto receiver) { return importFiles(std::move(files), std::move(receiver)); },
-            [this] { return browsers; }, [this](auto receiver) { return observeMonitor(std::move(receiver)); });
+            LocalBackground::Services{
+                .openWindow =
+                    [this](const WindowRequest& request) {
+                        windows.push_back(request);
+                        return windowFailure;
+                    },
+                .importFiles = [this](auto files,
+                                      auto receiver) { return importFiles(std::move(files), std::move(receiver)); },
+                .browsers = [this] { return browsers; },
+                .observeMonitor = [this](auto receiver) { return observeMonitor(std::move(receiver)); },
+                .ownCost = [this] { return ownCost; },
+            });
         model->start();
         pass(2.6);
     }
@@ -34,6 +40,7 @@ struct LinkBench : MonitorBench {
     LocalBackground::ImportFiles importFiles;
     std::vector<BrowserReading> browsers;
     LocalBackground::ObserveMonitor observeMonitor = [](const auto&) { return Subscription(); };
+    AgentCost ownCost;
     std::unique_ptr<AppModel> model;
     std::unique_ptr<LocalBackground> background;
 };

@@ -74,8 +74,9 @@ TEST(LocalBackground, saysHowBrowsersAreRead) {
     EXPECT_EQ(bench.background->browsers(), std::vector<BrowserReading>());
     bench.browsers = {{"org.chromium.Chromium", true, false}, {"org.mozilla.firefox", false, true}};
     EXPECT_EQ(bench.background->browsers(), bench.browsers);
-    LocalBackground without(*bench.model, {}, [](const WindowRequest&) { return std::nullopt; });
+    LocalBackground without(*bench.model, {}, {});
     EXPECT_EQ(without.browsers(), std::vector<BrowserReading>());
+    EXPECT_EQ(without.openDashboard(std::nullopt), "There are no windows here.");
 }
 
 TEST(LocalBackground, handsOnWhatTheSystemMonitorSees) {
@@ -93,8 +94,18 @@ TEST(LocalBackground, handsOnWhatTheSystemMonitorSees) {
     EXPECT_EQ(cores, 12u);
     token.cancel();
     EXPECT_FALSE(told);
-    LocalBackground without(*bench.model, {}, [] { return std::nullopt; });
+    LocalBackground without(*bench.model, {}, {});
     EXPECT_FALSE(without.observeMonitor([](const auto&) {}).isActive());
+}
+
+TEST(LocalBackground, saysWhatItCosts) {
+    LinkBench bench;
+    EXPECT_EQ(bench.background->ownCost(), AgentCost());
+    const OwnCost cost{.span = Seconds(600), .cores = 0.006, .memory = 1, .wakeupsPerSecond = 2};
+    bench.ownCost = AgentCost{cost, LoweredPace{origin, origin + Seconds(3600), cost}};
+    EXPECT_EQ(bench.background->ownCost(), bench.ownCost);
+    LocalBackground without(*bench.model, {}, [] { return std::nullopt; });
+    EXPECT_EQ(without.ownCost(), AgentCost());
 }
 
 TEST(LocalBackground, changesOfOneMomentAreToldTogetherAndOnlyWhenThereAreAny) {

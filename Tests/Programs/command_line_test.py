@@ -33,7 +33,7 @@ COMMANDS = ["record", "watch", "status", "sessions", "report", "pause", "resume"
 SESSION_KEYS = ["id", "start", "end", "bundleID", "appName", "title", "url", "domain", "project", "kind"]
 STATUS_KEYS = ["state", "pausedUntil", "live", "alongside", "unsaved", "isAccessibilityGranted", "version",
                "processIdentifier", "dataFolder", "startedAt"]
-STORE_KEYS = ["running", "focusedToday", "sessionCount", "fileSize", "earliestStart"]
+STORE_KEYS = ["running", "loweredPace", "focusedToday", "sessionCount", "fileSize", "earliestStart"]
 
 NOON = 1_700_049_600  # 2023-11-15 12:00 UTC
 

@@ -22,7 +22,7 @@ void ChartPalette::setCategories(const QVariantList& colors) {
     if (next == categories_)
         return;
     categories_ = next;
-    emit changed();
+    Q_EMIT changed();
 }
 
 QColor ChartPalette::ink(qreal opacity) const {
@@ -39,7 +39,7 @@ void ChartPalette::set(QColor& member, const QColor& color) {
     if (member == color)
         return;
     member = color;
-    emit changed();
+    Q_EMIT changed();
 }
 
 ActivityCategory categoryOf(SystemColor color) {

@@ -40,7 +40,7 @@ public:
     QColor color(ActivityCategory category) const { return categories_[static_cast<std::size_t>(category)]; }
     QColor color(SystemColor color) const;
 
-signals:
+Q_SIGNALS:
     void changed();
 
 private:

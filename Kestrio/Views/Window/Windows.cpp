@@ -1,10 +1,16 @@
 #include "Kestrio/Views/Window/Windows.h"
 
 #include "Kestrio/Base/Log.h"
+#include "Kestrio/Shell/Settings.h"
+#include "Kestrio/Views/Design/Design.h"
 #include "Kestrio/Views/Window/DashboardModel.h"
 
 #include <QQmlComponent>
+#include <QQmlExtensionPlugin>
 #include <QQuickWindow>
+
+Q_IMPORT_QML_PLUGIN(Kestrio_ChartsPlugin)
+Q_IMPORT_QML_PLUGIN(Kestrio_DesignPlugin)
 
 /// Registers this module's types; made by the build.
 void qml_register_types_Kestrio_Window();
@@ -26,6 +32,12 @@ Windows::Windows(const WindowParts& parts) : parts_(parts) {
     // Naming it has the linker take the registration along.
     [[maybe_unused]] const volatile auto registration = &qml_register_types_Kestrio_Window;
     engine_.addImportPath(QStringLiteral("qrc:/qt/qml"));
+    installDesign(engine_, parts.host.iconFile)
+        .setMode(choice<AppearanceMode>(parts.settings, settingKey::appearanceMode));
+    appearance_ = parts.settings.observe([this](const std::string& key) {
+        if (key == settingKey::appearanceMode)
+            appearance(engine_).setMode(choice<AppearanceMode>(parts_.settings, key));
+    });
 }
 
 Windows::~Windows() {

@@ -37,6 +37,7 @@ private:
 
     const WindowParts& parts_;
     QQmlEngine engine_;
+    Subscription appearance_;
     std::unique_ptr<DashboardModel, Later> dashboardModel_;
     std::unique_ptr<QQuickWindow, Later> dashboard_;
 };
