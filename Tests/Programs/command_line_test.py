@@ -759,7 +759,7 @@ class WithoutAgent(Case):
         found = json.loads(self.ctl("status", "--json", status=1))
         self.assertEqual(list(found), STATUS_KEYS + STORE_KEYS)
         self.assertEqual([found[key] for key in STATUS_KEYS], [None] * len(STATUS_KEYS))
-        self.assertEqual([found[key] for key in STORE_KEYS], [False, 0, 0, 0, None])
+        self.assertEqual([found[key] for key in STORE_KEYS], [False, None, 0, 0, 0, None])
 
     def test_actions_say_so(self):
         for command in ("pause", "pause 30m", "pause until-tomorrow", "resume", "watch", "watch --json"):
