@@ -854,6 +854,7 @@ class OnADesktop(Case):
         self.assertEqual(list(found), STATUS_KEYS + STORE_KEYS)
         self.assertEqual((found["state"], found["running"], found["processIdentifier"]), ("tracking", True, agent.pid))
         self.assertEqual(found["dataFolder"], str(self.database.parent))
+        self.assertIn("  Cost     measured in the program's first minute\n", self.ctl("log", "status"))
         text = self.ctl("status")
         self.assertRegex(text, rf"\A  Kestrio \d[\d.]*, process {agent.pid}, since .*\n  Now        recording XTerm: First\n")
         open_session = json.loads(self.ctl("sessions", "--json"))[-1]
