@@ -20,6 +20,13 @@ def programs():
     return pathlib.Path(os.environ.get("KESTRIO_BIN", ROOT / "build" / "release" / "bin"))
 
 
+def start_agent(home, **more):
+    environment = os.environ | {"KESTRIO_HOME": str(home)} | more
+    # Or the first run would open the dashboard.
+    subprocess.run([programs() / "kestrioctl", "settings", "set", "hasOnboarded", "true"], env=environment, check=True)
+    return subprocess.Popen([programs() / "kestrio", "--login"], env=environment)
+
+
 def fields(text):
     return {key: value.split()[0] for key, _, value in (line.partition(":") for line in text.splitlines()) if value.strip()}
 

@@ -2,7 +2,9 @@
 
 #include "Kestrio/Base/Text.h"
 #include "Kestrio/Link/BusNames.h"
+#include "Kestrio/Link/BusWords.h"
 #include "Kestrio/Link/ImportJSON.h"
+#include "Kestrio/Link/OptimizerClient.h"
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
@@ -19,16 +21,16 @@ std::chrono::microseconds deadline() {
 /// How long an import may take before nobody waits for it any more.
 constexpr std::chrono::hours importDeadline{24};
 
-constexpr auto noAnswer = "Kestrio does not answer";
-
 /// What is no JSON is a value of a type of its own, which no reader takes.
 nlohmann::ordered_json parsed(const std::string& text) {
     return nlohmann::ordered_json::parse(text, nullptr, false);
 }
 
-/// What the agent itself says is for the person; what the library says is not.
-std::string wordsOf(const sdbus::Error& error) {
-    return error.getName().starts_with(busNames::errorPrefix) ? error.getMessage() : noAnswer;
+/// The rule for the notice that the agent's name has no owner any more.
+std::string agentLeaves() {
+    return std::string("type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
+                       "member='NameOwnerChanged',arg0='") +
+           busNames::service + "',arg2=''";
 }
 
 } // namespace
@@ -54,6 +56,7 @@ std::unique_ptr<BackgroundClient> BackgroundClient::connect(const std::string& b
 BackgroundClient::BackgroundClient(std::unique_ptr<sdbus::IConnection> connection)
     : connection_(std::move(connection)),
       proxy_(sdbus::createProxy(*connection_, busNames::service, busNames::object)),
+      optimizer_(std::make_unique<OptimizerClient>(*connection_)),
       receiver_(std::make_shared<std::function<void(const AgentStatus&)>>()) {
     proxy_->uponSignal("Changed")
         .onInterface(busNames::interface)
@@ -110,7 +113,7 @@ Background::Failure BackgroundClient::call(const char* method, Arguments... argu
         proxy_->callMethod(request, static_cast<std::uint64_t>(deadline().count()));
         return std::nullopt;
     } catch (const sdbus::Error& error) {
-        return wordsOf(error);
+        return busWords(error);
     }
 }
 
@@ -122,8 +125,12 @@ Background::Failure BackgroundClient::resume() {
     return call("Resume");
 }
 
-Background::Failure BackgroundClient::openDashboard() {
-    return call("OpenDashboard");
+Background::Failure BackgroundClient::openDashboard(std::optional<std::string> page) {
+    return page ? call("OpenPage", *page) : call("OpenDashboard");
+}
+
+Background::Failure BackgroundClient::openSettings(std::optional<std::string> tab) {
+    return call("OpenSettings", tab.value_or(""));
 }
 
 Subscription BackgroundClient::importFiles(std::vector<SessionFile> files, ImportReceiver receiver) {
@@ -133,7 +140,7 @@ Subscription BackgroundClient::importFiles(std::vector<SessionFile> files, Impor
                                                                       const std::string& json) {
         *isOver = true;
         const auto outcome = importOutcomeFromJSON(parsed(json));
-        ended(error ? ImportFailure{wordsOf(*error)} : outcome.value_or(ImportFailure{noAnswer}));
+        ended(error ? ImportFailure{busWords(*error)} : outcome.value_or(ImportFailure{noAnswer}));
     };
     try {
         std::vector<sdbus::Struct<std::string, sdbus::UnixFd>> onBus;
@@ -212,17 +219,31 @@ void BackgroundClient::tell(const char* method) {
     }
 }
 
+int BackgroundClient::descriptor() const {
+    return connection_->getEventLoopPollData().fd;
+}
+
+Subscription BackgroundClient::observeEnd(std::function<void()> receiver) {
+    try {
+        const auto slot = std::make_shared<sdbus::Slot>(
+            connection_->addMatch(agentLeaves(), [receiver = std::move(receiver)](sdbus::Message&) { receiver(); }));
+        return Subscription([slot] { slot->reset(); });
+    } catch (const sdbus::Error&) {
+        return {}; // the bus went, as whoever serves will see
+    }
+}
+
+OptimizerLink* BackgroundClient::optimizer() {
+    return optimizer_.get();
+}
+
 bool BackgroundClient::run() {
     bool agentEnded = false;
     try {
-        const auto leaving = connection_->addMatch(
-            std::string("type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
-                        "member='NameOwnerChanged',arg0='") +
-                busNames::service + "',arg2=''",
-            [&](sdbus::Message&) {
-                agentEnded = true;
-                connection_->leaveEventLoop();
-            });
+        const auto leaving = connection_->addMatch(agentLeaves(), [&](sdbus::Message&) {
+            agentEnded = true;
+            connection_->leaveEventLoop();
+        });
         if (!status()) // gone before the rule was there
             return true;
         connection_->enterEventLoop();

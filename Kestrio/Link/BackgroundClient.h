@@ -15,6 +15,8 @@ class IProxy;
 
 namespace kestrio {
 
+class OptimizerClient;
+
 class BackgroundClient final : public Background {
 public:
     /// Null when there is no bus at the address or no agent on it. Does not start one. What listens at the address is
@@ -25,13 +27,15 @@ public:
     std::optional<AgentStatus> status() override;
     Failure pause(std::optional<Seconds> length) override;
     Failure resume() override;
-    Failure openDashboard() override;
+    Failure openDashboard(std::optional<std::string> page) override;
+    Failure openSettings(std::optional<std::string> tab) override;
     Subscription importFiles(std::vector<SessionFile> files, ImportReceiver receiver) override;
     Subscription observeData(std::function<void()> receiver) override;
     std::optional<std::vector<BrowserReading>> browsers() override;
     std::optional<AgentCost> ownCost() override;
     Subscription observe(std::function<void(const AgentStatus&)> receiver) override;
     Subscription observeMonitor(std::function<void(const MonitorReading&)> receiver) override;
+    OptimizerLink* optimizer() override;
 
     /// Delivers changes on the calling thread until the agent ends (true) or the bus does (false).
     bool run();
@@ -39,6 +43,12 @@ public:
     /// Delivers what arrives on the calling thread for a while, and returns soon after something came. False when the
     /// bus went.
     bool serve(Seconds patience);
+
+    /// Can be read when something arrived; `serve` then delivers it.
+    int descriptor() const;
+
+    /// `receiver` is called when the agent leaves the bus, while changes are delivered.
+    Subscription observeEnd(std::function<void()> receiver);
 
 private:
     explicit BackgroundClient(std::unique_ptr<sdbus::IConnection> connection);
@@ -52,6 +62,7 @@ private:
 
     std::unique_ptr<sdbus::IConnection> connection_;
     std::unique_ptr<sdbus::IProxy> proxy_;
+    std::unique_ptr<OptimizerClient> optimizer_;
     std::shared_ptr<std::function<void(const AgentStatus&)>> receiver_;
     std::shared_ptr<std::function<void()>> dataReceiver_ = std::make_shared<std::function<void()>>();
     std::shared_ptr<std::function<void(double)>> shareReceiver_ = std::make_shared<std::function<void(double)>>();

@@ -2,6 +2,7 @@
 
 #include "Kestrio/Link/BusNames.h"
 #include "Kestrio/Link/ImportJSON.h"
+#include "Kestrio/Link/OptimizerService.h"
 
 #include <nlohmann/json.hpp>
 #include <sdbus-c++/sdbus-c++.h>
@@ -83,6 +84,8 @@ std::unique_ptr<BackgroundService> BackgroundService::offer(sdbus::IConnection& 
     // The object stands before the name does, so that nobody finds the one without the other.
     const bool offered = service->perform_([&](sdbus::IConnection&) {
         service->registerObject(connection);
+        if (auto* optimizer = background.optimizer())
+            service->optimizer_ = std::make_unique<OptimizerService>(connection, *optimizer);
         connection.requestName(busNames::service);
     });
     if (!offered)
@@ -103,8 +106,18 @@ void BackgroundService::registerObject(sdbus::IConnection& connection) {
     });
     object_->registerMethod("Resume").onInterface(interface).implementedAs([this] { require(background_.resume()); });
     object_->registerMethod("OpenDashboard").onInterface(interface).implementedAs([this] {
-        require(background_.openDashboard());
+        require(background_.openDashboard(std::nullopt));
     });
+    object_->registerMethod("OpenPage")
+        .onInterface(interface)
+        .withInputParamNames("page")
+        .implementedAs([this](const std::string& page) { require(background_.openDashboard(page)); });
+    object_->registerMethod("OpenSettings")
+        .onInterface(interface)
+        .withInputParamNames("tab")
+        .implementedAs([this](const std::string& tab) {
+            require(background_.openSettings(tab.empty() ? std::nullopt : std::optional(tab)));
+        });
     object_->registerMethod("Browsers")
         .onInterface(interface)
         .withOutputParamNames("browsers") // each the bundle identifier, whether it is connected, whether accessible

@@ -1,7 +1,9 @@
 // The agent on the session bus: small typed methods and properties for people's scripts, JSON for the bulky readings.
 //
 //   Pause(d seconds)      pauses for so long         PauseIndefinitely()   until somebody resumes
-//   Resume()              goes on recording          OpenDashboard()
+//   Resume()              goes on recording
+//   OpenDashboard()       as it was left             OpenPage(s page)      one of its pages, by its raw text
+//   OpenSettings(s tab)   a tab by its raw text, or empty: as they were left
 //   Browsers() -> as      the browsers whose extension is connected, as bundle identifiers
 //   Status() -> s         everything that lives in memory, as JSON
 //   Import(a(sh) files) -> s      brings the sessions of exported files into the database, each a name for messages and
@@ -31,6 +33,8 @@ class IObject;
 } // namespace sdbus
 
 namespace kestrio {
+
+class OptimizerService;
 
 class BackgroundService {
 public:
@@ -66,6 +70,7 @@ private:
     const Perform perform_;
     LocalBackground& background_;
     std::unique_ptr<sdbus::IObject> object_;
+    std::unique_ptr<OptimizerService> optimizer_;                            // null where there is none
     std::map<std::string, std::unique_ptr<Watcher>> watchers_;               // by unique bus name
     std::map<std::string, std::unique_ptr<MonitorWatcher>> monitorWatchers_; // by unique bus name
     Subscription changes_;                                                   // while somebody watches

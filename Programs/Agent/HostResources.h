@@ -16,6 +16,7 @@
 #include "Kestrio/Resources/TemperatureReader.h"
 #include "Programs/Agent/DesktopFacts.h"
 #include "Programs/Agent/HostMachine.h"
+#include "Programs/Agent/HostOptimizer.h"
 
 #include <filesystem>
 #include <memory>
@@ -27,9 +28,10 @@ class HostResources {
 public:
     /// All must outlive this. Without a log that can be opened nothing is stored, and a line in the log says so.
     HostResources(const Clock& clock, Queue& main, KeyValueStore& settings, const std::filesystem::path& dataFolder,
-                  Queue& monitorQueue, HostDesktop& desktop, const ActivityMonitor& monitor)
+                  Queue& monitorQueue, HostDesktop& desktop, const ActivityMonitor& monitor, HostOptimizer& optimizer)
         : clock_(clock),
           monitor_(monitor),
+          optimizer_(optimizer),
           store_(ResourceStore::openOrLog(dataFolder / ResourceStore::fileName, storeQueue_, clock)),
           facts_(main, monitorQueue, desktop) {
         samplerQueue_.sync([this] { readers_ = std::make_unique<Readers>(clock_); });
@@ -45,6 +47,15 @@ public:
     HostResources& operator=(const HostResources&) = delete;
 
     ResourceRecorder& recorder() { return *recorder_; }
+
+    /// Takes events for the log. Any thread, until this is dropped.
+    void log(const ResourceEvent& event) {
+        std::optional<AppReference> app;
+        if (event.appID)
+            app = AppReference{*event.appID, event.appName.value_or(*event.appID)};
+        if (store_)
+            store_->add(event.kind, std::move(app), event.detail, event.bytes, event.at);
+    }
 
     AgentCost cost() const { return {.cost = recorder_->ownCost(), .lowered = recorder_->loweredPace()}; }
 
@@ -75,6 +86,8 @@ private:
         all.activity = [this] { return monitor_.published().state; };
         all.inputIdle = [this] { return facts_.inputIdle(); };
         all.power = [this] { return power(); };
+        all.optimizer = [this] { return optimizer_.state(); };
+        all.didSample = [this](const LiveResources& live) { optimizer_.didSample(live); };
         all.ownUse = [] { return readOwnUse(); };
         return all;
     }
@@ -95,6 +108,7 @@ private:
 
     const Clock& clock_;
     const ActivityMonitor& monitor_;
+    HostOptimizer& optimizer_;
     WorkerQueue storeQueue_{ResourceStore::queueLabel};
     WorkerQueue samplerQueue_{ResourceRecorder::samplerQueueLabel};
     WorkerQueue probeQueue_{StallProbe::queueLabel};

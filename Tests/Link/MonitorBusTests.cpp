@@ -38,7 +38,7 @@ struct ScriptedFeed {
 class MonitorOnTheBus : public testing::Test {
 protected:
     MonitorOnTheBus() {
-        agent->with([this](LinkBench& bench) { bench.machine.observeMonitor = feed.observe(); });
+        agent->with([this](LinkBench& bench) { bench.observeMonitor = feed.observe(); });
     }
     ~MonitorOnTheBus() override { agent.reset(); }
 
