@@ -39,3 +39,12 @@ function(kestrio_program name)
     add_executable(${name} ${arg_SOURCES})
     target_link_libraries(${name} PRIVATE KestrioOptions ${arg_LINK})
 endfunction()
+
+# kestrio_generated_sources_unchecked(TARGET)
+# What tools wrote into the build folder for a QML module is not ours to keep free of warnings. Called after
+# qt_add_qml_module, in the same folder.
+function(kestrio_generated_sources_unchecked target)
+    get_target_property(sources ${target} SOURCES)
+    list(FILTER sources INCLUDE REGEX "^${CMAKE_CURRENT_BINARY_DIR}/.*\\.cpp$")
+    set_source_files_properties(${sources} PROPERTIES COMPILE_OPTIONS -w)
+endfunction()

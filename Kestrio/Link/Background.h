@@ -5,6 +5,7 @@
 #pragma once
 
 #include "Kestrio/Base/Subscription.h"
+#include "Kestrio/Link/MonitorReading.h"
 #include "Kestrio/Model/Models.h"
 #include "Kestrio/Reports/SessionImport.h"
 
@@ -62,7 +63,12 @@ public:
     /// Pauses for a length above 0, or with an absent one until somebody resumes.
     virtual Failure pause(std::optional<Seconds> length) = 0;
     virtual Failure resume() = 0;
-    virtual Failure openDashboard() = 0;
+
+    /// Shows the dashboard: a page by its raw text, or the one that was open last.
+    virtual Failure openDashboard(std::optional<std::string> page) = 0;
+
+    /// Shows the settings: a tab by its raw text, or the one that was open last.
+    virtual Failure openSettings(std::optional<std::string> tab) = 0;
 
     /// Brings the sessions of exported files into the database, which is the agent's alone to write. Does not wait;
     /// takes as long as it takes. Dropping the token stops it; its end is told all the same, unless the agent goes
@@ -79,6 +85,11 @@ public:
     /// `receiver` hears of every published change, within two seconds of it, until the token is dropped or the agent
     /// ends.
     virtual Subscription observe(std::function<void(const AgentStatus&)> receiver) = 0;
+
+    /// `receiver` hears of the system monitor's readings, one every two seconds or so and the first within moments,
+    /// until the token is dropped or the agent ends. The monitor looks closely for as long as anybody observes it. The
+    /// token is empty when the agent does not answer.
+    virtual Subscription observeMonitor(std::function<void(const MonitorReading&)> receiver) = 0;
 
     /// What may be asked of the optimizer, for as long as this lives. Null where there is none.
     virtual OptimizerLink* optimizer() = 0;

@@ -25,6 +25,13 @@ std::optional<AgentStatus> parse(const std::string& text) {
     return agentStatusFromJSON(nlohmann::ordered_json::parse(text, nullptr, false));
 }
 
+/// The rule for the notice that the agent's name has no owner any more.
+std::string agentLeaves() {
+    return std::string("type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
+                       "member='NameOwnerChanged',arg0='") +
+           busNames::service + "',arg2=''";
+}
+
 } // namespace
 
 std::unique_ptr<BackgroundClient> BackgroundClient::connect(const std::string& busAddress) {
@@ -66,6 +73,12 @@ BackgroundClient::BackgroundClient(std::unique_ptr<sdbus::IConnection> connectio
             if (*receiver)
                 (*receiver)(share);
         });
+    proxy_->uponSignal("MonitorReading")
+        .onInterface(busNames::interface)
+        .call([readings = monitorReadings_](const std::string& json) {
+            if (const auto reading = monitorReadingFromJSON(nlohmann::ordered_json::parse(json, nullptr, false)))
+                readings->emit(*reading);
+        });
     proxy_->finishRegistration();
 }
 
@@ -101,8 +114,12 @@ Background::Failure BackgroundClient::resume() {
     return call("Resume");
 }
 
-Background::Failure BackgroundClient::openDashboard() {
-    return call("OpenDashboard");
+Background::Failure BackgroundClient::openDashboard(std::optional<std::string> page) {
+    return page ? call("OpenPage", *page) : call("OpenDashboard");
+}
+
+Background::Failure BackgroundClient::openSettings(std::optional<std::string> tab) {
+    return call("OpenSettings", tab.value_or(""));
 }
 
 Subscription BackgroundClient::importFiles(std::vector<SessionFile> files, ImportReceiver receiver) {
@@ -176,17 +193,46 @@ OptimizerLink* BackgroundClient::optimizer() {
     return optimizer_.get();
 }
 
+Subscription BackgroundClient::observeMonitor(std::function<void(const MonitorReading&)> receiver) {
+    auto token = std::make_shared<Subscription>(monitorReadings_->subscribe(std::move(receiver)));
+    if (call("WatchMonitor"))
+        return {};
+    return Subscription([token, weak = std::weak_ptr(self_)] {
+        token->cancel();
+        if (const auto self = weak.lock(); self && !(*self)->monitorReadings_->hasReceivers())
+            (*self)->tell("UnwatchMonitor");
+    });
+}
+
+void BackgroundClient::tell(const char* method) {
+    try {
+        proxy_->callMethod(method).onInterface(busNames::interface).dontExpectReply();
+    } catch (const sdbus::Error&) {
+        // The bus is gone, and with it whom this would have told.
+    }
+}
+
+int BackgroundClient::descriptor() const {
+    return connection_->getEventLoopPollData().fd;
+}
+
+Subscription BackgroundClient::observeEnd(std::function<void()> receiver) {
+    try {
+        const auto slot = std::make_shared<sdbus::Slot>(
+            connection_->addMatch(agentLeaves(), [receiver = std::move(receiver)](sdbus::Message&) { receiver(); }));
+        return Subscription([slot] { slot->reset(); });
+    } catch (const sdbus::Error&) {
+        return {}; // the bus went, as whoever serves will see
+    }
+}
+
 bool BackgroundClient::run() {
     bool agentEnded = false;
     try {
-        const auto leaving = connection_->addMatch(
-            std::string("type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
-                        "member='NameOwnerChanged',arg0='") +
-                busNames::service + "',arg2=''",
-            [&](sdbus::Message&) {
-                agentEnded = true;
-                connection_->leaveEventLoop();
-            });
+        const auto leaving = connection_->addMatch(agentLeaves(), [&](sdbus::Message&) {
+            agentEnded = true;
+            connection_->leaveEventLoop();
+        });
         if (!status()) // gone before the rule was there
             return true;
         connection_->enterEventLoop();

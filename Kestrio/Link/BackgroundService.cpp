@@ -16,6 +16,12 @@ struct BackgroundService::Watcher {
     sdbus::Slot leaving;
 };
 
+/// Somebody who follows the system monitor.
+struct BackgroundService::MonitorWatcher {
+    sdbus::Slot leaving;
+    Subscription readings;
+};
+
 /// Somebody who waits for an import.
 struct BackgroundService::Import {
     std::string caller;
@@ -100,8 +106,18 @@ void BackgroundService::registerObject(sdbus::IConnection& connection) {
     });
     object_->registerMethod("Resume").onInterface(interface).implementedAs([this] { require(background_.resume()); });
     object_->registerMethod("OpenDashboard").onInterface(interface).implementedAs([this] {
-        require(background_.openDashboard());
+        require(background_.openDashboard(std::nullopt));
     });
+    object_->registerMethod("OpenPage")
+        .onInterface(interface)
+        .withInputParamNames("page")
+        .implementedAs([this](const std::string& page) { require(background_.openDashboard(page)); });
+    object_->registerMethod("OpenSettings")
+        .onInterface(interface)
+        .withInputParamNames("tab")
+        .implementedAs([this](const std::string& tab) {
+            require(background_.openSettings(tab.empty() ? std::nullopt : std::optional(tab)));
+        });
     object_->registerMethod("Browsers")
         .onInterface(interface)
         .withOutputParamNames("browsers") // each the bundle identifier, whether it is connected, whether accessible
@@ -116,6 +132,12 @@ void BackgroundService::registerObject(sdbus::IConnection& connection) {
         return status ? text(*status) : std::string();
     });
     object_->registerMethod("Watch").onInterface(interface).implementedAs([this, &connection] { watch(connection); });
+    object_->registerMethod("WatchMonitor").onInterface(interface).implementedAs([this, &connection] {
+        watchMonitor(connection);
+    });
+    object_->registerMethod("UnwatchMonitor").onInterface(interface).implementedAs([this] {
+        monitorWatchers_.erase(object_->getCurrentlyProcessedMessage()->getSender());
+    });
     object_->registerMethod("Import")
         .onInterface(interface)
         .withInputParamNames("files")
@@ -137,6 +159,7 @@ void BackgroundService::registerObject(sdbus::IConnection& connection) {
     object_->registerProperty("Version").onInterface(interface).withGetter(
         [this] { return background_.status()->version; });
     object_->registerSignal("Changed").onInterface(interface).withParameters<std::string>("json");
+    object_->registerSignal("MonitorReading").onInterface(interface).withParameters<std::string>("json");
     object_->registerSignal("ImportProgress").onInterface(interface).withParameters<double>("share");
     object_->registerSignal("ActivityDataDidChange").onInterface(interface);
     object_->finishRegistration();
@@ -168,6 +191,30 @@ void BackgroundService::forget(const std::string& watcher) {
     watchers_.erase(watcher);
     if (watchers_.empty())
         changes_.cancel();
+}
+
+void BackgroundService::watchMonitor(sdbus::IConnection& connection) {
+    const auto sender = object_->getCurrentlyProcessedMessage()->getSender();
+    if (monitorWatchers_.contains(sender))
+        return;
+    auto watcher = std::make_unique<MonitorWatcher>();
+    watcher->leaving = observeLeaving(connection, sender, [this, sender] {
+        afterwards([sender](BackgroundService& self) { self.monitorWatchers_.erase(sender); });
+    });
+    if (!isOnBus(connection, sender))
+        return; // left before the rule was there
+    watcher->readings =
+        background_.observeMonitor([this, sender](const MonitorReading& reading) { tellReading(sender, reading); });
+    monitorWatchers_.emplace(sender, std::move(watcher));
+}
+
+void BackgroundService::tellReading(const std::string& watcher, const MonitorReading& reading) {
+    perform_([&](sdbus::IConnection&) {
+        auto signal = object_->createSignal(interface, "MonitorReading");
+        signal << text(reading);
+        signal.setDestination(watcher);
+        object_->emitSignal(signal);
+    });
 }
 
 void BackgroundService::beginImport(sdbus::IConnection& connection, std::shared_ptr<Import> import,

@@ -9,6 +9,7 @@ class ItemFilter {
 public:
     static constexpr auto symbol = "magnifyingglass";
     static constexpr auto prompt = "Filter";
+    static constexpr auto clearTitle = "Clear";
     static constexpr auto clearSymbol = "xmark.circle.fill";
 
     ItemFilter() = default;

@@ -44,6 +44,7 @@ struct SeeAllButton {
 };
 
 struct OpenLinkButton {
+    static constexpr auto title = "Open";
     static constexpr auto symbol = "arrow.up.right.square";
 };
 

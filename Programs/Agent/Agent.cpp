@@ -7,10 +7,10 @@
 #include "Kestrio/Link/BackgroundClient.h"
 #include "Kestrio/Link/BackgroundService.h"
 #include "Kestrio/Link/LocalBackground.h"
+#include "Kestrio/Pages/StateWords.h"
 #include "Kestrio/Platform/Linux/AutostartLoginItem.h"
 #include "Kestrio/Platform/Linux/BusAddress.h"
 #include "Kestrio/Platform/Linux/BusConnection.h"
-#include "Kestrio/Platform/Linux/DetachedProgram.h"
 #include "Kestrio/Platform/Linux/FileKeyValueStore.h"
 #include "Kestrio/Platform/Linux/SingleInstance.h"
 #include "Kestrio/Reports/SessionImport.h"
@@ -23,7 +23,9 @@
 #include "Programs/Agent/HostClassification.h"
 #include "Programs/Agent/HostDesktop.h"
 #include "Programs/Agent/HostMedia.h"
+#include "Programs/Agent/HostMonitor.h"
 #include "Programs/Agent/HostResources.h"
+#include "Programs/Agent/WindowLauncher.h"
 
 #include <csignal>
 #include <cstdio>
@@ -97,16 +99,23 @@ public:
         monitor_.emplace(ActivityMonitor::Host{clock_, monitorQueue_, desktop_->workspace, desktop_->windowTitles,
                                                desktop_->inputIdle, desktop_->sessionEvents, settings_},
                          *database_, HostDesktop::hostApplications(), collaborators());
+        systemMonitor_.emplace(clock_, main_);
         resources_.emplace(clock_, main_, settings_, dataFolder_, monitorQueue_, *desktop_, *monitor_, *optimizer_);
         optimizer_->connect(optimizerParts());
+        systemMonitor_->followOptimizer([this] { return optimizer_->counts(); });
         const auto program = ownProgram();
         loginItem_.emplace(locations_.autostartFolder(), program);
         model_.emplace(AppModel::Parts{clock_, main_, *monitor_, settings_, *loginItem_, isInstalledCopy(program)});
         background_.emplace(
             *model_, LocalBackground::Facts{AppInfo::version(), getpid(), dataFolder_.string(), clock_.now()},
-            [this] { return openDashboard(); },
-            [this](auto files, auto receiver) { return importFiles(std::move(files), std::move(receiver)); },
-            [this] { return browsers_->readings(); }, optimizer_->link());
+            LocalBackground::Services{
+                .openWindow = [this](const WindowRequest& request) { return windows_->show(request); },
+                .importFiles = [this](auto files,
+                                      auto receiver) { return importFiles(std::move(files), std::move(receiver)); },
+                .browsers = [this] { return browsers_->readings(); },
+                .observeMonitor = [this](auto receiver) { return systemMonitor_->observe(std::move(receiver)); },
+                .optimizer = optimizer_->link(),
+            });
         if (!offerOnBus())
             return 0;
         const auto signals = signals_.observe(main_, [this] { endBySignal(); });
@@ -115,8 +124,8 @@ public:
         model_->start();
         optimizer_->start();
         resources_->recorder().start();
-        if (isLaunchedByUser())
-            openDashboard();
+        systemMonitor_->start();
+        openDashboardAtLaunch();
         giveBackMemory_ = main_.after(Seconds(10), [] { malloc_trim(0); });
         main_.run();
         return 0;
@@ -130,6 +139,7 @@ public:
         optimizer_.reset();
         monitorQueue_.sync([] {}); // what it asked there is answered
         resources_.reset();
+        systemMonitor_.reset();
         monitor_.reset();
         monitorQueue_.sync([this] {
             media_.reset();
@@ -171,8 +181,8 @@ private:
         const auto said = BusConnection::address(BusConnection::Bus::session);
         const auto address = said ? answeringBus(*said, BusConnection::callDeadline) : std::nullopt;
         const auto running = address ? BackgroundClient::connect(*address) : nullptr;
-        if (running)
-            running->openDashboard();
+        if (const auto failure = running ? running->openDashboard(std::nullopt) : std::nullopt)
+            say(*failure);
     }
 
     bool openDatabase() {
@@ -222,7 +232,7 @@ private:
                         monitorQueue_.async([this, answer = std::move(answer)] { answer(mediaUse()); });
                     },
                 .log = [this](const ResourceEvent& event) { resources_->log(event); },
-                .openDashboard = [this] { openDashboard(); },
+                .openDashboard = [this] { windows_->show(DashboardRequest()); },
                 .switched = [this] { resources_->recorder().schedule(); }};
     }
 
@@ -237,6 +247,8 @@ private:
     /// False when another agent of this session has the name already; this one then leaves it alone.
     bool offerOnBus() {
         sessionBus_ = BusConnection::open(main_, BusConnection::Bus::session);
+        windows_.emplace(WindowLauncher::Parts{main_, sessionBus_.get(), ownProgram().parent_path() / "kestrio-window",
+                                               processEnvironment});
         if (!sessionBus_)
             return true; // the lock in the data folder is guard enough
         sessionBus_->onDeath([this] {
@@ -252,8 +264,6 @@ private:
     }
 
     bool isLaunchedByUser() {
-        if (options_.onChange)
-            return false; // in the foreground of a terminal
         const auto sessionStart = monitorQueue_.sync([this] { return desktop_->sessionEvents.sessionStart(); });
         return !isLoginLaunch(options_.isLoginItem, sessionStart, clock_.now(), clock_.uptime());
     }
@@ -266,14 +276,17 @@ private:
         return isInstalled(program, error ? home : resolved);
     }
 
-    Background::Failure openDashboard() {
-        const auto window = ownProgram().parent_path() / "kestrio-window";
-        std::error_code ignored;
-        if (!fs::exists(window, ignored))
-            return "the dashboard is not part of this installation";
-        if (!startDetached({window.string()}))
-            return "the dashboard could not be started";
-        return std::nullopt;
+    void openDashboardAtLaunch() {
+        if (options_.onChange)
+            return; // in the foreground of a terminal
+        const bool byUser = isLaunchedByUser();
+        if (!opensDashboardAtLaunch(byUser, settings_.boolean(settingKey::hasOnboarded)))
+            return;
+        const auto failure = windows_->show(DashboardRequest());
+        if (!failure)
+            settings_.set(settingKey::hasOnboarded, true);
+        else if (byUser)
+            say(*failure);
     }
 
     Subscription importFiles(std::vector<SessionFile> files, ImportReceiver receiver) {
@@ -316,12 +329,14 @@ private:
     std::unique_ptr<HostMedia> media_;
     std::optional<BackgroundImport> import_;
     std::optional<ActivityMonitor> monitor_;
+    std::optional<HostMonitor> systemMonitor_;
     std::optional<HostResources> resources_;
     std::optional<AutostartLoginItem> loginItem_;
     std::optional<AppModel> model_;
     std::optional<LocalBackground> background_;
     std::unique_ptr<BusConnection> sessionBus_;
     std::unique_ptr<BackgroundService> service_;
+    std::optional<WindowLauncher> windows_;
     Subscription changes_;
     Subscription giveBackMemory_;
 };

@@ -3,6 +3,7 @@
 #include "Kestrio/Base/Formatters.h"
 #include "Kestrio/Base/Text.h"
 #include "Kestrio/Model/ModelsJSON.h"
+#include "Kestrio/Pages/DashboardSection.h"
 #include "Kestrio/Shell/Settings.h"
 #include "Programs/Agent/Agent.h"
 #include "Programs/CommandLine/Moments.h"
@@ -238,6 +239,21 @@ int resume() {
         return failed;
     }
     print("Recording.\n");
+    return done;
+}
+
+int openDashboard(const std::optional<std::string>& page) {
+    if (const auto error = page ? dashboardSectionError(text::fittedToColumns(*page, 60)) : std::nullopt) {
+        complain(*error);
+        return wrongUsage;
+    }
+    const auto agent = runningAgent(placesOrExit());
+    if (!agent)
+        return reportNotRunning();
+    if (const auto failure = agent->openDashboard(page)) {
+        complain(*failure);
+        return failed;
+    }
     return done;
 }
 

@@ -298,6 +298,15 @@ int main(int argc, char** argv) {
         [&](CLI::App& command) { command.add_option("length", length, "30m, 1h, 1h30m or until-tomorrow"); });
     add(app, "resume", "Go on recording", result, kestrio::resume);
 
+    std::optional<std::string> page;
+    add(
+        app, "open", "Show the dashboard", result, [&] { return kestrio::openDashboard(page); },
+        [&](CLI::App& command) {
+            command.add_option("page", page,
+                               "overview, timeline, apps, websites, youtube, projects, performance or resourceLog; "
+                               "the one that was open last unless said");
+        });
+
     auto* settings = app.add_subcommand("settings", "Read and change the settings");
     settings->require_subcommand(1);
     std::string key;

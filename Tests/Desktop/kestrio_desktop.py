@@ -36,6 +36,8 @@ class Home:
         self.path = pathlib.Path(folder or tempfile.mkdtemp(prefix="kestrio-home."))
         self.database = self.path / "data" / "Kestrio" / "activity.sqlite"
         self.environment = os.environ | {"KESTRIO_HOME": str(self.path)}
+        # One who knows Kestrio: the first run of all would open the dashboard.
+        self.control("settings", "set", "hasOnboarded", "true")
 
     def agent(self, *prefix, **more):
         more = {"stderr": subprocess.PIPE, "text": True, "env": self.environment} | more

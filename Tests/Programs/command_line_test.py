@@ -28,7 +28,7 @@ DEADLINE = 20  # seconds; what is waited for takes less than three
 COMMANDS = ["record", "watch", "status", "sessions", "report", "pause", "resume", "settings", "settings list", "settings get",
             "settings set", "settings reset", "doctor", "categories", "categories list", "categories set",
             "categories reset", "projects", "projects list", "projects add", "projects move", "projects remove", "explain",
-            "report", "export", "import", "top", "machine", "disk-test", "browsers"]
+            "report", "export", "import", "top", "machine", "disk-test", "browsers", "open"]
 
 SESSION_KEYS = ["id", "start", "end", "bundleID", "appName", "title", "url", "domain", "project", "kind"]
 STATUS_KEYS = ["state", "pausedUntil", "live", "alongside", "unsaved", "isAccessibilityGranted", "version",
@@ -166,6 +166,7 @@ class Usage(Case):
             "export --range today", "export -o", "export --range -o x", "export --range bogus -o x", "export extra -o x",
             "import", "import --bogus",
             "browsers extra", "browsers --install --remove",
+            "open extra", "open apps more", "open Apps", "open settings", "open --page apps",
         ]
         for line in wrong:
             with self.subTest(line):
@@ -513,7 +514,7 @@ class Classification(Case):
 class Files(Case):
     READING = ["status", "status --json", "sessions", "sessions --json", "settings list", "settings list --json",
                "report", "report --json", "report --day 2023-11-15 --section apps",
-               "settings get idleMinutes", "doctor", "doctor --json", "watch", "resume", "pause",
+               "settings get idleMinutes", "doctor", "doctor --json", "watch", "resume", "pause", "open",
                "categories list", "categories list --all --json", "projects list", "projects list --json",
                "explain --app code --title x", "categories set work --app code --preview",
                "projects add kest A --preview"]
@@ -762,7 +763,7 @@ class WithoutAgent(Case):
         self.assertEqual([found[key] for key in STORE_KEYS], [False, 0, 0, 0, None])
 
     def test_actions_say_so(self):
-        for command in ("pause", "pause 30m", "pause until-tomorrow", "resume", "watch", "watch --json"):
+        for command in ("pause", "pause 30m", "pause until-tomorrow", "resume", "watch", "watch --json", "open", "open apps"):
             with self.subTest(command):
                 ran = self.run_ctl(*command.split())
                 self.assertEqual((ran.returncode, ran.stdout, ran.stderr),
@@ -903,7 +904,7 @@ class OnADesktop(Case):
         for program, *arguments in (["kestrio"], ["kestrio", "--login"], ["kestrioctl", "record"]):
             second = self.start(program, *arguments)
             self.assertEqual(second.wait(DEADLINE), 0)
-            self.assertEqual(second.stderr.read(), f"kestrio: Kestrio is already running (process {agent.pid}).\n")
+            self.assertEqual(second.stderr.readline(), f"kestrio: Kestrio is already running (process {agent.pid}).\n")
             self.assertEqual(second.stdout.read(), "")
         self.assertIsNone(agent.poll())
 
@@ -976,6 +977,23 @@ class OnADesktop(Case):
         self.assertIsNone(agent.poll())
         self.assertTrue(until(self.is_worth_a_row))
         self.assertIn(",XTerm,", self.ctl("export", "--range", "today", "-o", "-"))  # still open
+
+    def test_the_monitor_is_asked_of_the_agent_where_one_runs(self):
+        agent = self.start_agent()
+        calls = self.start("dbus-monitor", "--session", "type='method_call',interface='dev.haldorvinter.Kestrio'")
+        heard = []
+        threading.Thread(target=lambda: heard.extend(iter(calls.stdout.readline, "")), daemon=True).start()
+        self.assertTrue(until(lambda: heard))  # it listens
+        for _ in range(2):
+            data = json.loads(self.ctl("monitor", "--json"))
+            self.assertTrue(data["hasAppCPU"])
+            self.assertGreater(data["uptime"], 0)
+            self.assertGreater(len(data["topMemory"]), 0)
+        self.assertTrue(until(lambda: sum("member=WatchMonitor" in line for line in heard) == 2))
+        self.assertTrue(self.ctl("monitor").startswith("  System   "))
+        agent.kill()
+        agent.wait()
+        self.assertTrue(json.loads(self.ctl("monitor", "--json"))["hasAppCPU"])
 
     def test_an_import_through_the_agent_can_be_interrupted(self):
         agent = self.start_agent()

@@ -1,0 +1,65 @@
+// How the windows look: light or dark, with more contrast, with larger text, without motion. What the desktop asks for,
+// unless the person chose otherwise in the settings. `Theme` reads it, and every colour and size follows at once.
+//
+// Belongs to the main thread and to its QML engine, in which it is the singleton `Appearance`.
+#pragma once
+
+#include "Kestrio/Shell/Settings.h"
+
+#include <QtCore/QObject>
+#include <QtQml/QQmlEngine>
+#include <optional>
+
+namespace kestrio {
+
+/// What the desktop asks of all programs. Everything that it does not tell has the value here.
+struct DesktopAppearance {
+    std::optional<bool> isDark = {}; // absent: no preference; the colours of the platform's own theme then decide
+    bool isHighContrast = false;
+    bool reducesMotion = false;
+    double textScale = 1; // beyond what the screen's own scale brings
+
+    friend bool operator==(const DesktopAppearance&, const DesktopAppearance&) = default;
+};
+
+class Appearance : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_SINGLETON
+    Q_PROPERTY(bool isDark READ isDark NOTIFY changed)
+    Q_PROPERTY(bool isHighContrast READ isHighContrast NOTIFY changed)
+    Q_PROPERTY(bool reducesMotion READ reducesMotion NOTIFY changed)
+    Q_PROPERTY(double textScale READ textScale NOTIFY changed)
+
+public:
+    static constexpr double leastTextScale = 0.8;
+    static constexpr double mostTextScale = 2.5;
+
+    explicit Appearance(QObject* parent = nullptr);
+
+    bool isDark() const;
+    bool isHighContrast() const { return desktop_.isHighContrast; }
+    bool reducesMotion() const { return desktop_.reducesMotion; }
+    /// Within the bounds above.
+    double textScale() const;
+
+    /// What the person chose; stands above what the desktop asks for.
+    void setMode(AppearanceMode mode);
+    void setDesktop(const DesktopAppearance& desktop);
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void readPlatform();
+
+    AppearanceMode mode_ = AppearanceMode::system;
+    DesktopAppearance desktop_;
+    bool isPlatformDark_ = false;
+};
+
+/// The engine's own. `installDesign` comes first.
+Appearance& appearance(QQmlEngine& engine);
+
+} // namespace kestrio

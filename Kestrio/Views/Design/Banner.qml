@@ -1,0 +1,101 @@
+import QtQuick
+import QtQuick.Layouts
+
+// A band above a page: `value` has `symbol`, `tint`, `text`, and where there are any `title` and `buttons`, maps with
+// `title`, `symbol` and `action`. Choosing a button emits its place. What stands inside comes below the text.
+Rectangle {
+    id: banner
+
+    required property var value
+    default property alias content: extra.data
+    readonly property color tint: Theme.named(value?.tint ?? "orange")
+
+    signal activated(int index)
+
+    Accessible.description: value?.text ?? ""
+    Accessible.name: value?.title ?? ""
+    Accessible.role: Accessible.AlertMessage
+    border.color: Theme.isHighContrast ? tint : Theme.faded(tint, 0.35)
+    color: Theme.isHighContrast ? Theme.card : Qt.tint(Theme.card, Theme.faded(tint, Theme.isDark ? 0.14 : 0.09))
+    implicitHeight: row.implicitHeight + 2 * Theme.m
+    implicitWidth: Theme.scaled(480)
+    radius: Theme.radius
+
+    RowLayout {
+        id: row
+
+        anchors.left: parent.left
+        anchors.leftMargin: Theme.l
+        anchors.right: parent.right
+        anchors.rightMargin: Theme.m
+        anchors.verticalCenter: parent.verticalCenter
+        spacing: Theme.m
+
+        Symbol {
+            Layout.alignment: Qt.AlignTop
+            Layout.topMargin: 1
+            color: banner.tint
+            name: banner.value?.symbol ?? ""
+            size: Theme.scaled(20)
+        }
+
+        ColumnLayout {
+            id: extra
+
+            Layout.fillWidth: true
+            spacing: Theme.xs
+
+            Paragraph {
+                Layout.fillWidth: true
+                color: Theme.text
+                font: Theme.headline
+                text: banner.value?.title ?? ""
+                visible: text !== ""
+            }
+
+            Paragraph {
+                Layout.fillWidth: true
+                text: banner.value?.text ?? ""
+                visible: text !== ""
+            }
+        }
+
+        Repeater {
+            model: RowsModel {
+                rows: banner.value?.buttons ?? []
+            }
+
+            Loader {
+                id: button
+
+                required property var row
+                required property int index
+
+                Layout.alignment: Qt.AlignVCenter
+                sourceComponent: row.symbol !== undefined && row.action === "dismiss" ? symbolButton : wordButton
+
+                Component {
+                    id: symbolButton
+
+                    IconButton {
+                        help: button.row.title ?? ""
+                        symbol: button.row.symbol ?? ""
+
+                        onClicked: banner.activated(button.index)
+                    }
+                }
+
+                Component {
+                    id: wordButton
+
+                    PlainButton {
+                        symbol: button.row.symbol ?? ""
+                        text: button.row.title ?? ""
+
+                        onClicked: banner.activated(button.index)
+                    }
+                }
+            }
+        }
+    }
+}

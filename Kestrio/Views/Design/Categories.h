@@ -1,0 +1,25 @@
+// What QML asks about categories: the singleton `Categories`. Main thread.
+#pragma once
+
+#include "Kestrio/Model/Models.h"
+
+#include <QtCore/QObject>
+#include <QtCore/QString>
+#include <QtQml/qqmlregistration.h>
+
+namespace kestrio {
+
+/// By which the theme knows the colour.
+QString colorName(SystemColor color);
+
+class Categories : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_SINGLETON
+
+public:
+    /// The name of the colour of the category with this raw value; that of a neutral one for any other text.
+    Q_INVOKABLE QString colorName(const QString& category) const;
+};
+
+} // namespace kestrio

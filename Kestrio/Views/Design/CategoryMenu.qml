@@ -1,0 +1,74 @@
+import QtQuick
+import QtQuick.Templates as T
+
+// Shows the category and changes it: `value` has `current` and `entries`. `selected` comes with the raw value of the
+// category that was chosen, or undefined for the default.
+T.AbstractButton {
+    id: control
+
+    required property var value
+
+    signal selected(var category)
+
+    function open() {
+        menuLoader.active = true;
+        const menu = menuLoader.item as T.Menu;
+        menu.popup(control, mirrored ? 0 : width - menu.width, height + Theme.xs);
+    }
+
+    Accessible.description: Words.changeCategory
+    Accessible.name: value?.current?.label ?? ""
+    Accessible.role: Accessible.ButtonMenu
+    activeFocusOnTab: true
+    focusPolicy: Qt.TabFocus
+    hoverEnabled: true
+    implicitHeight: Theme.controlHeight
+    implicitWidth: pill.implicitWidth + chevron.width + Theme.xs + Theme.s
+
+    background: ButtonGround {
+        control: control
+        radius: height / 2
+    }
+    contentItem: Item {
+        CategoryPill {
+            id: pill
+
+            Accessible.ignored: true
+            anchors.left: parent.left
+            anchors.leftMargin: 3
+            anchors.verticalCenter: parent.verticalCenter
+            value: control.value?.current
+        }
+
+        Symbol {
+            id: chevron
+
+            anchors.right: parent.right
+            anchors.rightMargin: Theme.s - 1
+            anchors.verticalCenter: parent.verticalCenter
+            color: Theme.textSecondary
+            name: Words.menuSymbol
+            size: Theme.scaled(13)
+        }
+    }
+
+    Keys.onDownPressed: open()
+    Keys.onReturnPressed: open()
+    Keys.onEnterPressed: open()
+    onClicked: open()
+
+    Help {
+        text: Words.changeCategory
+    }
+
+    Loader {
+        id: menuLoader
+
+        active: false
+        sourceComponent: PopupMenu {
+            entries: control.value?.entries ?? []
+
+            onChosen: index => control.selected(control.value.entries[index].category)
+        }
+    }
+}

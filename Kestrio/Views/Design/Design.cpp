@@ -1,0 +1,29 @@
+#include "Kestrio/Views/Design/Design.h"
+
+#include "Kestrio/Views/Design/AppIconImages.h"
+#include "Kestrio/Views/Design/Resources.h"
+#include "Kestrio/Views/Design/SymbolImages.h"
+
+#include <QtGui/QFont>
+#include <QtGui/QFontDatabase>
+#include <QtGui/QGuiApplication>
+#include <memory>
+#include <utility>
+
+namespace kestrio {
+
+void installFonts() {
+    for (const auto* style : {"Regular", "Medium", "SemiBold"})
+        QFontDatabase::addApplicationFont(resourcePath(QString("Fonts/InterTabular-%1.otf").arg(style)));
+    QGuiApplication::setFont(QFont(fontFamily));
+}
+
+Appearance& installDesign(QQmlEngine& engine, IconFile iconFile) {
+    installFonts();
+    // The engine takes the providers over.
+    engine.addImageProvider("symbol", std::make_unique<SymbolImages>().release());
+    engine.addImageProvider("app", std::make_unique<AppIconImages>(std::move(iconFile)).release());
+    return appearance(engine);
+}
+
+} // namespace kestrio

@@ -1,0 +1,51 @@
+import QtQuick
+
+// A long list, shown in portions, with a line between its rows. Each row is made of `delegate`, which has the property
+// `row`.
+Column {
+    id: list
+
+    property var items: []
+    property int initialCount: 10
+    property alias delegate: repeater.delegate
+    readonly property int shown: portion.shown
+    readonly property string moreTitle: portion.moreTitle
+
+    function showMore() {
+        portion.showMore();
+    }
+
+    width: parent?.width ?? implicitWidth
+
+    ListPortion {
+        id: portion
+
+        count: list.items?.length ?? 0
+        initialCount: list.initialCount
+    }
+
+    Repeater {
+        id: repeater
+
+        model: RowsModel {
+            limit: portion.shown
+            rows: list.items ?? []
+        }
+
+        onItemAdded: (index, item) => {
+            if (item.isDivided !== undefined)
+                item.isDivided = index > 0;
+        }
+    }
+
+    PlainButton {
+        anchors.horizontalCenter: parent.horizontalCenter
+        quiet: true
+        symbol: "chevron.down"
+        symbolAtEnd: true
+        text: portion.moreTitle
+        visible: text !== ""
+
+        onClicked: portion.showMore()
+    }
+}

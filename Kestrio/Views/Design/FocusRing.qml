@@ -1,0 +1,14 @@
+import QtQuick
+
+// Shows around its parent where the keyboard is.
+Rectangle {
+    required property bool shown
+
+    anchors.fill: parent
+    anchors.margins: -2
+    border.color: Theme.focusRing
+    border.width: 2
+    color: "transparent"
+    radius: Theme.radiusSmall + 2
+    visible: shown
+}

@@ -1,0 +1,29 @@
+import QtQuick
+import QtQuick.Templates as T
+
+// Small words that can be pressed.
+T.Button {
+    id: button
+
+    activeFocusOnTab: true
+    focusPolicy: Qt.TabFocus
+    font: Theme.caption
+    hoverEnabled: true
+    implicitHeight: Theme.scaled(20)
+    implicitWidth: implicitContentWidth + 2 * Theme.xs
+
+    background: Item {
+        FocusRing {
+            anchors.margins: 0
+            shown: button.visualFocus
+        }
+    }
+    contentItem: Line {
+        color: button.hovered ? Theme.text : Theme.textTertiary
+        font: button.font
+        horizontalAlignment: Text.AlignHCenter
+        text: button.text
+    }
+
+    Keys.onReturnPressed: click()
+}

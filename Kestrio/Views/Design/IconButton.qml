@@ -1,0 +1,42 @@
+import QtQuick
+import QtQuick.Templates as T
+
+// A button that is a symbol alone; `help` says what it does, to the eye and to assistive technology.
+T.Button {
+    id: button
+
+    property string symbol: ""
+    property string help: ""
+    property color ink: Theme.textSecondary
+    property real size: Theme.controlHeight
+    property real symbolSize: Theme.scaled(16)
+
+    Accessible.name: text !== "" ? text : help
+    activeFocusOnTab: true
+    display: T.AbstractButton.IconOnly
+    focusPolicy: Qt.TabFocus
+    hoverEnabled: true
+    implicitHeight: size
+    implicitWidth: size
+    opacity: enabled ? 1 : 0.4
+
+    background: ButtonGround {
+        control: button
+    }
+    contentItem: Item {
+        Symbol {
+            anchors.centerIn: parent
+            color: button.checked ? Theme.accent : button.hovered || button.down ? Theme.text : button.ink
+            mirrored: button.mirrored
+            name: button.symbol
+            size: button.symbolSize
+        }
+    }
+
+    Keys.onReturnPressed: click()
+    Keys.onEnterPressed: click()
+
+    Help {
+        text: button.help !== "" ? button.help : button.text
+    }
+}

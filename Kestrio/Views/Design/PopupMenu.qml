@@ -1,0 +1,83 @@
+import QtQuick
+import QtQuick.Templates as T
+
+// A menu of entries as `MenuButton` has them.
+T.Menu {
+    id: menu
+
+    property var entries: []
+    readonly property bool hasMarks: entries.some(entry => entry.isCurrent !== undefined || entry.symbol !== undefined)
+
+    signal chosen(int index)
+
+    cascade: false
+    closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutside | T.Popup.CloseOnReleaseOutside
+    implicitHeight: contentHeight + topPadding + bottomPadding
+    implicitWidth: Math.max(Theme.scaled(140), widest() + leftPadding + rightPadding)
+    margins: Theme.s
+    overlap: 1
+    padding: Theme.xs
+
+    function widest(): real {
+        let width = 0;
+        for (let i = 0; i < count; ++i)
+            width = Math.max(width, itemAt(i)?.implicitWidth ?? 0);
+        return width;
+    }
+
+    background: Rectangle {
+        border.color: Theme.cardBorder
+        color: Theme.card
+        radius: Theme.radius
+
+        Rectangle {
+            anchors.fill: parent
+            anchors.margins: -1
+            anchors.topMargin: 1
+            anchors.bottomMargin: -3
+            color: Theme.shadow
+            radius: parent.radius + 1
+            z: -1
+        }
+    }
+    contentItem: ListView {
+        clip: contentHeight > height
+        currentIndex: menu.currentIndex
+        implicitHeight: contentHeight
+        interactive: contentHeight > height
+        model: menu.contentModel
+    }
+    enter: Transition {
+        NumberAnimation {
+            duration: Theme.animation
+            from: 0
+            property: "opacity"
+            to: 1
+        }
+    }
+    exit: Transition {
+        NumberAnimation {
+            duration: Theme.animation / 2
+            property: "opacity"
+            to: 0
+        }
+    }
+
+    Instantiator {
+        model: menu.entries
+
+        delegate: PopupMenuItem {
+            required property var modelData
+            required property int index
+
+            entry: modelData
+            hasMarks: menu.hasMarks
+            width: menu.availableWidth
+
+            onTriggered: menu.chosen(index)
+        }
+
+        onObjectAdded: (index, object) => menu.insertItem(index, object as T.MenuItem)
+        onObjectRemoved: (index, object) => menu.removeItem(object as T.MenuItem)
+    }
+}

@@ -1,0 +1,9 @@
+import QtQuick
+
+// Leads to the page that has the whole list.
+PlainButton {
+    quiet: true
+    symbol: Words.seeAllSymbol
+    symbolAtEnd: true
+    text: Words.seeAll
+}

@@ -1,0 +1,46 @@
+import QtQuick
+import QtQuick.Templates as T
+
+// One choice of a `SegmentedControl`.
+T.AbstractButton {
+    id: segment
+
+    Accessible.checkable: true
+    Accessible.checked: checked
+    Accessible.role: Accessible.RadioButton
+    activeFocusOnTab: true
+    focusPolicy: Qt.TabFocus
+    font: checked ? Theme.bodyStrong : Theme.body
+    hoverEnabled: true
+    implicitWidth: Math.max(measure.implicitWidth, Theme.scaled(20)) + 2 * Theme.m
+    opacity: enabled ? 1 : 0.45
+
+    background: Rectangle {
+        border.color: Theme.isHighContrast && segment.checked ? Theme.cardBorder : "transparent"
+        color: segment.checked ? Theme.isDark ? Theme.pressed : Theme.card : "transparent"
+        radius: Theme.radiusSmall - 1
+
+        FocusRing {
+            anchors.margins: -1
+            shown: segment.visualFocus
+        }
+    }
+    contentItem: Line {
+        color: segment.checked || segment.hovered ? Theme.text : Theme.textSecondary
+        font: segment.font
+        horizontalAlignment: Text.AlignHCenter
+        text: segment.text
+    }
+
+    Keys.onReturnPressed: click()
+
+    // Its width does not change with its weight.
+    Text {
+        id: measure
+
+        font: Theme.bodyStrong
+        text: segment.text
+        textFormat: Text.PlainText
+        visible: false
+    }
+}

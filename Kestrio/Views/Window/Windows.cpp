@@ -1,0 +1,65 @@
+#include "Kestrio/Views/Window/Windows.h"
+
+#include "Kestrio/Base/Log.h"
+#include "Kestrio/Views/Window/DashboardModel.h"
+
+#include <QQmlComponent>
+#include <QQuickWindow>
+
+/// Registers this module's types; made by the build.
+void qml_register_types_Kestrio_Window();
+
+namespace kestrio {
+namespace {
+
+/// Null, with lines in the log, for one that is not as it should be.
+std::unique_ptr<QObject> create(QQmlComponent& component, const QVariantMap& properties) {
+    std::unique_ptr<QObject> made(component.isReady() ? component.createWithInitialProperties(properties) : nullptr);
+    for (const auto& error : component.errors())
+        logLine("Kestrio: " + error.toString().toStdString());
+    return made;
+}
+
+} // namespace
+
+Windows::Windows(const WindowParts& parts) : parts_(parts) {
+    // Naming it has the linker take the registration along.
+    [[maybe_unused]] const volatile auto registration = &qml_register_types_Kestrio_Window;
+    engine_.addImportPath(QStringLiteral("qrc:/qt/qml"));
+}
+
+Windows::~Windows() {
+    // Items read their models to the end.
+    delete dashboard_.release();
+    delete dashboardModel_.release();
+}
+
+void Windows::showDashboard(const std::optional<std::string>& page) {
+    if (!dashboard_)
+        makeDashboard();
+    if (!dashboard_)
+        return;
+    dashboardModel_->open(page);
+    dashboard_->show();
+    dashboard_->raise();
+    dashboard_->requestActivate();
+}
+
+void Windows::makeDashboard() {
+    dashboardModel_.reset(new DashboardModel(parts_));
+    QQmlComponent component(&engine_, QUrl(QStringLiteral("qrc:/qt/qml/Kestrio/Window/DashboardWindow.qml")));
+    auto made = create(component, {{"model", QVariant::fromValue(dashboardModel_.get())}});
+    auto* const window = qobject_cast<QQuickWindow*>(made.get());
+    if (!window)
+        return;
+    (void)made.release();
+    dashboard_.reset(window);
+    connect(window, &QQuickWindow::visibleChanged, this, [this](bool isVisible) {
+        if (isVisible)
+            return;
+        dashboard_.reset();
+        dashboardModel_.reset();
+    });
+}
+
+} // namespace kestrio

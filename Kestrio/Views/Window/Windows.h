@@ -1,0 +1,44 @@
+// All windows of the program: each is made when it is asked for and goes when it is closed; only what is stored stays.
+//
+// Belongs to the main queue. The parts outlive it.
+#pragma once
+
+#include "Kestrio/Views/Window/WindowParts.h"
+
+#include <QObject>
+#include <QQmlEngine>
+#include <memory>
+
+class QQuickWindow;
+
+namespace kestrio {
+
+class DashboardModel;
+
+class Windows final : public QObject {
+    Q_OBJECT
+
+public:
+    explicit Windows(const WindowParts& parts);
+    ~Windows() override;
+
+    /// Opens the dashboard, or brings it forward, with a page by its raw text or the one that was open last.
+    void showDashboard(const std::optional<std::string>& page);
+
+    /// Null while it is not open.
+    QQuickWindow* dashboard() const { return dashboard_.get(); }
+
+private:
+    struct Later {
+        void operator()(QObject* object) const { object->deleteLater(); }
+    };
+
+    void makeDashboard();
+
+    const WindowParts& parts_;
+    QQmlEngine engine_;
+    std::unique_ptr<DashboardModel, Later> dashboardModel_;
+    std::unique_ptr<QQuickWindow, Later> dashboard_;
+};
+
+} // namespace kestrio
