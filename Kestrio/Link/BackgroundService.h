@@ -61,7 +61,7 @@ private:
     void forget(const std::string& watcher);
     void watchMonitor(sdbus::IConnection& connection);
     void tellReading(const std::string& watcher, const MonitorReading& reading);
-    void beginImport(sdbus::IConnection& connection, std::shared_ptr<Import> import, std::vector<SessionFile> files);
+    void beginImport(sdbus::IConnection& connection, std::shared_ptr<Import> begun, std::vector<SessionFile> files);
     void stopImport(const std::string& caller);
     void tellShare(const Import& import, double share);
     void endImport(const Import& import, const ImportOutcome& outcome);
