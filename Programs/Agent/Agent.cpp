@@ -118,11 +118,12 @@ public:
                 .browsers = [this] { return browsers_->readings(); },
                 .observeMonitor = [this](auto receiver) { return systemMonitor_->observe(std::move(receiver)); },
                 .ownCost = [this] { return resources_->cost(); },
+                .quit = [this] { end(); },
                 .optimizer = optimizer_->link(),
             });
         if (!offerOnBus())
             return 0;
-        const auto signals = signals_.observe(main_, [this] { endBySignal(); });
+        const auto signals = signals_.observe(main_, [this] { end(); });
         if (options_.onChange)
             changes_ = background_->observe(options_.onChange);
         model_->start();
@@ -261,7 +262,7 @@ private:
             return true; // the lock in the data folder is guard enough
         sessionBus_->onDeath([this] {
             // The person's session is over, and this program with it.
-            endBySignal();
+            end();
         });
         service_ = BackgroundService::offer(
             sessionBus_->connection(), [this](const auto& work) { return sessionBus_->perform(work); }, *background_);
@@ -333,8 +334,8 @@ private:
         return import_->start(std::move(files), std::move(receiver));
     }
 
-    /// The path without promise of time: what is open is saved first.
-    void endBySignal() {
+    /// The end, by a signal or on the person's word. There may be no time left: nothing here waits for anybody.
+    void end() {
         if (optimizer_)
             optimizer_->finish(); // first of all: nothing stays frozen
         if (import_)

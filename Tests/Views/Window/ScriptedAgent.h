@@ -32,6 +32,7 @@ public:
     Failure resume() override { return note("resume"); }
     Failure openDashboard(std::optional<std::string> /*page*/) override { return note("open the dashboard"); }
     Failure openSettings(std::optional<std::string> /*tab*/) override { return note("open the settings"); }
+    Failure quit() override { return note("quit"); }
     Subscription importFiles(std::vector<SessionFile> /*files*/, ImportReceiver /*receiver*/) override { return {}; }
     Subscription observeData(std::function<void()> /*receiver*/) override { return {}; }
     std::optional<std::vector<BrowserReading>> browsers() override { return std::vector<BrowserReading>(); }
