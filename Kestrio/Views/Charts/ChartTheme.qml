@@ -1,5 +1,6 @@
 pragma Singleton
 
+import Kestrio.Charts
 import Kestrio.Design
 
 // The colours of all charts, from the theme.
