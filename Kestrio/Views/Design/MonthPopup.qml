@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Layouts
 import QtQuick.Templates as T
@@ -9,6 +11,7 @@ T.Popup {
     property double date: 0
     property double now: 0
     property double candidate: date // where the keyboard is
+    readonly property var month: choice.month
 
     signal picked(double date)
 
@@ -62,7 +65,7 @@ T.Popup {
                 Layout.fillWidth: true
                 Layout.leftMargin: Theme.xs + 2
                 font: Theme.headline
-                text: choice.month.title
+                text: popup.month.title
             }
 
             IconButton {
@@ -74,7 +77,7 @@ T.Popup {
             }
 
             IconButton {
-                enabled: choice.month.hasNext
+                enabled: popup.month.hasNext
                 help: Words.nextMonth
                 size: Theme.scaled(26)
                 symbol: Words.nextMonthSymbol
@@ -87,7 +90,7 @@ T.Popup {
             columns: 7
 
             Repeater {
-                model: choice.month.weekdays
+                model: popup.month.weekdays
 
                 Line {
                     required property string modelData
@@ -104,7 +107,7 @@ T.Popup {
 
             Repeater {
                 model: RowsModel {
-                    rows: choice.month.days
+                    rows: popup.month.days
                 }
 
                 DayCell {

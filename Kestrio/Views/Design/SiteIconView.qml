@@ -7,11 +7,18 @@ Rectangle {
 
     property var icon: ({})
     property real size: 28
+    // The same in light and dark, as the letters' grounds are.
+    readonly property color videoSiteRed: "#d4343f"
+    // Letters on a light ground are dark: yellow and green ones could not be read otherwise.
+    readonly property real lightness: 0.299 * ground.r + 0.587 * ground.g + 0.114 * ground.b
+    readonly property color ink: lightness > 0.62 ? "#1c212b" : "#ffffff"
     readonly property bool isVideoSite: icon?.kind === "videoSite"
     readonly property color ground: {
         const shade = icon?.color;
-        if (isVideoSite || shade === undefined)
-            return isVideoSite ? Theme.red : Theme.gray;
+        if (isVideoSite)
+            return videoSiteRed;
+        if (shade === undefined)
+            return Theme.gray;
         return Qt.hsva(shade.hue, shade.saturation, shade.brightness, 1);
     }
 
@@ -32,7 +39,7 @@ Rectangle {
 
     Text {
         anchors.centerIn: parent
-        color: "#ffffff"
+        color: badge.ink
         font.family: Theme.fontFamily
         font.pixelSize: Math.round(badge.size * 0.52)
         font.weight: Font.DemiBold

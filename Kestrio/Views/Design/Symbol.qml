@@ -15,6 +15,7 @@ Image {
     height: size
     mirror: mirrored && Symbols.isDirectional(name)
     source: name === "" ? "" : "image://symbol/" + name + "?color=" + String(color).substring(1)
-    sourceSize: Qt.size(size, size)
+    sourceSize.height: size
+    sourceSize.width: size
     width: size
 }
