@@ -27,11 +27,7 @@ T.Popup {
     margins: Theme.s
     padding: Theme.m
 
-    background: Rectangle {
-        border.color: Theme.cardBorder
-        color: Theme.card
-        radius: Theme.radius
-    }
+    background: PopupGround {}
     contentItem: ColumnLayout {
         id: column
 

@@ -27,21 +27,7 @@ T.Menu {
         return width;
     }
 
-    background: Rectangle {
-        border.color: Theme.cardBorder
-        color: Theme.card
-        radius: Theme.radius
-
-        Rectangle {
-            anchors.fill: parent
-            anchors.margins: -1
-            anchors.topMargin: 1
-            anchors.bottomMargin: -3
-            color: Theme.shadow
-            radius: parent.radius + 1
-            z: -1
-        }
-    }
+    background: PopupGround {}
     contentItem: ListView {
         clip: contentHeight > height
         currentIndex: popupMenu.currentIndex
