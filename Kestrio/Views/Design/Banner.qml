@@ -2,6 +2,7 @@
 // qmllint disable unqualified
 import QtQuick
 import QtQuick.Layouts
+import Kestrio.Design
 
 // A band above a page: `value` has `symbol`, `tint`, `text`, and where there are any `title` and `buttons`, maps with
 // `title`, `symbol` and `action`. Choosing a button emits its place. What stands inside comes below the text.

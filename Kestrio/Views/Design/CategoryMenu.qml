@@ -2,6 +2,7 @@
 // qmllint disable unqualified
 import QtQuick
 import QtQuick.Templates as T
+import Kestrio.Design
 
 // Shows the category and changes it: `value` has `current` and `entries`. `selected` comes with the raw value of the
 // category that was chosen, or undefined for the default.

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
+import Kestrio.Design
 
 // A search field: what is typed is `text` at once; Escape or the button at its end clears it.
 T.TextField {

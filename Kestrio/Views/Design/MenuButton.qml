@@ -3,6 +3,7 @@
 import QtQuick
 import QtQuick.Layouts
 import QtQuick.Templates as T
+import Kestrio.Design
 
 // A button that opens a menu of `entries`: maps with `title`, and where there are any `isCurrent`, `symbol`, `isEnabled`,
 // `isSeparator`, `isHeading`. Choosing one emits its place.

@@ -3,6 +3,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Layouts
 import QtQuick.Templates as T
+import Kestrio.Design
 
 // A month to pick a day from. Arrow keys move by days and weeks, Page Up and Down by months.
 T.Popup {

@@ -1,4 +1,5 @@
 import QtQuick
+import Kestrio.Design
 
 // The badge of a site: its letter on a colour of its own, or the video site's symbol on red. `icon` is a map: `kind`, and
 // of a letter `letter` and `color` with `hue`, `saturation`, `brightness`.

@@ -1,4 +1,5 @@
 import QtQuick
+import Kestrio.Design
 
 // A symbol by the name that pages have for it, in one colour. For the eye only: what it says stands beside it in words.
 Image {
