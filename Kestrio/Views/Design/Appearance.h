@@ -30,7 +30,7 @@ public:
     bool isDark() const;
     bool isHighContrast() const { return desktop_.isHighContrast; }
     bool reducesMotion() const { return desktop_.reducesMotion; }
-    /// Within the bounds above.
+    /// Within the bounds above. 1 on X11, where the screen's own scale has it already.
     double textScale() const;
 
     /// What the person chose; stands above what the desktop asks for.
