@@ -1,5 +1,8 @@
 // What the items of charts share: they are drawn in a palette's colours, pixel for pixel, and anew when those change.
 // Main queue; it is drawn on the scene graph's queue while the main one waits.
+//
+// Classes that derive from it say so with the namespace: the tool that lists the module's types takes the name as it
+// stands.
 #pragma once
 
 #include "Kestrio/Views/Charts/ChartPalette.h"

@@ -9,7 +9,7 @@
 
 namespace kestrio {
 
-class ColumnPlotItem : public ChartItem {
+class ColumnPlotItem : public kestrio::ChartItem {
     Q_OBJECT
     QML_ANONYMOUS
     /// Of the texts along the axes.

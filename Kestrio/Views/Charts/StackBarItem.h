@@ -7,7 +7,7 @@
 
 namespace kestrio {
 
-class StackBarItem : public ChartItem {
+class StackBarItem : public kestrio::ChartItem {
     Q_OBJECT
     QML_NAMED_ELEMENT(StackBarPlot)
     Q_PROPERTY(kestrio::CategoryStackBarValue bar READ bar WRITE setBar NOTIFY barChanged)

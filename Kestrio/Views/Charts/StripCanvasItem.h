@@ -10,7 +10,7 @@
 
 namespace kestrio {
 
-class StripCanvasItem : public ChartItem {
+class StripCanvasItem : public kestrio::ChartItem {
     Q_OBJECT
     QML_NAMED_ELEMENT(StripCanvas)
     /// Whose strips are drawn, and where it points.
