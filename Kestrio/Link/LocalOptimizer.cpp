@@ -121,7 +121,9 @@ OptimizerLink::Failure LocalOptimizer::slow(const std::string& appID) {
 
 OptimizerLink::Failure LocalOptimizer::resume(const std::string& appID) {
     return queue_.sync([&]() -> Failure {
-        if (!optimizer_.managed().value().contains(appID))
+        const auto& managed = optimizer_.managed().value();
+        const auto held = managed.find(appID);
+        if (held == managed.end() || !(held->second.isHeld() || held->second.isManual))
             return appID + " is neither frozen nor slowed";
         optimizer_.resume(appID);
         return std::nullopt;

@@ -104,7 +104,7 @@ TEST(LocalBackground, saysWhatItCosts) {
     const OwnCost cost{.span = Seconds(600), .cores = 0.006, .memory = 1, .wakeupsPerSecond = 2};
     bench.ownCost = AgentCost{cost, LoweredPace{origin, origin + Seconds(3600), cost}};
     EXPECT_EQ(bench.background->ownCost(), bench.ownCost);
-    LocalBackground without(*bench.model, {}, [] { return std::nullopt; });
+    LocalBackground without(*bench.model, {}, {});
     EXPECT_EQ(without.ownCost(), AgentCost());
 }
 

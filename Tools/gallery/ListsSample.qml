@@ -3,15 +3,16 @@ import QtQuick.Layouts
 import Kestrio.Design
 
 // Lists, heads, bands and empty places.
-ColumnLayout {
+Column {
     id: lists
 
     property int selected: 0
 
     spacing: Theme.l
+    width: parent?.width ?? implicitWidth
 
     Banner {
-        Layout.fillWidth: true
+        width: parent.width
         value: ({
                 "symbol": "lock.shield",
                 "tint": "orange",
@@ -32,7 +33,7 @@ ColumnLayout {
     }
 
     RowLayout {
-        Layout.fillWidth: true
+        width: parent.width
         spacing: Theme.l
 
         Card {
@@ -139,7 +140,7 @@ ColumnLayout {
     }
 
     Card {
-        Layout.fillWidth: true
+        width: parent.width
 
         EmptyActivityView {
             Layout.fillWidth: true

@@ -248,7 +248,7 @@ bool LinuxProcessSignals::slowThread(pid_t thread) const {
         any = setIOPriority(thread, ioPriority::value(ioPriority::classIdle, 0)) || any;
     if (const auto cores = slowPartOf(now->cores); cores != now->cores)
         any = setCores(thread, cores) || any;
-    return any;
+    return any || isSlowed(thread);
 }
 
 bool LinuxProcessSignals::slow(ProcessKey process) {

@@ -6,6 +6,15 @@ ChartPalette::ChartPalette(QObject* parent) : QObject(parent) {
     categories_.fill(Qt::gray);
 }
 
+QStringList ChartPalette::categoryNames() {
+    QStringList names;
+    for (const auto category : allActivityCategories) {
+        const auto name = rawValue(category);
+        names.append(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
+    }
+    return names;
+}
+
 QVariantList ChartPalette::categories() const {
     QVariantList colors;
     for (const auto& color : categories_)

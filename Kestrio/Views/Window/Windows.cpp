@@ -46,12 +46,23 @@ Windows::~Windows() {
     delete dashboardModel_.release();
 }
 
-void Windows::showDashboard(const std::optional<std::string>& page) {
-    if (!dashboard_)
+void Windows::show(const WindowRequest& request, const std::string& activationToken) {
+    // Where the framework looks for it when a window asks for the front.
+    if (!activationToken.empty())
+        qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(activationToken));
+    const auto* const dashboard = std::get_if<DashboardRequest>(&request);
+    showDashboard(dashboard ? *dashboard : DashboardRequest{});
+}
+
+void Windows::showDashboard(const DashboardRequest& request) {
+    const bool isNew = !dashboard_;
+    if (isNew)
         makeDashboard();
     if (!dashboard_)
         return;
-    dashboardModel_->open(page);
+    if (isNew || request.page)
+        dashboardModel_->open(request.page);
+    dashboard_->setWindowStates(dashboard_->windowStates() & ~Qt::WindowMinimized);
     dashboard_->show();
     dashboard_->raise();
     dashboard_->requestActivate();

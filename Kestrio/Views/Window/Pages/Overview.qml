@@ -14,31 +14,32 @@ Item {
 
     EmptyActivityView {
         anchors.fill: parent
-        value: overview.page.empty
-        visible: value !== undefined
+        value: overview.page.empty ?? ({})
+        visible: overview.page.empty !== undefined
     }
 
-    ScrollPane {
-        id: pane
-
-        activeFocusOnTab: true
+    Loader {
+        active: overview.page.empty === undefined
         anchors.fill: parent
-        visible: overview.page.empty === undefined
 
-        ColumnLayout {
-            spacing: Theme.m
-            width: parent.width
+        sourceComponent: ScrollPane {
+            activeFocusOnTab: true
 
-            StatGrid {
-                Layout.fillWidth: true
-                stats: overview.content.stats ?? []
-            }
+            ColumnLayout {
+                spacing: Theme.m
+                width: parent.width
 
-            OverviewCards {
-                Layout.fillWidth: true
-                content: overview.content
+                StatGrid {
+                    Layout.fillWidth: true
+                    stats: overview.content.stats ?? []
+                }
 
-                onSeeAllRequested: section => overview.page.seeAll(section)
+                OverviewCards {
+                    Layout.fillWidth: true
+                    content: overview.content
+
+                    onSeeAllRequested: section => overview.page.seeAll(section)
+                }
             }
         }
     }

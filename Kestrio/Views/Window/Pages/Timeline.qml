@@ -13,8 +13,8 @@ Item {
 
     EmptyActivityView {
         anchors.fill: parent
-        value: timeline.page.empty
-        visible: value !== undefined
+        value: timeline.page.empty ?? ({})
+        visible: timeline.page.empty !== undefined
     }
 
     ColumnLayout {
