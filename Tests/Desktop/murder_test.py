@@ -286,9 +286,9 @@ class EndOfTheScreen(MurderTest):
         os.close(writing)
         with os.fdopen(reading) as report:
             there = unittest.mock.patch.dict(os.environ, {"DISPLAY": ":" + report.readline().strip()})
-        os.environ.pop("XAUTHORITY", None)
         there.start()
         self.addCleanup(there.stop)
+        os.environ.pop("XAUTHORITY", None)  # comes back with the rest
         manager = subprocess.Popen(["openbox"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         self.addCleanup(manager.wait)
         self.addCleanup(manager.kill)
