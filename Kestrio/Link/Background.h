@@ -5,6 +5,7 @@
 #pragma once
 
 #include "Kestrio/Base/Subscription.h"
+#include "Kestrio/Link/AgentCost.h"
 #include "Kestrio/Link/MonitorReading.h"
 #include "Kestrio/Model/Models.h"
 #include "Kestrio/Reports/SessionImport.h"
@@ -82,6 +83,9 @@ public:
     /// answer.
     virtual std::optional<std::vector<BrowserReading>> browsers() = 0;
 
+    /// What the agent itself takes of the machine. Absent when it does not answer.
+    virtual std::optional<AgentCost> ownCost() = 0;
+
     /// `receiver` hears of every published change, within two seconds of it, until the token is dropped or the agent
     /// ends.
     virtual Subscription observe(std::function<void(const AgentStatus&)> receiver) = 0;
@@ -90,7 +94,6 @@ public:
     /// until the token is dropped or the agent ends. The monitor looks closely for as long as anybody observes it. The
     /// token is empty when the agent does not answer.
     virtual Subscription observeMonitor(std::function<void(const MonitorReading&)> receiver) = 0;
-
     /// What may be asked of the optimizer, for as long as this lives. Null where there is none.
     virtual OptimizerLink* optimizer() = 0;
 };

@@ -21,8 +21,9 @@ std::chrono::microseconds deadline() {
 /// How long an import may take before nobody waits for it any more.
 constexpr std::chrono::hours importDeadline{24};
 
-std::optional<AgentStatus> parse(const std::string& text) {
-    return agentStatusFromJSON(nlohmann::ordered_json::parse(text, nullptr, false));
+/// What is no JSON is a value of a type of its own, which no reader takes.
+nlohmann::ordered_json parsed(const std::string& text) {
+    return nlohmann::ordered_json::parse(text, nullptr, false);
 }
 
 /// The rule for the notice that the agent's name has no owner any more.
@@ -60,7 +61,7 @@ BackgroundClient::BackgroundClient(std::unique_ptr<sdbus::IConnection> connectio
     proxy_->uponSignal("Changed")
         .onInterface(busNames::interface)
         .call([receiver = receiver_](const std::string& json) {
-            if (const auto status = parse(json); status && *receiver)
+            if (const auto status = agentStatusFromJSON(parsed(json)); status && *receiver)
                 (*receiver)(*status);
         });
     proxy_->uponSignal("ActivityDataDidChange").onInterface(busNames::interface).call([receiver = dataReceiver_] {
@@ -76,7 +77,7 @@ BackgroundClient::BackgroundClient(std::unique_ptr<sdbus::IConnection> connectio
     proxy_->uponSignal("MonitorReading")
         .onInterface(busNames::interface)
         .call([readings = monitorReadings_](const std::string& json) {
-            if (const auto reading = monitorReadingFromJSON(nlohmann::ordered_json::parse(json, nullptr, false)))
+            if (const auto reading = monitorReadingFromJSON(parsed(json)))
                 readings->emit(*reading);
         });
     proxy_->finishRegistration();
@@ -84,14 +85,24 @@ BackgroundClient::BackgroundClient(std::unique_ptr<sdbus::IConnection> connectio
 
 BackgroundClient::~BackgroundClient() = default;
 
-std::optional<AgentStatus> BackgroundClient::status() {
+std::optional<std::string> BackgroundClient::answer(const char* method) {
     try {
-        std::string json;
-        proxy_->callMethod("Status").onInterface(busNames::interface).withTimeout(deadline()).storeResultsTo(json);
-        return parse(json);
+        std::string text;
+        proxy_->callMethod(method).onInterface(busNames::interface).withTimeout(deadline()).storeResultsTo(text);
+        return text;
     } catch (const sdbus::Error&) {
         return std::nullopt;
     }
+}
+
+std::optional<AgentStatus> BackgroundClient::status() {
+    const auto json = answer("Status");
+    return json ? agentStatusFromJSON(parsed(*json)) : std::nullopt;
+}
+
+std::optional<AgentCost> BackgroundClient::ownCost() {
+    const auto json = answer("OwnCost");
+    return json ? agentCostFromJSON(parsed(*json)) : std::nullopt;
 }
 
 template <class... Arguments>
@@ -128,7 +139,7 @@ Subscription BackgroundClient::importFiles(std::vector<SessionFile> files, Impor
     const auto answered = [isOver, ended = std::move(receiver.ended)](const sdbus::Error* error,
                                                                       const std::string& json) {
         *isOver = true;
-        const auto outcome = importOutcomeFromJSON(nlohmann::ordered_json::parse(json, nullptr, false));
+        const auto outcome = importOutcomeFromJSON(parsed(json));
         ended(error ? ImportFailure{busWords(*error)} : outcome.value_or(ImportFailure{noAnswer}));
     };
     try {
@@ -189,10 +200,6 @@ Subscription BackgroundClient::observe(std::function<void(const AgentStatus&)> r
     return Subscription([held = receiver_] { *held = nullptr; });
 }
 
-OptimizerLink* BackgroundClient::optimizer() {
-    return optimizer_.get();
-}
-
 Subscription BackgroundClient::observeMonitor(std::function<void(const MonitorReading&)> receiver) {
     auto token = std::make_shared<Subscription>(monitorReadings_->subscribe(std::move(receiver)));
     if (call("WatchMonitor"))
@@ -224,6 +231,10 @@ Subscription BackgroundClient::observeEnd(std::function<void()> receiver) {
     } catch (const sdbus::Error&) {
         return {}; // the bus went, as whoever serves will see
     }
+}
+
+OptimizerLink* BackgroundClient::optimizer() {
+    return optimizer_.get();
 }
 
 bool BackgroundClient::run() {

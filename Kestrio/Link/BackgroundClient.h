@@ -32,9 +32,10 @@ public:
     Subscription importFiles(std::vector<SessionFile> files, ImportReceiver receiver) override;
     Subscription observeData(std::function<void()> receiver) override;
     std::optional<std::vector<BrowserReading>> browsers() override;
+    std::optional<AgentCost> ownCost() override;
     Subscription observe(std::function<void(const AgentStatus&)> receiver) override;
-    OptimizerLink* optimizer() override;
     Subscription observeMonitor(std::function<void(const MonitorReading&)> receiver) override;
+    OptimizerLink* optimizer() override;
 
     /// Delivers changes on the calling thread until the agent ends (true) or the bus does (false).
     bool run();
@@ -52,6 +53,8 @@ public:
 private:
     explicit BackgroundClient(std::unique_ptr<sdbus::IConnection> connection);
 
+    /// What a method without arguments answers; absent when the agent does not.
+    std::optional<std::string> answer(const char* method);
     template <class... Arguments>
     Failure call(const char* method, Arguments... arguments);
     /// The same, but waits for no answer.

@@ -131,6 +131,10 @@ void BackgroundService::registerObject(sdbus::IConnection& connection) {
         const auto status = background_.status();
         return status ? text(*status) : std::string();
     });
+    object_->registerMethod("OwnCost").onInterface(interface).withOutputParamNames("json").implementedAs([this] {
+        const auto cost = background_.ownCost();
+        return cost ? text(*cost) : std::string();
+    });
     object_->registerMethod("Watch").onInterface(interface).implementedAs([this, &connection] { watch(connection); });
     object_->registerMethod("WatchMonitor").onInterface(interface).implementedAs([this, &connection] {
         watchMonitor(connection);
@@ -217,63 +221,56 @@ void BackgroundService::tellReading(const std::string& watcher, const MonitorRea
     });
 }
 
-void BackgroundService::beginImport(sdbus::IConnection& connection, std::shared_ptr<Import> import,
+void BackgroundService::beginImport(sdbus::IConnection& connection, std::shared_ptr<Import> begun,
                                     std::vector<SessionFile> files) {
-    const auto& caller = import->caller;
-    if (!imports_.emplace(caller, import).second)
-        return import->result.returnError(sdbus::Error(busNames::errorFailed, "Another import is under way."));
-    import->leaving = observeLeaving(connection, caller, [this, caller] {
-        afterwards([caller](BackgroundService& self) { self.stopImport(caller);
-});
-} // namespace kestrio
-);
-const auto withSelf = [weakSelf = std::weak_ptr(self_), weak = std::weak_ptr(import)](auto work) {
-    return [weakSelf, weak, work](const auto& what) {
-        const auto self = weakSelf.lock();
-        if (const auto import_ = weak.lock(); self && import_)
-            work(**self, *import_, what);
-    };
-};
-    import->running = background_.importFiles(
-        std::move(files),
-        {.progress = withSelf([](auto& self, const auto& running, double share) { self.tellShare(running, share);
-    }),
-         .ended = withSelf([](auto& self, const auto& ended, const auto& outcome) {
-    self.endImport(ended, outcome); })
+    const auto& caller = begun->caller;
+    if (!imports_.emplace(caller, begun).second)
+        return begun->result.returnError(sdbus::Error(busNames::errorFailed, "Another import is under way."));
+    begun->leaving = observeLeaving(connection, caller, [this, caller] {
+        afterwards([caller](BackgroundService& self) { self.stopImport(caller); });
     });
+    const auto withSelf = [weakSelf = std::weak_ptr(self_), weak = std::weak_ptr(begun)](auto work) {
+        return [weakSelf, weak, work](const auto& what) {
+            const auto self = weakSelf.lock();
+            if (const auto import = weak.lock(); self && import)
+                work(**self, *import, what);
+        };
+    };
+    begun->running = background_.importFiles(
+        std::move(files),
+        {.progress = withSelf([](auto& self, const auto& running, double share) { self.tellShare(running, share); }),
+         .ended =
+             withSelf([](auto& self, const auto& ended, const auto& outcome) { self.endImport(ended, outcome); })});
     if (!isOnBus(connection, caller))
         stopImport(caller); // left before the rule was there
-    }
+}
 
-    void BackgroundService::stopImport(const std::string& caller) {
-        if (const auto found = imports_.find(caller); found != imports_.end())
-            found->second->running.cancel();
-    }
+void BackgroundService::stopImport(const std::string& caller) {
+    if (const auto found = imports_.find(caller); found != imports_.end())
+        found->second->running.cancel();
+}
 
-    void BackgroundService::tellShare(const Import& import, double share) {
-        perform_([&](sdbus::IConnection&) {
-            auto signal = object_->createSignal(interface, "ImportProgress");
-            signal << share;
-            signal.setDestination(import.caller);
-            object_->emitSignal(signal);
-        });
-    }
+void BackgroundService::tellShare(const Import& import, double share) {
+    perform_([&](sdbus::IConnection&) {
+        auto signal = object_->createSignal(interface, "ImportProgress");
+        signal << share;
+        signal.setDestination(import.caller);
+        object_->emitSignal(signal);
+    });
+}
 
-    void BackgroundService::endImport(const Import& import, const ImportOutcome& outcome) {
-        perform_([&](sdbus::IConnection&) { import.result.returnResults(text(outcome)); });
-        imports_.erase(import.caller);
-    }
+void BackgroundService::endImport(const Import& import, const ImportOutcome& outcome) {
+    perform_([&](sdbus::IConnection&) { import.result.returnResults(text(outcome)); });
+    imports_.erase(import.caller);
+}
 
-    void BackgroundService::tell(const AgentStatus& status) {
-        const auto json = text(status);
-        perform_(
-            [&](sdbus::IConnection&) { object_->emitSignal("Changed").onInterface(interface).withArguments(json); });
-    }
+void BackgroundService::tell(const AgentStatus& status) {
+    const auto json = text(status);
+    perform_([&](sdbus::IConnection&) { object_->emitSignal("Changed").onInterface(interface).withArguments(json); });
+}
 
-    void BackgroundService::tellState() {
-        perform_([&](sdbus::IConnection&) {
-            object_->emitPropertiesChangedSignal(interface, {"State", "PausedUntil"});
-        });
-    }
+void BackgroundService::tellState() {
+    perform_([&](sdbus::IConnection&) { object_->emitPropertiesChangedSignal(interface, {"State", "PausedUntil"}); });
+}
 
-    } // namespace kestrio
+} // namespace kestrio

@@ -10,6 +10,7 @@
 //                         a descriptor open for reading. Answers at the end, which may be minutes away, with the counts
 //                         or the error as JSON. The caller meanwhile hears `ImportProgress(d share)`; it stops the
 //                         import by StopImport() or by leaving the bus.
+//   OwnCost() -> s        what the agent itself takes of the machine, as JSON
 //   Watch()               from now on `Changed` is sent, until the caller leaves the bus
 //   WatchMonitor()        from now on the caller hears `MonitorReading(s json)`, what the system monitor sees, every
 //                         two seconds or so, until UnwatchMonitor() or until it leaves the bus
@@ -59,7 +60,7 @@ private:
     void forget(const std::string& watcher);
     void watchMonitor(sdbus::IConnection& connection);
     void tellReading(const std::string& watcher, const MonitorReading& reading);
-    void beginImport(sdbus::IConnection& connection, std::shared_ptr<Import> import, std::vector<SessionFile> files);
+    void beginImport(sdbus::IConnection& connection, std::shared_ptr<Import> begun, std::vector<SessionFile> files);
     void stopImport(const std::string& caller);
     void tellShare(const Import& import, double share);
     void endImport(const Import& import, const ImportOutcome& outcome);

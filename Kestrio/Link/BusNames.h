@@ -12,7 +12,6 @@ inline constexpr auto interface = "dev.haldorvinter.Kestrio";
 inline constexpr auto windowService = "dev.haldorvinter.Kestrio.Window";
 inline constexpr auto windowObject = "/dev/haldorvinter/Kestrio/Window";
 inline constexpr auto windowInterface = "dev.haldorvinter.Kestrio.Window";
-
 inline constexpr auto optimizerObject = "/dev/haldorvinter/Kestrio/Optimizer";
 inline constexpr auto optimizerInterface = "dev.haldorvinter.Kestrio.Optimizer";
 

@@ -80,6 +80,10 @@ std::optional<std::vector<BrowserReading>> LocalBackground::browsers() {
     return services_.browsers ? services_.browsers() : std::vector<BrowserReading>();
 }
 
+std::optional<AgentCost> LocalBackground::ownCost() {
+    return services_.ownCost ? services_.ownCost() : AgentCost();
+}
+
 Subscription LocalBackground::observe(std::function<void(const AgentStatus&)> receiver) {
     auto look = std::make_shared<Subscription>(model_.showLive());
     auto token = std::make_shared<Subscription>(changed_.subscribe(std::move(receiver)));

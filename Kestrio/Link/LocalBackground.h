@@ -28,10 +28,11 @@ public:
         ImportFiles importFiles = {};
         std::function<std::vector<BrowserReading>()> browsers = {};
         ObserveMonitor observeMonitor = {};
+        std::function<AgentCost()> ownCost = {};
         OptimizerLink* optimizer = nullptr;
     };
 
-    /// The model, and the optimizer of the services, must outlive this.
+    /// The model and the optimizer must outlive this.
     LocalBackground(AppModel& model, Facts facts, Services services);
 
     std::optional<AgentStatus> status() override;
@@ -42,9 +43,10 @@ public:
     Subscription importFiles(std::vector<SessionFile> files, ImportReceiver receiver) override;
     Subscription observeData(std::function<void()> receiver) override;
     std::optional<std::vector<BrowserReading>> browsers() override;
+    std::optional<AgentCost> ownCost() override;
     Subscription observe(std::function<void(const AgentStatus&)> receiver) override;
-    OptimizerLink* optimizer() override { return services_.optimizer; }
     Subscription observeMonitor(std::function<void(const MonitorReading&)> receiver) override;
+    OptimizerLink* optimizer() override { return services_.optimizer; }
 
     /// Runs work on the queue after what runs now.
     void afterwards(Queue::Work work) { model_.queue().async(std::move(work)); }

@@ -17,14 +17,16 @@ struct DashboardWords {
 /// What stands above the pages while no agent runs.
 struct AgentNotice {
     std::string symbol;
+    SystemColor tint = SystemColor::gray;
     std::string title;
     std::string text;
-    std::string button;
+    std::string button; // starts the agent
     friend bool operator==(const AgentNotice&, const AgentNotice&) = default;
 };
 
 inline AgentNotice agentNotice() {
     return {.symbol = "moon.zzz",
+            .tint = SystemColor::gray,
             .title = "Kestrio is not running",
             .text = "What you see was recorded before. Nothing is being recorded now.",
             .button = "Start Kestrio"};

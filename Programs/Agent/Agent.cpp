@@ -13,6 +13,7 @@
 #include "Kestrio/Platform/Linux/BusConnection.h"
 #include "Kestrio/Platform/Linux/FileKeyValueStore.h"
 #include "Kestrio/Platform/Linux/SingleInstance.h"
+#include "Kestrio/Platform/Linux/StatusNotifierTray.h"
 #include "Kestrio/Reports/SessionImport.h"
 #include "Kestrio/Shell/AppInfo.h"
 #include "Kestrio/Shell/AppModel.h"
@@ -25,6 +26,8 @@
 #include "Programs/Agent/HostMedia.h"
 #include "Programs/Agent/HostMonitor.h"
 #include "Programs/Agent/HostResources.h"
+#include "Programs/Agent/HostTray.h"
+#include "Programs/Agent/TodaysTime.h"
 #include "Programs/Agent/WindowLauncher.h"
 
 #include <csignal>
@@ -114,6 +117,7 @@ public:
                                       auto receiver) { return importFiles(std::move(files), std::move(receiver)); },
                 .browsers = [this] { return browsers_->readings(); },
                 .observeMonitor = [this](auto receiver) { return systemMonitor_->observe(std::move(receiver)); },
+                .ownCost = [this] { return resources_->cost(); },
                 .optimizer = optimizer_->link(),
             });
         if (!offerOnBus())
@@ -124,6 +128,7 @@ public:
         model_->start();
         optimizer_->start();
         resources_->recorder().start();
+        showInTray();
         systemMonitor_->start();
         openDashboardAtLaunch();
         giveBackMemory_ = main_.after(Seconds(10), [] { malloc_trim(0); });
@@ -133,6 +138,9 @@ public:
 
     ~Agent() {
         changes_.cancel();
+        trayStates_.cancel();
+        hostTray_.reset();
+        tray_.reset();
         service_.reset();
         background_.reset();
         model_.reset();
@@ -263,6 +271,34 @@ private:
         return false;
     }
 
+    void showInTray() {
+        const auto address = BusConnection::address(BusConnection::Bus::session);
+        if (!sessionBus_ || !address || options_.onChange)
+            return; // nobody to show it, or in the foreground of a terminal
+        tray_.emplace(main_, *address);
+        hostTray_.emplace(HostTray::Parts{
+            .model = *model_,
+            .settings = settings_,
+            .tray = *tray_,
+            .calendar = Calendar::current(),
+            .timeInFront = [this](auto interval, auto receiver) { addUpTime(interval, std::move(receiver)); },
+            .open =
+                [this](const auto& request, const auto& token) {
+                    if (const auto failure = windows_->show(request, token))
+                        logLine("Kestrio: " + *failure);
+                },
+            .quit = [this] { endBySignal(); },
+        });
+        systemMonitor_->followIcon([this] { return hostTray_->isSystemIconShown(); });
+        trayStates_ = systemMonitor_->monitor().observe([this](const auto& state) { hostTray_->showSystem(state); });
+    }
+
+    void addUpTime(DateInterval interval, std::function<void(Seconds)> receiver) {
+        monitorQueue_.async([this, interval, receiver = std::move(receiver)] {
+            main_.async([receiver, time = timeInFront(*database_, *monitor_, interval)] { receiver(time); });
+        });
+    }
+
     bool isLaunchedByUser() {
         const auto sessionStart = monitorQueue_.sync([this] { return desktop_->sessionEvents.sessionStart(); });
         return !isLoginLaunch(options_.isLoginItem, sessionStart, clock_.now(), clock_.uptime());
@@ -337,6 +373,9 @@ private:
     std::unique_ptr<BusConnection> sessionBus_;
     std::unique_ptr<BackgroundService> service_;
     std::optional<WindowLauncher> windows_;
+    std::optional<StatusNotifierTray> tray_;
+    std::optional<HostTray> hostTray_;
+    Subscription trayStates_;
     Subscription changes_;
     Subscription giveBackMemory_;
 };

@@ -6,6 +6,7 @@
 
 #include "Kestrio/Activity/ActivityMonitor.h"
 #include "Kestrio/Base/LoopQueue.h"
+#include "Kestrio/Link/AgentCost.h"
 #include "Kestrio/Monitor/SystemSampler.h"
 #include "Kestrio/Platform/Linux/LinuxOwnUse.h"
 #include "Kestrio/Platform/Linux/LinuxSensors.h"
@@ -16,6 +17,7 @@
 #include "Programs/Agent/DesktopFacts.h"
 #include "Programs/Agent/HostMachine.h"
 #include "Programs/Agent/HostOptimizer.h"
+#include "Programs/Agent/SavingPower.h"
 
 #include <filesystem>
 #include <memory>
@@ -27,12 +29,14 @@ class HostResources {
 public:
     /// All must outlive this. Without a log that can be opened nothing is stored, and a line in the log says so.
     HostResources(const Clock& clock, Queue& main, KeyValueStore& settings, const std::filesystem::path& dataFolder,
-                  Queue& monitorQueue, HostDesktop& desktop, const ActivityMonitor& monitor, HostOptimizer& optimizer)
+                  LoopQueue& monitorQueue, HostDesktop& desktop, const ActivityMonitor& monitor,
+                  HostOptimizer& optimizer)
         : clock_(clock),
           monitor_(monitor),
           optimizer_(optimizer),
           store_(ResourceStore::openOrLog(dataFolder / ResourceStore::fileName, storeQueue_, clock)),
-          facts_(main, monitorQueue, desktop) {
+          facts_(main, monitorQueue, desktop),
+          savingPower_(monitorQueue) {
         samplerQueue_.sync([this] { readers_ = std::make_unique<Readers>(clock_); });
         recorder_.emplace(ResourceRecorder::Host{clock, main, samplerQueue_, probeQueue_, settings, readers_->sampler,
                                                  store_.get(), Calendar::current()},
@@ -55,6 +59,8 @@ public:
         if (store_)
             store_->add(event.kind, std::move(app), event.detail, event.bytes, event.at);
     }
+
+    AgentCost cost() const { return {.cost = recorder_->ownCost(), .lowered = recorder_->loweredPace()}; }
 
 private:
     /// Batteries and heat change slowly.
@@ -111,7 +117,8 @@ private:
     WorkerQueue probeQueue_{StallProbe::queueLabel};
     std::unique_ptr<ResourceStore> store_; // null when it could not be opened
     DesktopFacts facts_;
-    LinuxSensors powerSensors_{{}};
+    SavingPower savingPower_;
+    LinuxSensors powerSensors_{{.isSavingPower = [this] { return savingPower_(); }}};
     PowerState power_;
     std::optional<Uptime> powerRead_;
     std::unique_ptr<Readers> readers_; // on the sampler's queue

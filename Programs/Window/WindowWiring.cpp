@@ -1,5 +1,6 @@
 #include "Programs/Window/WindowWiring.h"
 
+#include "Kestrio/Activity/BrowserInspector.h"
 #include "Kestrio/Platform/Linux/BusAddress.h"
 #include "Kestrio/Platform/Linux/BusConnection.h"
 #include "Kestrio/Platform/Linux/DetachedProgram.h"
@@ -50,7 +51,7 @@ WindowWiring::WindowWiring(Queue& main, const Locations& locations, std::optiona
              .classification = classification_,
              .agent = agent_,
              .dashboard = dashboard_,
-             .host = {.startAgent = startAgent}} {
+             .host = {.startAgent = startAgent, .isBrowser = BrowserInspector::isBrowser}} {
     std::map<std::string, SettingValue> registered;
     for (const auto& setting : knownSettings())
         if (setting.registered)

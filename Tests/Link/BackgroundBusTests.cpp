@@ -106,6 +106,24 @@ TEST(BackgroundOnTheBus, howBrowsersAreReadIsTold) {
     EXPECT_EQ(client->browsers(), std::nullopt);
 }
 
+TEST(BackgroundOnTheBus, whatTheAgentCostsIsTold) {
+    const OwnCost cost{.span = Seconds(600),
+                       .cores = 0.00625,
+                       .memory = 14'000'000,
+                       .wakeupsPerSecond = 3.5,
+                       .bytesWrittenPerSecond = 7};
+    const AgentCost told{cost, LoweredPace{Date(1'700'000'000), Date(1'700'003'600), cost}};
+    const PrivateBus bus;
+    TestAgent agent(bus.address());
+    const auto client = BackgroundClient::connect(bus.address());
+    ASSERT_TRUE(client);
+    EXPECT_EQ(client->ownCost(), AgentCost()) << "answered, but not measured";
+    agent.with([&](LinkBench& bench) { bench.ownCost = told; });
+    EXPECT_EQ(client->ownCost(), told);
+    agent.end();
+    EXPECT_EQ(client->ownCost(), std::nullopt);
+}
+
 TEST(BackgroundOnTheBus, aRefusedPauseSaysWhy) {
     const PrivateBus bus;
     TestAgent agent(bus.address());

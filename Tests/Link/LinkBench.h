@@ -26,6 +26,7 @@ struct LinkBench : MonitorBench {
                                       auto receiver) { return importFiles(std::move(files), std::move(receiver)); },
                 .browsers = [this] { return browsers; },
                 .observeMonitor = [this](auto receiver) { return observeMonitor(std::move(receiver)); },
+                .ownCost = [this] { return ownCost; },
             });
         model->start();
         pass(2.6);
@@ -39,6 +40,7 @@ struct LinkBench : MonitorBench {
     LocalBackground::ImportFiles importFiles;
     std::vector<BrowserReading> browsers;
     LocalBackground::ObserveMonitor observeMonitor = [](const auto&) { return Subscription(); };
+    AgentCost ownCost;
     std::unique_ptr<AppModel> model;
     std::unique_ptr<LocalBackground> background;
 };

@@ -98,6 +98,16 @@ TEST(LocalBackground, handsOnWhatTheSystemMonitorSees) {
     EXPECT_FALSE(without.observeMonitor([](const auto&) {}).isActive());
 }
 
+TEST(LocalBackground, saysWhatItCosts) {
+    LinkBench bench;
+    EXPECT_EQ(bench.background->ownCost(), AgentCost());
+    const OwnCost cost{.span = Seconds(600), .cores = 0.006, .memory = 1, .wakeupsPerSecond = 2};
+    bench.ownCost = AgentCost{cost, LoweredPace{origin, origin + Seconds(3600), cost}};
+    EXPECT_EQ(bench.background->ownCost(), bench.ownCost);
+    LocalBackground without(*bench.model, {}, {});
+    EXPECT_EQ(without.ownCost(), AgentCost());
+}
+
 TEST(LocalBackground, changesOfOneMomentAreToldTogetherAndOnlyWhenThereAreAny) {
     LinkBench bench;
     std::vector<AgentStatus> told;

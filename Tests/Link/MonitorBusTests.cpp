@@ -22,7 +22,7 @@ struct ScriptedFeed {
     int looking = 0;
     int everLooked = 0;
 
-    LocalBackground::ObserveMonitor observe() {
+    auto observe() {
         return [this](std::function<void(const MonitorReading&)> receiver) {
             ++looking;
             ++everLooked;

@@ -33,7 +33,7 @@ COMMANDS = ["record", "watch", "status", "sessions", "report", "pause", "resume"
 SESSION_KEYS = ["id", "start", "end", "bundleID", "appName", "title", "url", "domain", "project", "kind"]
 STATUS_KEYS = ["state", "pausedUntil", "live", "alongside", "unsaved", "isAccessibilityGranted", "version",
                "processIdentifier", "dataFolder", "startedAt"]
-STORE_KEYS = ["running", "focusedToday", "sessionCount", "fileSize", "earliestStart"]
+STORE_KEYS = ["running", "loweredPace", "focusedToday", "sessionCount", "fileSize", "earliestStart"]
 
 NOON = 1_700_049_600  # 2023-11-15 12:00 UTC
 
@@ -760,7 +760,7 @@ class WithoutAgent(Case):
         found = json.loads(self.ctl("status", "--json", status=1))
         self.assertEqual(list(found), STATUS_KEYS + STORE_KEYS)
         self.assertEqual([found[key] for key in STATUS_KEYS], [None] * len(STATUS_KEYS))
-        self.assertEqual([found[key] for key in STORE_KEYS], [False, 0, 0, 0, None])
+        self.assertEqual([found[key] for key in STORE_KEYS], [False, None, 0, 0, 0, None])
 
     def test_actions_say_so(self):
         for command in ("pause", "pause 30m", "pause until-tomorrow", "resume", "watch", "watch --json", "open", "open apps"):
@@ -855,6 +855,7 @@ class OnADesktop(Case):
         self.assertEqual(list(found), STATUS_KEYS + STORE_KEYS)
         self.assertEqual((found["state"], found["running"], found["processIdentifier"]), ("tracking", True, agent.pid))
         self.assertEqual(found["dataFolder"], str(self.database.parent))
+        self.assertIn("  Cost     measured in the program's first minute\n", self.ctl("log", "status"))
         text = self.ctl("status")
         self.assertRegex(text, rf"\A  Kestrio \d[\d.]*, process {agent.pid}, since .*\n  Now        recording XTerm: First\n")
         open_session = json.loads(self.ctl("sessions", "--json"))[-1]

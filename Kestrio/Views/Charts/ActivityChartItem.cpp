@@ -31,8 +31,8 @@ void ActivityChartItem::setChart(const ActivityChartValue& chart) {
     // A report that is made anew every few seconds must not take the tooltip away from under the pointer.
     const bool isStillThere = data && marked_ && data->report->interval.contains(marked_->start);
     mark(isStillThere ? std::optional(selectedBucket(*data->report, marked_->start, data->calendar)) : std::nullopt);
-    emit chartChanged();
-    emit markedChanged();
+    Q_EMIT chartChanged();
+    Q_EMIT markedChanged();
 }
 
 qreal ActivityChartItem::markedLeft() const {
@@ -96,7 +96,7 @@ void ActivityChartItem::focusOutEvent(QFocusEvent* event) {
 void ActivityChartItem::geometryChange(const QRectF& now, const QRectF& before) {
     ColumnPlotItem::geometryChange(now, before);
     if (marked_ && now.size() != before.size())
-        emit markedChanged();
+        Q_EMIT markedChanged();
 }
 
 void ActivityChartItem::pointAt(qreal x) {
@@ -113,7 +113,7 @@ void ActivityChartItem::mark(std::optional<DateInterval> interval) {
     marked_ = interval;
     tooltip_ = tooltip;
     update();
-    emit markedChanged();
+    Q_EMIT markedChanged();
 }
 
 } // namespace kestrio

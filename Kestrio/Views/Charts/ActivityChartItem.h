@@ -38,7 +38,7 @@ public:
 
     std::optional<DateInterval> marked() const override { return marked_; }
 
-signals:
+Q_SIGNALS:
     void chartChanged();
     void markedChanged();
 

@@ -6,6 +6,15 @@ ChartPalette::ChartPalette(QObject* parent) : QObject(parent) {
     categories_.fill(Qt::gray);
 }
 
+QStringList ChartPalette::categoryNames() {
+    QStringList names;
+    for (const auto category : allActivityCategories) {
+        const auto name = rawValue(category);
+        names.append(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
+    }
+    return names;
+}
+
 QVariantList ChartPalette::categories() const {
     QVariantList colors;
     for (const auto& color : categories_)
@@ -22,7 +31,7 @@ void ChartPalette::setCategories(const QVariantList& colors) {
     if (next == categories_)
         return;
     categories_ = next;
-    emit changed();
+    Q_EMIT changed();
 }
 
 QColor ChartPalette::ink(qreal opacity) const {
@@ -39,7 +48,7 @@ void ChartPalette::set(QColor& member, const QColor& color) {
     if (member == color)
         return;
     member = color;
-    emit changed();
+    Q_EMIT changed();
 }
 
 ActivityCategory categoryOf(SystemColor color) {

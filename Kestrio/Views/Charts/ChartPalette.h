@@ -6,6 +6,7 @@
 
 #include <QColor>
 #include <QObject>
+#include <QStringList>
 #include <QVariantList>
 #include <QtQml/qqmlregistration.h>
 #include <array>
@@ -20,7 +21,9 @@ class ChartPalette : public QObject {
     /// Of the numbers and times along the axes.
     Q_PROPERTY(QColor label READ label WRITE setLabel NOTIFY changed)
     Q_PROPERTY(QColor grid READ grid WRITE setGrid NOTIFY changed)
-    /// The categories' colours in the order of `ActivityCategory`; gray where there are too few.
+    /// The names of all categories, in the order of `ActivityCategory`.
+    Q_PROPERTY(QStringList categoryNames READ categoryNames CONSTANT)
+    /// Their colours in that order; gray where there are too few.
     Q_PROPERTY(QVariantList categories READ categories WRITE setCategories NOTIFY changed)
 
 public:
@@ -32,6 +35,7 @@ public:
     void setLabel(const QColor& color) { set(label_, color); }
     QColor grid() const { return grid_; }
     void setGrid(const QColor& color) { set(grid_, color); }
+    static QStringList categoryNames();
     QVariantList categories() const;
     void setCategories(const QVariantList& colors);
 
@@ -40,7 +44,7 @@ public:
     QColor color(ActivityCategory category) const { return categories_[static_cast<std::size_t>(category)]; }
     QColor color(SystemColor color) const;
 
-signals:
+Q_SIGNALS:
     void changed();
 
 private:

@@ -58,7 +58,7 @@ ColumnPlotGeometry::ColumnPlotGeometry(const ColumnPlot& plot, QSizeF size, cons
     : plot_(plot), size_(size), metrics_(metrics), side_(side), pixels_(pixels) {
     const auto numbers = std::ceil(widest(plot, metrics)) + besideNumbers;
     const auto line = std::ceil(metrics.height());
-    const auto top = std::ceil(line * 1.5); // the unit, and half of the highest number
+    const auto top = std::ceil(line * 1.75); // the unit, and half of the highest number
     const auto left = side == AxisSide::left ? numbers : 0;
     area_ = pixels_.snapped(QRectF(left, top, std::max(1.0, size.width() - numbers),
                                    std::max(1.0, size.height() - top - line - aboveTimes)));

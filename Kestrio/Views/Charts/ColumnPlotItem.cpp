@@ -28,6 +28,7 @@ void drawLabel(QPainter& painter, const PlotLabel& label) {
 
 ColumnPlotItem::ColumnPlotItem(QQuickItem* parent) : QQuickPaintedItem(parent) {
     setAntialiasing(true);
+    setSmooth(false); // drawn pixel for pixel, also where the size is no whole number of them
 }
 
 void ColumnPlotItem::setPalette(ChartPalette* palette) {
@@ -39,7 +40,7 @@ void ColumnPlotItem::setPalette(ChartPalette* palette) {
     if (palette_)
         connect(palette_, &ChartPalette::changed, this, [this] { update(); });
     update();
-    emit paletteChanged();
+    Q_EMIT paletteChanged();
 }
 
 void ColumnPlotItem::setFont(const QFont& font) {
@@ -47,7 +48,7 @@ void ColumnPlotItem::setFont(const QFont& font) {
         return;
     font_ = font;
     update();
-    emit fontChanged();
+    Q_EMIT fontChanged();
 }
 
 void ColumnPlotItem::setMirrored(bool mirrored) {
@@ -55,7 +56,7 @@ void ColumnPlotItem::setMirrored(bool mirrored) {
         return;
     mirrored_ = mirrored;
     update();
-    emit mirroredChanged();
+    Q_EMIT mirroredChanged();
 }
 
 void ColumnPlotItem::setPlot(ColumnPlot plot) {

@@ -35,7 +35,7 @@ public:
     /// Where everything stands at the item's size.
     ColumnPlotGeometry geometry() const;
 
-signals:
+Q_SIGNALS:
     void paletteChanged();
     void fontChanged();
     void mirroredChanged();

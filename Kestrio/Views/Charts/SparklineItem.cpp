@@ -7,6 +7,7 @@ namespace kestrio {
 
 SparklineItem::SparklineItem(QQuickItem* parent) : QQuickPaintedItem(parent) {
     setAntialiasing(true);
+    setSmooth(false); // drawn pixel for pixel, also where the size is no whole number of them
 }
 
 void SparklineItem::paint(QPainter* painter) {

@@ -36,7 +36,7 @@ public:
 
     void paint(QPainter* painter) override;
 
-signals:
+Q_SIGNALS:
     void changed();
 
 private:
@@ -46,7 +46,7 @@ private:
             return;
         member = value;
         update();
-        emit changed();
+        Q_EMIT changed();
     }
 
     QList<qreal> values_;

@@ -7,6 +7,7 @@ namespace kestrio {
 
 StackBarItem::StackBarItem(QQuickItem* parent) : QQuickPaintedItem(parent) {
     setAntialiasing(true);
+    setSmooth(false); // drawn pixel for pixel, also where the size is no whole number of them
 }
 
 void StackBarItem::setBar(const CategoryStackBarValue& bar) {
@@ -14,7 +15,7 @@ void StackBarItem::setBar(const CategoryStackBarValue& bar) {
         return;
     bar_ = bar;
     update();
-    emit barChanged();
+    Q_EMIT barChanged();
 }
 
 void StackBarItem::setPalette(ChartPalette* palette) {
@@ -26,7 +27,7 @@ void StackBarItem::setPalette(ChartPalette* palette) {
     if (palette_)
         connect(palette_, &ChartPalette::changed, this, [this] { update(); });
     update();
-    emit paletteChanged();
+    Q_EMIT paletteChanged();
 }
 
 void StackBarItem::setMirrored(bool mirrored) {
@@ -34,7 +35,7 @@ void StackBarItem::setMirrored(bool mirrored) {
         return;
     mirrored_ = mirrored;
     update();
-    emit mirroredChanged();
+    Q_EMIT mirroredChanged();
 }
 
 void StackBarItem::paint(QPainter* painter) {

@@ -30,7 +30,7 @@ public:
 
     void paint(QPainter* painter) override;
 
-signals:
+Q_SIGNALS:
     void barChanged();
     void paletteChanged();
     void mirroredChanged();

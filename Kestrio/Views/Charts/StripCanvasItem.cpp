@@ -18,6 +18,7 @@ bool differsByPointing(StripCanvas a, const StripCanvas& b) {
 
 StripCanvasItem::StripCanvasItem(QQuickItem* parent) : QQuickPaintedItem(parent) {
     setAcceptHoverEvents(true);
+    setSmooth(false); // drawn pixel for pixel, also where the size is no whole number of them
 }
 
 void StripCanvasItem::setPointer(StripPointer* pointer) {
@@ -29,7 +30,7 @@ void StripCanvasItem::setPointer(StripPointer* pointer) {
     if (pointer_)
         connect(pointer_, &StripPointer::hoverChanged, this, &StripCanvasItem::follow);
     follow();
-    emit pointerChanged();
+    Q_EMIT pointerChanged();
 }
 
 void StripCanvasItem::setDay(int day) {
@@ -37,7 +38,7 @@ void StripCanvasItem::setDay(int day) {
         return;
     day_ = day;
     follow();
-    emit dayChanged();
+    Q_EMIT dayChanged();
 }
 
 void StripCanvasItem::setAlongside(bool isAlongside) {
@@ -45,7 +46,7 @@ void StripCanvasItem::setAlongside(bool isAlongside) {
         return;
     isAlongside_ = isAlongside;
     follow();
-    emit alongsideChanged();
+    Q_EMIT alongsideChanged();
 }
 
 void StripCanvasItem::setPalette(ChartPalette* palette) {
@@ -55,9 +56,9 @@ void StripCanvasItem::setPalette(ChartPalette* palette) {
         palette_->disconnect(this);
     palette_ = palette;
     if (palette_)
-        connect(palette_, &ChartPalette::changed, this, [this] { update(); });
-    update();
-    emit paletteChanged();
+        connect(palette_, &ChartPalette::changed, this, &StripCanvasItem::drawWhole);
+    drawWhole();
+    Q_EMIT paletteChanged();
 }
 
 void StripCanvasItem::hoverEnterEvent(QHoverEvent* event) {
@@ -100,9 +101,26 @@ void StripCanvasItem::follow() {
     if (differsByPointing(canvas_, next))
         update((markedArea(canvas_) | markedArea(next)).toAlignedRect());
     else
-        update();
+        drawWhole();
     canvas_ = next;
     drawn_ = pointer_ ? pointer_->strips() : DayStripsValue();
+}
+
+/// Says the area: the base class takes an update without one, followed by one of a part, for the part alone.
+void StripCanvasItem::drawWhole() {
+    update(boundingRect().toAlignedRect());
+}
+
+void StripCanvasItem::geometryChange(const QRectF& now, const QRectF& before) {
+    QQuickPaintedItem::geometryChange(now, before);
+    if (now.size() != before.size())
+        drawWhole();
+}
+
+void StripCanvasItem::itemChange(ItemChange change, const ItemChangeData& value) {
+    QQuickPaintedItem::itemChange(change, value);
+    if (change == ItemSceneChange || change == ItemDevicePixelRatioHasChanged)
+        drawWhole();
 }
 
 /// What the cursor and the highlight cover, with room for the snapping to pixels.

@@ -34,7 +34,7 @@ public:
 
     void paint(QPainter* painter) override;
 
-signals:
+Q_SIGNALS:
     void pointerChanged();
     void dayChanged();
     void alongsideChanged();
@@ -44,10 +44,13 @@ protected:
     void hoverEnterEvent(QHoverEvent* event) override;
     void hoverMoveEvent(QHoverEvent* event) override;
     void hoverLeaveEvent(QHoverEvent* event) override;
+    void geometryChange(const QRectF& now, const QRectF& before) override;
+    void itemChange(ItemChange change, const ItemChangeData& value) override;
 
 private:
     StripCanvas currentCanvas() const;
     void follow();
+    void drawWhole();
     QRectF markedArea(const StripCanvas& canvas) const;
     QRectF sessionArea(const StripCanvas& canvas, const ClassifiedSession& session) const;
 

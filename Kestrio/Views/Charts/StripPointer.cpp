@@ -40,10 +40,10 @@ void StripPointer::setStrips(const DayStripsValue& strips) {
         else
             hover_ = std::nullopt;
     }
-    emit stripsChanged();
-    emit hoverChanged();
+    Q_EMIT stripsChanged();
+    Q_EMIT hoverChanged();
     read();
-    emit readoutChanged();
+    Q_EMIT readoutChanged();
 }
 
 QString StripPointer::symbol() const {
@@ -115,7 +115,7 @@ void StripPointer::point(std::optional<StripHover> hover) {
     if (hover_ == hover)
         return;
     hover_ = std::move(hover);
-    emit hoverChanged();
+    Q_EMIT hoverChanged();
     read();
 }
 
@@ -126,7 +126,7 @@ void StripPointer::read() {
     if (readout == readout_)
         return;
     readout_ = std::move(readout);
-    emit readoutChanged();
+    Q_EMIT readoutChanged();
 }
 
 } // namespace kestrio

@@ -56,7 +56,7 @@ public:
     Q_INVOKABLE bool press(int key);
     Q_INVOKABLE void clear() { point(std::nullopt); }
 
-signals:
+Q_SIGNALS:
     void stripsChanged();
     void hoverChanged();
     void readoutChanged();

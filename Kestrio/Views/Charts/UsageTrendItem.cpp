@@ -7,7 +7,7 @@ void UsageTrendItem::setTrend(const UsageTrendValue& trend) {
         return;
     trend_ = trend;
     setPlot(trend_.data() ? columnPlot(*trend_.data()) : ColumnPlot());
-    emit trendChanged();
+    Q_EMIT trendChanged();
 }
 
 } // namespace kestrio

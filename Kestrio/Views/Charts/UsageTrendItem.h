@@ -17,7 +17,7 @@ public:
     UsageTrendValue trend() const { return trend_; }
     void setTrend(const UsageTrendValue& trend);
 
-signals:
+Q_SIGNALS:
     void trendChanged();
 
 private:

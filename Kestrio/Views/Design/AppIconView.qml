@@ -9,8 +9,6 @@ Image {
     Accessible.ignored: true
     fillMode: Image.PreserveAspectFit
     height: size
-    implicitHeight: size
-    implicitWidth: size
     source: bundleID === "" ? "" : "image://app/" + bundleID + "?color=" + String(Theme.textTertiary).substring(1)
     sourceSize: Qt.size(size, size)
     width: size

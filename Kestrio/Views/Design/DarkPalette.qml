@@ -1,6 +1,6 @@
 import QtQuick
 
-Palette {
+ThemePalette {
     window: "#15171c"
     sidebar: "#1a1d23"
     card: "#1e2128"

@@ -7,6 +7,7 @@
 #include <QtGui/QFont>
 #include <QtGui/QFontDatabase>
 #include <QtGui/QGuiApplication>
+#include <QtQml/QQmlComponent>
 #include <memory>
 #include <utility>
 
@@ -23,6 +24,8 @@ Appearance& installDesign(QQmlEngine& engine, IconFile iconFile) {
     // The engine takes the providers over.
     engine.addImageProvider("symbol", std::make_unique<SymbolImages>().release());
     engine.addImageProvider("app", std::make_unique<AppIconImages>(std::move(iconFile)).release());
+    // The module's types are known from its first import on.
+    QQmlComponent(&engine).setData("import QtQml\nimport Kestrio.Design\nQtObject {}", {});
     return appearance(engine);
 }
 

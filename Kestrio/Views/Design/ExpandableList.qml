@@ -1,8 +1,9 @@
 import QtQuick
+import QtQuick.Layouts
 
 // A long list, shown in portions, with a line between its rows. Each row is made of `delegate`, which has the property
 // `row`.
-Column {
+ColumnLayout {
     id: list
 
     property var items: []
@@ -15,6 +16,8 @@ Column {
         portion.showMore();
     }
 
+    Layout.fillWidth: true
+    spacing: 0
     width: parent?.width ?? implicitWidth
 
     ListPortion {
@@ -39,7 +42,8 @@ Column {
     }
 
     PlainButton {
-        anchors.horizontalCenter: parent.horizontalCenter
+        Layout.alignment: Qt.AlignHCenter
+        Layout.topMargin: Theme.xs
         quiet: true
         symbol: "chevron.down"
         symbolAtEnd: true

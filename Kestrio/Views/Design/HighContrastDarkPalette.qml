@@ -1,6 +1,6 @@
 import QtQuick
 
-Palette {
+ThemePalette {
     window: "#000000"
     sidebar: "#000000"
     card: "#000000"

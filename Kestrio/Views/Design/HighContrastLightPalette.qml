@@ -1,6 +1,6 @@
 import QtQuick
 
-Palette {
+ThemePalette {
     window: "#ffffff"
     sidebar: "#ffffff"
     card: "#ffffff"

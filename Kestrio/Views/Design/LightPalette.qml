@@ -1,6 +1,6 @@
 import QtQuick
 
-Palette {
+ThemePalette {
     window: "#f4f5f7"
     sidebar: "#eaecf0"
     card: "#ffffff"

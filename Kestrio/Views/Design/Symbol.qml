@@ -13,8 +13,6 @@ Image {
     Accessible.ignored: true
     fillMode: Image.PreserveAspectFit
     height: size
-    implicitHeight: size
-    implicitWidth: size
     mirror: mirrored && Symbols.isDirectional(name)
     source: name === "" ? "" : "image://symbol/" + name + "?color=" + String(color).substring(1)
     sourceSize: Qt.size(size, size)

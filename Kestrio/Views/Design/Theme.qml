@@ -70,11 +70,11 @@ QtObject {
     // How long a change of state takes, in milliseconds.
     readonly property int animation: Appearance.reducesMotion ? 0 : 120
 
-    readonly property Palette palette: isHighContrast ? (isDark ? highContrastDark : highContrastLight) : (isDark ? dark : light)
-    readonly property Palette light: LightPalette {}
-    readonly property Palette dark: DarkPalette {}
-    readonly property Palette highContrastLight: HighContrastLightPalette {}
-    readonly property Palette highContrastDark: HighContrastDarkPalette {}
+    readonly property ThemePalette palette: isHighContrast ? (isDark ? highContrastDark : highContrastLight) : (isDark ? dark : light)
+    readonly property ThemePalette light: LightPalette {}
+    readonly property ThemePalette dark: DarkPalette {}
+    readonly property ThemePalette highContrastLight: HighContrastLightPalette {}
+    readonly property ThemePalette highContrastDark: HighContrastDarkPalette {}
 
     // A length that grows with the text.
     function scaled(length: real): int {

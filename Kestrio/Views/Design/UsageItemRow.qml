@@ -54,6 +54,7 @@ DividedRow {
         }
 
         ColumnLayout {
+            Layout.fillWidth: false
             Layout.preferredWidth: Theme.scaled(88)
             spacing: Theme.xs + 1
 

@@ -252,6 +252,15 @@ QVariant toVariant(const PermissionBanner& banner) {
         .add("buttons", toVariants(banner.buttons));
 }
 
+QVariant toVariant(const AgentNotice& notice) {
+    return Fields()
+        .text("symbol", notice.symbol)
+        .add("tint", colorName(notice.tint))
+        .words("title", notice.title)
+        .words("text", notice.text)
+        .add("buttons", QVariantList{Fields().words("title", notice.button)});
+}
+
 QVariant toVariant(const StateWords& words) {
     return Fields().words("label", words.label).text("symbol", words.symbol);
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Kestrio/Pages/CategoryMenu.h"
+#include "Kestrio/Pages/DashboardWords.h"
 #include "Kestrio/Pages/DateControls.h"
 #include "Kestrio/Pages/OverviewPage.h"
 #include "Kestrio/Pages/PauseControl.h"
@@ -50,6 +51,8 @@ QVariant toVariant(const ResumeButton& button);
 QVariant toVariant(const PauseControl& control);
 QVariant toVariant(const BannerButton& button);
 QVariant toVariant(const PermissionBanner& banner);
+/// Shaped as the bands about permissions are.
+QVariant toVariant(const AgentNotice& notice);
 QVariant toVariant(const StateWords& words);
 QVariant toVariant(const ActivityBanner& banner);
 

@@ -1,6 +1,5 @@
 #include "Kestrio/Views/Window/DashboardModel.h"
 
-#include "Kestrio/Pages/CreditLine.h"
 #include "Kestrio/Pages/DashboardWords.h"
 #include "Kestrio/Shell/Settings.h"
 #include "Kestrio/Views/Values/Rows.h"
@@ -14,18 +13,7 @@ namespace {
 constexpr Seconds wordsInterval{30.0};
 constexpr Seconds wordsTolerance{15.0};
 
-QVariant toVariant(const AgentNotice& notice) {
-    return Fields()
-        .text("symbol", notice.symbol)
-        .words("title", notice.title)
-        .words("text", notice.text)
-        .words("button", notice.button);
-}
-
-QDate dateOf(Date moment, const Calendar& calendar) {
-    const auto parts = calendar.components(moment);
-    return {parts.year, parts.month, parts.day};
-}
+constexpr WindowSize defaultSize{1240, 820};
 
 /// The first page that there is, where the one that is wanted is not.
 const PageEntry& entryOr(DashboardSection wanted) {
@@ -36,35 +24,41 @@ const PageEntry& entryOr(DashboardSection wanted) {
 } // namespace
 
 DashboardModel::DashboardModel(const WindowParts& parts) : parts_(parts) {
-    const auto rangeMoved = [this](const auto&) { Q_EMIT rangeChanged(); };
+    lookAtRange();
+    lookAtAgent();
+    lookAtPermissions();
+    const auto rangeMoved = [this](const auto&) { lookAtRange(); };
     tokens_.push_back(parts.dashboard.mode().observe(rangeMoved));
     tokens_.push_back(parts.dashboard.anchor().observe(rangeMoved));
+    tokens_.push_back(parts.queue.every({.interval = wordsInterval, .tolerance = wordsTolerance}, [this] {
+        lookAtRange();
+        lookAtAgent();
+    }));
     tokens_.push_back(parts.dashboard.isLoading().observe([this](const auto&) { Q_EMIT isLoadingChanged(); }));
-    tokens_.push_back(
-        parts.queue.every({.interval = wordsInterval, .tolerance = wordsTolerance}, [this] { Q_EMIT rangeChanged(); }));
 
     tokens_.push_back(parts.agent.status().observe([this](const auto&) {
-        Q_EMIT statusChanged();
-        Q_EMIT bannerChanged();
+        lookAtAgent();
+        lookAtPermissions();
     }));
     tokens_.push_back(parts.agent.presence().observe([this](AgentLink::Presence presence) {
-        Q_EMIT statusChanged();
+        Q_EMIT agentChanged();
         if (presence == AgentLink::Presence::present)
             parts_.dashboard.reload(); // with what is open there
     }));
-    tokens_.push_back(parts.agent.observeData([this] { parts_.dashboard.reload(); }));
-    const auto classified = [this] { parts_.dashboard.reload(); };
-    tokens_.push_back(parts.classification.categorizer().observe(classified));
-    tokens_.push_back(parts.classification.projectRules().observe(classified));
+
+    const auto reload = [this] { parts_.dashboard.reload(); };
+    tokens_.push_back(parts.agent.observeData(reload));
+    tokens_.push_back(parts.classification.categorizer().observe(reload));
+    tokens_.push_back(parts.classification.projectRules().observe(reload));
 
     tokens_.push_back(parts.settings.observe([this](const std::string& key) {
         if (key == settingKey::dismissedBrowserBanner)
-            Q_EMIT bannerChanged();
+            lookAtPermissions();
         else if (key == settingKey::idleMinutes)
-            Q_EMIT statusChanged();
+            lookAtAgent();
     }));
     if (parts.browserAccess)
-        tokens_.push_back(parts.browserAccess->permissions().observe([this](const auto&) { Q_EMIT bannerChanged(); }));
+        tokens_.push_back(parts.browserAccess->permissions().observe([this](const auto&) { lookAtPermissions(); }));
 }
 
 DashboardModel::~DashboardModel() = default;
@@ -136,19 +130,15 @@ void DashboardModel::setOnScreen(bool isOnScreen) {
         parts_.dashboard.reload();
 }
 
-QVariantMap DashboardModel::dateControls() const {
+void DashboardModel::lookAtRange() {
     const auto& store = parts_.dashboard;
-    return toVariant(
-               kestrio::dateControls(store.mode().value(), store.anchor().value(), parts_.clock.now(), parts_.calendar))
-        .toMap();
-}
-
-QDate DashboardModel::day() const {
-    return dateOf(parts_.dashboard.anchor().value(), parts_.calendar);
-}
-
-QDate DashboardModel::lastDay() const {
-    return dateOf(parts_.clock.now(), parts_.calendar);
+    QVariantMap controls = toVariant(kestrio::dateControls(store.mode().value(), store.anchor().value(),
+                                                           parts_.clock.now(), parts_.calendar))
+                               .toMap();
+    if (controls == dateControls_)
+        return;
+    dateControls_ = std::move(controls);
+    Q_EMIT rangeChanged();
 }
 
 void DashboardModel::setMode(const QString& mode) {
@@ -168,14 +158,21 @@ void DashboardModel::refresh() {
     parts_.dashboard.reload();
 }
 
-void DashboardModel::pickDay(const QDate& day) {
-    if (!day.isValid())
-        return;
-    const auto moment = parts_.calendar.date(day.year(), day.month(), day.day());
-    parts_.dashboard.setAnchor(std::min(moment, parts_.clock.now()));
+void DashboardModel::pickDay(double date) {
+    parts_.dashboard.setAnchor(std::min(Date(date), parts_.clock.now()));
 }
 
-QVariantMap DashboardModel::status() const {
+void DashboardModel::lookAtAgent() {
+    auto status = currentStatus();
+    auto pauseControl = parts_.agent.status().value() ? toVariant(currentPauseControl()) : QVariant();
+    if (status == status_ && pauseControl == pauseControl_)
+        return;
+    status_ = std::move(status);
+    pauseControl_ = std::move(pauseControl);
+    Q_EMIT statusChanged();
+}
+
+QVariantMap DashboardModel::currentStatus() const {
     const auto& agent = parts_.agent.status().value();
     if (!agent)
         return toVariant(agentAbsentWords()).toMap();
@@ -193,10 +190,6 @@ PauseControl DashboardModel::currentPauseControl() const {
     const auto& agent = parts_.agent.status().value();
     return kestrio::pauseControl(agent ? agent->state : TrackingState::tracking,
                                  agent ? agent->pausedUntil : std::nullopt, parts_.viewpoint());
-}
-
-QVariant DashboardModel::pauseControl() const {
-    return parts_.agent.status().value() ? toVariant(currentPauseControl()) : QVariant();
 }
 
 QVariant DashboardModel::agentNotice() const {
@@ -222,7 +215,7 @@ void DashboardModel::startAgent() {
     parts_.host.startAgent();
 }
 
-std::optional<PermissionBanner> DashboardModel::banner() const {
+std::optional<PermissionBanner> DashboardModel::currentBanner() const {
     const auto& agent = parts_.agent.status().value();
     if (!agent)
         return std::nullopt;
@@ -232,25 +225,36 @@ std::optional<PermissionBanner> DashboardModel::banner() const {
                                      parts_.browserAccess ? parts_.browserAccess->permissions().value() : none);
 }
 
-QVariant DashboardModel::permissionBanner() const {
-    return toVariant(banner());
+void DashboardModel::lookAtPermissions() {
+    auto banner = toVariant(currentBanner());
+    if (banner == permissionBanner_)
+        return;
+    permissionBanner_ = std::move(banner);
+    Q_EMIT bannerChanged();
 }
 
 void DashboardModel::actOnBanner(const QString& action) {
-    const auto shownBanner = banner();
+    const auto banner = currentBanner();
     if (action == QLatin1StringView("grantAccessibility"))
         parts_.host.grantAccessibility();
     else if (action == QLatin1StringView("dismiss"))
         parts_.settings.set(settingKey::dismissedBrowserBanner, true);
-    else if (shownBanner && shownBanner->browser && parts_.browserAccess)
-        parts_.browserAccess->request(*shownBanner->browser);
+    else if (banner && banner->browser && parts_.browserAccess)
+        parts_.browserAccess->request(*banner->browser);
 }
 
-QVariantMap DashboardModel::creditLine() {
-    return Fields()
-        .words("aboutTitle", CreditLine::aboutTitle)
-        .words("credit", CreditLine::credit)
-        .text("link", CreditLine::link);
+void DashboardModel::openAbout() {
+    parts_.settings.set(settingKey::settingsTab, std::string(rawText(SettingsTab::about)));
+    Q_EMIT settingsRequested();
+}
+
+QSize DashboardModel::size() const {
+    const auto size = parts_.host.storedSize().value_or(defaultSize);
+    return {size.width, size.height};
+}
+
+void DashboardModel::rememberSize(const QSize& size) {
+    parts_.host.storeSize({size.width(), size.height()});
 }
 
 QVariantMap DashboardModel::words() {

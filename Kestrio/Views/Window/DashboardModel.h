@@ -9,7 +9,7 @@
 #include "Kestrio/Pages/PermissionBanner.h"
 #include "Kestrio/Views/Window/PageTable.h"
 
-#include <QDate>
+#include <QSize>
 #include <QUrl>
 #include <QVariant>
 
@@ -27,18 +27,20 @@ class DashboardModel : public QObject {
     Q_PROPERTY(PageModel* page READ page NOTIFY pageChanged)
     Q_PROPERTY(QUrl pageSource READ pageSource NOTIFY pageChanged)
     Q_PROPERTY(QVariantMap dateControls READ dateControls NOTIFY rangeChanged)
-    /// The day in the picker.
-    Q_PROPERTY(QDate day READ day NOTIFY rangeChanged)
-    Q_PROPERTY(QDate lastDay READ lastDay NOTIFY rangeChanged)
+    /// In the range that shows, and the present: seconds since 1970, for the picker of days.
+    Q_PROPERTY(double anchor READ anchor NOTIFY rangeChanged)
+    Q_PROPERTY(double now READ now NOTIFY rangeChanged)
     Q_PROPERTY(bool isLoading READ isLoading NOTIFY isLoadingChanged)
     /// `label`, `symbol`, `detail`, `isActive`.
     Q_PROPERTY(QVariantMap status READ status NOTIFY statusChanged)
     /// Undefined while no agent runs.
     Q_PROPERTY(QVariant pauseControl READ pauseControl NOTIFY statusChanged)
-    /// The band about an agent that does not run: `symbol`, `title`, `text`, `button`. Undefined while one runs.
-    Q_PROPERTY(QVariant agentNotice READ agentNotice NOTIFY statusChanged)
+    /// The bands: `symbol`, `tint`, `title`, `text` and `buttons`. Undefined while there is nothing to say. The first
+    /// is about an agent that does not run.
+    Q_PROPERTY(QVariant agentNotice READ agentNotice NOTIFY agentChanged)
     Q_PROPERTY(QVariant permissionBanner READ permissionBanner NOTIFY bannerChanged)
-    Q_PROPERTY(QVariantMap creditLine READ creditLine CONSTANT)
+    /// Of the window when it was last closed.
+    Q_PROPERTY(QSize size READ size CONSTANT)
     /// `windowTitle`, `sidebarName`, `statusName`, `loadingName`.
     Q_PROPERTY(QVariantMap words READ words CONSTANT)
 
@@ -55,15 +57,15 @@ public:
     bool isReportPage() const;
     PageModel* page() const { return page_.get(); }
     QUrl pageSource() const;
-    QVariantMap dateControls() const;
-    QDate day() const;
-    QDate lastDay() const;
+    const QVariantMap& dateControls() const { return dateControls_; }
+    double anchor() const { return parts_.dashboard.anchor().value().seconds(); }
+    double now() const { return parts_.clock.now().seconds(); }
     bool isLoading() const { return parts_.dashboard.isLoading().value(); }
-    QVariantMap status() const;
-    QVariant pauseControl() const;
+    const QVariantMap& status() const { return status_; }
+    const QVariant& pauseControl() const { return pauseControl_; }
     QVariant agentNotice() const;
-    QVariant permissionBanner() const;
-    static QVariantMap creditLine();
+    const QVariant& permissionBanner() const { return permissionBanner_; }
+    QSize size() const;
     static QVariantMap words();
 
     /// The window comes up, with the page that was asked for by its raw text, else the stored one.
@@ -78,7 +80,7 @@ public:
     Q_INVOKABLE void step(int count);
     Q_INVOKABLE void showToday();
     Q_INVOKABLE void refresh();
-    Q_INVOKABLE void pickDay(const QDate& day);
+    Q_INVOKABLE void pickDay(double date);
 
     /// Pauses by an entry of the menu.
     Q_INVOKABLE void pause(int entry);
@@ -86,6 +88,10 @@ public:
     Q_INVOKABLE void startAgent();
     /// Does what a button of the band says, by its `action`.
     Q_INVOKABLE void actOnBanner(const QString& action);
+
+    Q_INVOKABLE void openAbout();
+
+    Q_INVOKABLE void rememberSize(const QSize& size);
 
     /// Whether somebody can see the window.
     Q_INVOKABLE void setOnScreen(bool isOnScreen);
@@ -95,19 +101,29 @@ Q_SIGNALS:
     void rangeChanged();
     void isLoadingChanged();
     void statusChanged();
+    void agentChanged();
     void bannerChanged();
-    /// The settings are wanted at this tab.
-    void settingsRequested(const QString& tab);
+    /// The settings are wanted, at the tab that is stored.
+    void settingsRequested();
 
 private:
-    std::optional<kestrio::PermissionBanner> banner() const;
+    QVariantMap currentStatus() const;
+    std::optional<PermissionBanner> currentBanner() const;
     PauseControl currentPauseControl() const;
+    void lookAtRange();
+    void lookAtAgent();
+    void lookAtPermissions();
     void show(const PageEntry& entry);
 
     const WindowParts& parts_;
     const PageEntry* entry_ = nullptr;
     std::unique_ptr<PageModel> page_;
     bool isOnScreen_ = true;
+    // As they were last told, so that nothing is drawn anew which did not change.
+    QVariantMap dateControls_;
+    QVariantMap status_;
+    QVariant pauseControl_;
+    QVariant permissionBanner_;
     std::vector<Subscription> tokens_;
 };
 

@@ -1,48 +1,56 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
+import QtQuick.Layouts
 import QtQuick.Window
+import Kestrio.Design
 import Kestrio.Window
 
+// The dashboard: the sidebar with what is being recorded, and beside it the page of the picked section.
 Window {
     id: window
 
     required property DashboardModel model
 
-    width: 1240
-    height: 820
-    minimumWidth: 860
-    minimumHeight: 560
+    LayoutMirroring.childrenInherit: true
+    LayoutMirroring.enabled: Qt.application.layoutDirection === Qt.RightToLeft
+    color: Theme.window
+    height: model.size.height
+    minimumHeight: 480
+    minimumWidth: 720
     title: model.words.windowTitle
+    width: model.size.width
 
-    Row {
+    onClosing: {
+        if (visibility === Window.Windowed)
+            model.rememberSize(Qt.size(width, height));
+    }
+    onVisibilityChanged: model.setOnScreen(visibility !== Window.Hidden && visibility !== Window.Minimized)
+
+    DashboardShortcuts {
+        model: window.model
+
+        onCloseRequested: window.close()
+    }
+
+    RowLayout {
         anchors.fill: parent
+        spacing: 0
 
         Sidebar {
-            width: 220
-            height: parent.height
+            Layout.fillHeight: true
+            Layout.preferredWidth: Math.min(Theme.scaled(216), window.width * 0.4)
             model: window.model
         }
 
-        Loader {
-            id: page
+        Hairline {
+            Layout.fillHeight: true
+        }
 
-            function load() {
-                setSource(window.model.pageSource, {
-                    "page": window.model.page
-                });
-            }
-
-            width: parent.width - 220
-            height: parent.height
-            Component.onCompleted: load()
-
-            Connections {
-                target: window.model
-                function onPageChanged() {
-                    page.load();
-                }
-            }
+        DashboardDetail {
+            Layout.fillHeight: true
+            Layout.fillWidth: true
+            model: window.model
         }
     }
 }

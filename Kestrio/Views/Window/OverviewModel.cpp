@@ -1,21 +1,21 @@
 #include "Kestrio/Views/Window/OverviewModel.h"
 
 #include "Kestrio/Shell/Settings.h"
+#include "Kestrio/Views/Charts/ChartValues.h"
 #include "Kestrio/Views/Values/Rows.h"
 
 namespace kestrio {
 namespace {
 
-template <class Chart>
-QVariant chartCard(const ChartCard<Chart>& card) {
-    return Fields().add("head", toVariant(card.head));
+QVariant chartCard(const CardHead& head, QVariant value) {
+    return Fields().add("head", toVariant(head)).add("value", std::move(value));
 }
 
-QVariantMap contentOf(const OverviewPage& page) {
+QVariantMap contentOf(const OverviewPage& page, const ActivityChartValue& chart) {
     return Fields()
         .add("stats", toVariants(page.stats))
-        .add("activity", chartCard(page.activity))
-        .add("categories", chartCard(page.categories))
+        .add("activity", chartCard(page.activity.head, QVariant::fromValue(chart)))
+        .add("categories", chartCard(page.categories.head, toVariant(page.categories.chart)))
         .add("apps", toVariant(page.apps))
         .add("websites", toVariant(page.websites))
         .add("youtube", toVariant(page.youtube))
@@ -37,7 +37,8 @@ void OverviewModel::refresh() {
     const auto page = overviewPage(report(), parts().dashboard.mode().value(), thumbnails, parts().viewpoint());
     const auto* const empty = std::get_if<EmptyActivity>(&page);
     empty_ = empty ? toVariant(*empty) : QVariant();
-    content_ = empty ? QVariantMap() : contentOf(std::get<OverviewPage>(page));
+    content_ = empty ? QVariantMap()
+                     : contentOf(std::get<OverviewPage>(page), activityChartValue(sharedReport(), parts().calendar));
     Q_EMIT refreshed();
 }
 

@@ -13,7 +13,8 @@ class OverviewModel : public ReportPageModel {
     QML_UNCREATABLE("Pages are made by the dashboard.")
     /// `EmptyActivity`; undefined when there is something to show.
     Q_PROPERTY(QVariant empty READ empty NOTIFY refreshed)
-    /// `stats`, `activity`, `categories`, `apps`, `websites`, `youtube`, `alongside`, `projects`.
+    /// `stats`; the cards `apps`, `websites`, `youtube`, `alongside`, `projects`; `activity` and `categories` with
+    /// their `head` and `value`, which is for the chart. Empty when there is nothing to show.
     Q_PROPERTY(QVariantMap content READ content NOTIFY refreshed)
 
 public:

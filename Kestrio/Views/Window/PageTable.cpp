@@ -1,7 +1,11 @@
 #include "Kestrio/Views/Window/PageTable.h"
 
+#include "Kestrio/Views/Window/AppsModel.h"
 #include "Kestrio/Views/Window/OverviewModel.h"
+#include "Kestrio/Views/Window/ProjectsModel.h"
 #include "Kestrio/Views/Window/TimelineModel.h"
+#include "Kestrio/Views/Window/WebsitesModel.h"
+#include "Kestrio/Views/Window/YouTubeModel.h"
 
 #include <algorithm>
 
@@ -19,6 +23,10 @@ const std::vector<PageEntry>& pageTable() {
     static const std::vector<PageEntry> table{
         {DashboardSection::overview, "Overview", make<OverviewModel>},
         {DashboardSection::timeline, "Timeline", make<TimelineModel>},
+        {DashboardSection::apps, "Apps", make<AppsModel>},
+        {DashboardSection::websites, "Websites", make<WebsitesModel>},
+        {DashboardSection::youtube, "YouTube", make<YouTubeModel>},
+        {DashboardSection::projects, "Projects", make<ProjectsModel>},
     };
     return table;
 }

@@ -1,37 +1,59 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
-import QtQuick.Controls.Basic
+import QtQuick.Layouts
+import Kestrio.Design
 import Kestrio.Window
 
-Column {
+// The pages in their groups, and below them what is being recorded.
+Rectangle {
     id: sidebar
 
     required property DashboardModel model
 
-    Repeater {
-        model: sidebar.model.groups
+    color: Theme.sidebar
 
-        Column {
-            id: group
+    ColumnLayout {
+        anchors.fill: parent
+        anchors.margins: Theme.m
+        spacing: Theme.m
 
-            required property var modelData
+        ScrollPane {
+            id: pane
 
-            Text {
-                text: group.modelData.title
-            }
+            Accessible.name: sidebar.model.words.sidebarName
+            Accessible.role: Accessible.List
+            Layout.fillHeight: true
+            Layout.fillWidth: true
+            padding: 0
 
-            Repeater {
-                model: group.modelData.sections
+            Column {
+                id: groups
 
-                Button {
-                    required property var modelData
+                readonly property bool hasFocus: Window.activeFocusItem instanceof SidebarRow
 
-                    text: modelData.label
-                    checked: sidebar.model.section === modelData.rawValue
-                    onClicked: sidebar.model.select(modelData.rawValue)
+                width: parent.width
+
+                Repeater {
+                    model: sidebar.model.groups
+
+                    SidebarGroup {
+                        dashboard: sidebar.model
+                        width: groups.width
+                    }
                 }
             }
+        }
+
+        TrackingStatusPanel {
+            Layout.fillWidth: true
+            model: sidebar.model
+        }
+
+        PauseControl {
+            Layout.fillWidth: true
+            model: sidebar.model
+            visible: sidebar.model.pauseControl !== undefined
         }
     }
 }

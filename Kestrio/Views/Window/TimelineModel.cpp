@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <ranges>
+#include <utility>
 
 namespace kestrio {
 namespace {
@@ -171,6 +172,8 @@ void TimelineModel::refresh() {
     empty_ = page ? QVariant() : toVariant(std::get<EmptyActivity>(answer));
     message_ = page && page->message ? plain(*page->message) : QString();
     rows_.show(sharedReport(), page ? std::move(*page) : TimelinePage{}, search_.query(), parts().calendar);
+    if (std::exchange(strippedReport_, sharedReport()) != sharedReport())
+        strips_ = dayStripsValue(sharedReport(), parts().viewpoint());
     Q_EMIT refreshed();
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Kestrio/Pages/TimelinePage.h"
+#include "Kestrio/Views/Charts/ChartValues.h"
 #include "Kestrio/Views/Window/PageModel.h"
 
 #include <QAbstractListModel>
@@ -71,7 +72,9 @@ class TimelineModel : public ReportPageModel {
     Q_PROPERTY(QVariant empty READ empty NOTIFY refreshed)
     /// When the search finds nothing.
     Q_PROPERTY(QString message READ message NOTIFY refreshed)
-    Q_PROPERTY(TimelineRows* rows READ rows CONSTANT)
+    Q_PROPERTY(kestrio::TimelineRows* rows READ rows CONSTANT)
+    /// The strips above the list.
+    Q_PROPERTY(kestrio::DayStripsValue strips READ strips NOTIFY refreshed)
     Q_PROPERTY(QString search READ search WRITE setSearch NOTIFY searchChanged)
     Q_PROPERTY(bool hideBrief READ hideBrief WRITE setHideBrief NOTIFY searchChanged)
     /// `prompt`, `hideBriefTitle`, `hideBriefSymbol`, `hideBriefHelp`.
@@ -83,6 +86,7 @@ public:
     QVariant empty() const { return empty_; }
     QString message() const { return message_; }
     TimelineRows* rows() { return &rows_; }
+    const DayStripsValue& strips() const { return strips_; }
     QString search() const { return QString::fromStdString(search_.text); }
     void setSearch(const QString& text);
     bool hideBrief() const { return search_.hideBrief; }
@@ -101,6 +105,8 @@ private:
     QVariant empty_;
     QString message_;
     TimelineRows rows_;
+    DayStripsValue strips_;
+    std::shared_ptr<const ActivityReport> strippedReport_; // of which the strips are
 };
 
 } // namespace kestrio

@@ -11,9 +11,18 @@
 #include "Kestrio/Shell/BrowserAccess.h"
 #include "Kestrio/Shell/ClassificationSettings.h"
 
+#include <filesystem>
 #include <functional>
+#include <optional>
 
 namespace kestrio {
+
+/// In points.
+struct WindowSize {
+    int width = 0;
+    int height = 0;
+    friend bool operator==(const WindowSize&, const WindowSize&) = default;
+};
 
 /// What the windows have the host do.
 struct WindowHost {
@@ -21,6 +30,14 @@ struct WindowHost {
     std::function<bool()> startAgent = [] { return false; };
     /// Leads the person to where access to window titles is given, or says what to do.
     std::function<void()> grantAccessibility = [] {};
+    /// Whether the application of this bundle identifier shows sites.
+    std::function<bool(const std::string& bundleID)> isBrowser = [](const auto&) { return false; };
+    /// The file with an application's icon, as `AppIconView` asks for it: on a thread of its own.
+    std::function<std::optional<std::filesystem::path>(const std::string& application, int pixels)> iconFile =
+        [](const auto&, int) { return std::nullopt; };
+    /// The size that the dashboard had when it was last closed; absent when it never was.
+    std::function<std::optional<WindowSize>()> storedSize = [] { return std::nullopt; };
+    std::function<void(WindowSize)> storeSize = [](auto) {};
 };
 
 struct WindowParts {

@@ -1,10 +1,16 @@
 #include "Kestrio/Views/Window/Windows.h"
 
 #include "Kestrio/Base/Log.h"
+#include "Kestrio/Shell/Settings.h"
+#include "Kestrio/Views/Design/Design.h"
 #include "Kestrio/Views/Window/DashboardModel.h"
 
 #include <QQmlComponent>
+#include <QQmlExtensionPlugin>
 #include <QQuickWindow>
+
+Q_IMPORT_QML_PLUGIN(Kestrio_ChartsPlugin)
+Q_IMPORT_QML_PLUGIN(Kestrio_DesignPlugin)
 
 /// Registers this module's types; made by the build.
 void qml_register_types_Kestrio_Window();
@@ -26,6 +32,12 @@ Windows::Windows(const WindowParts& parts) : parts_(parts) {
     // Naming it has the linker take the registration along.
     [[maybe_unused]] const volatile auto registration = &qml_register_types_Kestrio_Window;
     engine_.addImportPath(QStringLiteral("qrc:/qt/qml"));
+    installDesign(engine_, parts.host.iconFile)
+        .setMode(choice<AppearanceMode>(parts.settings, settingKey::appearanceMode));
+    appearance_ = parts.settings.observe([this](const std::string& key) {
+        if (key == settingKey::appearanceMode)
+            appearance(engine_).setMode(choice<AppearanceMode>(parts_.settings, key));
+    });
 }
 
 Windows::~Windows() {
@@ -34,12 +46,23 @@ Windows::~Windows() {
     delete dashboardModel_.release();
 }
 
-void Windows::showDashboard(const std::optional<std::string>& page) {
-    if (!dashboard_)
+void Windows::show(const WindowRequest& request, const std::string& activationToken) {
+    // Where the framework looks for it when a window asks for the front.
+    if (!activationToken.empty())
+        qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(activationToken));
+    const auto* const dashboard = std::get_if<DashboardRequest>(&request);
+    showDashboard(dashboard ? *dashboard : DashboardRequest{});
+}
+
+void Windows::showDashboard(const DashboardRequest& request) {
+    const bool isNew = !dashboard_;
+    if (isNew)
         makeDashboard();
     if (!dashboard_)
         return;
-    dashboardModel_->open(page);
+    if (isNew || request.page)
+        dashboardModel_->open(request.page);
+    dashboard_->setWindowStates(dashboard_->windowStates() & ~Qt::WindowMinimized);
     dashboard_->show();
     dashboard_->raise();
     dashboard_->requestActivate();

@@ -3,6 +3,7 @@
 // Belongs to the main queue. The parts outlive it.
 #pragma once
 
+#include "Kestrio/Link/WindowRequest.h"
 #include "Kestrio/Views/Window/WindowParts.h"
 
 #include <QObject>
@@ -22,8 +23,11 @@ public:
     explicit Windows(const WindowParts& parts);
     ~Windows() override;
 
-    /// Opens the dashboard, or brings it forward, with a page by its raw text or the one that was open last.
-    void showDashboard(const std::optional<std::string>& page);
+    /// Opens a window, or brings it forward. `activationToken` is the desktop's leave to take the front, empty where
+    /// there is none.
+    void show(const WindowRequest& request, const std::string& activationToken = {});
+
+    bool isAnyOpen() const { return dashboard_ != nullptr; }
 
     /// Null while it is not open.
     QQuickWindow* dashboard() const { return dashboard_.get(); }
@@ -33,10 +37,12 @@ private:
         void operator()(QObject* object) const { object->deleteLater(); }
     };
 
+    void showDashboard(const DashboardRequest& request);
     void makeDashboard();
 
     const WindowParts& parts_;
     QQmlEngine engine_;
+    Subscription appearance_;
     std::unique_ptr<DashboardModel, Later> dashboardModel_;
     std::unique_ptr<QQuickWindow, Later> dashboard_;
 };

@@ -1,16 +1,46 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
+import QtQuick.Layouts
+import Kestrio.Design
 import Kestrio.Window
 
+// The figures of a range at a glance, and the first few of every list.
 Item {
     id: overview
 
     required property OverviewModel page
+    readonly property var content: page.content
 
-    Text {
-        text: JSON.stringify(overview.page.content.stats)
-        width: parent.width
-        wrapMode: Text.Wrap
+    EmptyActivityView {
+        anchors.fill: parent
+        value: overview.page.empty ?? ({})
+        visible: overview.page.empty !== undefined
+    }
+
+    Loader {
+        active: overview.page.empty === undefined
+        anchors.fill: parent
+
+        sourceComponent: ScrollPane {
+            activeFocusOnTab: true
+
+            ColumnLayout {
+                spacing: Theme.m
+                width: parent.width
+
+                StatGrid {
+                    Layout.fillWidth: true
+                    stats: overview.content.stats ?? []
+                }
+
+                OverviewCards {
+                    Layout.fillWidth: true
+                    content: overview.content
+
+                    onSeeAllRequested: section => overview.page.seeAll(section)
+                }
+            }
+        }
     }
 }

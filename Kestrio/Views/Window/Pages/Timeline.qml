@@ -1,23 +1,39 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
+import QtQuick.Layouts
+import Kestrio.Design
 import Kestrio.Window
 
-ListView {
+// Every stretch of activity, the newest first under its day.
+Item {
     id: timeline
 
     required property TimelineModel page
 
-    model: page.rows
-    delegate: Text {
-        required property string kind
-        required property var value
-        required property int index
+    EmptyActivityView {
+        anchors.fill: parent
+        value: timeline.page.empty ?? ({})
+        visible: timeline.page.empty !== undefined
+    }
 
-        text: kind + JSON.stringify(value)
+    ColumnLayout {
+        anchors.fill: parent
+        spacing: Theme.m
+        visible: timeline.page.empty === undefined
 
-        TapHandler {
-            onTapped: timeline.page.rows.toggle(parent.index)
+        TimelineTools {
+            Layout.fillWidth: true
+            Layout.leftMargin: Theme.xl
+            Layout.rightMargin: Theme.xl
+            Layout.topMargin: Theme.s
+            page: timeline.page
+        }
+
+        TimelineList {
+            Layout.fillHeight: true
+            Layout.fillWidth: true
+            page: timeline.page
         }
     }
 }
