@@ -56,6 +56,7 @@ void ColumnPlotItem::paint(QPainter* painter) {
     if (!palette())
         return;
     const auto geometry = this->geometry();
+    painter->setRenderHint(QPainter::Antialiasing, false); // straight edges lie on pixels
     paintGrid(*painter, geometry);
     paintLabels(*painter, geometry);
     paintRule(*painter, geometry);
@@ -108,13 +109,15 @@ void ColumnPlotItem::paintColumn(QPainter& painter, const ColumnPlotGeometry& ge
         const auto area = geometry.part(column.interval, base, base + part.value).intersected(whole);
         base += part.value;
         const auto color = palette()->color(part.color);
-        if (area.top() >= roundedTo)
+        if (area.top() >= roundedTo) {
             painter.fillRect(area, color);
-        else {
-            QPainterPath slice;
-            slice.addRect(area);
-            painter.fillPath(shape.intersected(slice), color);
+            continue;
         }
+        QPainterPath slice;
+        slice.addRect(area);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.fillPath(shape.intersected(slice), color);
+        painter.setRenderHint(QPainter::Antialiasing, false);
     }
     painter.setOpacity(1);
 }

@@ -1,12 +1,13 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
+import QtQuick.Layouts
 import Kestrio.Charts
 import Kestrio.Design
 
 // When somebody was active: a strip per day through the hours, and above them what was done at the moment pointed at.
 // A report without sessions shows nothing.
-Column {
+ColumnLayout {
     id: view
 
     required property var value // a dayStripsValue
@@ -21,39 +22,39 @@ Column {
         strips: view.value
     }
 
-    Column {
+    ColumnLayout {
+        Layout.fillWidth: true
         spacing: Theme.xs
-        width: parent.width
 
         Line {
             Accessible.role: Accessible.Heading
             font: Theme.headline
+            Layout.fillWidth: true
             text: moment.strips.heading
-            width: parent.width
         }
 
         Paragraph {
             font: Theme.small
+            Layout.fillWidth: true
             text: moment.strips.explanation
-            width: parent.width
         }
     }
 
     StripReadout {
+        Layout.fillWidth: true
         pointer: moment
-        width: parent.width
     }
 
-    Column {
+    ColumnLayout {
         id: rows
 
         Accessible.description: moment.words
         Accessible.focusable: true
         Accessible.name: moment.strips.heading
         Accessible.role: Accessible.Chart
+        Layout.fillWidth: true
         activeFocusOnTab: true
         spacing: moment.strips.isDense ? 4 : Theme.m
-        width: parent.width
 
         Keys.onPressed: event => {
             event.accepted = moment.press(event.key);
@@ -64,8 +65,8 @@ Column {
         }
 
         Item {
-            height: hours.implicitHeight
-            width: parent.width
+            Layout.fillWidth: true
+            implicitHeight: hours.implicitHeight
 
             HourAxis {
                 id: hours
@@ -84,17 +85,17 @@ Column {
             DayStripRow {
                 required property int index
 
+                Layout.fillWidth: true
                 day: index
                 labelWidth: view.labelWidth
                 pointer: moment
-                width: rows.width
             }
         }
     }
 
-    Column {
+    ColumnLayout {
+        Layout.fillWidth: true
         spacing: Theme.xs + 2
-        width: parent.width
 
         Line {
             color: Theme.textTertiary
@@ -104,8 +105,8 @@ Column {
 
         CategoryLegend {
             categories: moment.strips.legend
+            Layout.fillWidth: true
             leastWidth: Theme.scaled(moment.strips.leastLegendWidth)
-            width: parent.width
         }
     }
 }
