@@ -19,6 +19,15 @@ QPainterPath columnShape(const QRectF& column, qreal mostRadius) {
     return path;
 }
 
+/// The piece of a column's shape that lies in the area.
+void paintCap(QPainter& painter, const QPainterPath& shape, const QRectF& area, const QColor& color) {
+    QPainterPath slice;
+    slice.addRect(area);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.fillPath(shape.intersected(slice), color);
+    painter.setRenderHint(QPainter::Antialiasing, false);
+}
+
 void drawLabel(QPainter& painter, const PlotLabel& label) {
     // A little wider than the text, which must not be broken for a fraction of a point.
     painter.drawText(label.area.adjusted(-2, 0, 2, 0), Qt::AlignCenter | Qt::TextDontClip, label.text);
@@ -56,6 +65,7 @@ void ColumnPlotItem::paint(QPainter* painter) {
     if (!palette())
         return;
     const auto geometry = this->geometry();
+    painter->setRenderHint(QPainter::Antialiasing, false); // straight edges lie on pixels
     paintGrid(*painter, geometry);
     paintLabels(*painter, geometry);
     paintRule(*painter, geometry);
@@ -100,7 +110,8 @@ void ColumnPlotItem::paintColumn(QPainter& painter, const ColumnPlotGeometry& ge
     const bool isFaded = interval && interval->start != column.interval.start;
     const auto whole = geometry.column(column.interval, column.height());
     const auto shape = columnShape(whole, plot_.cornerRadius);
-    const auto roundedTo = whole.top() + plot_.cornerRadius;
+    const auto roundedTo = PixelGrid(painter).snapped(whole.top() + plot_.cornerRadius);
+    const QRectF cap(whole.topLeft(), QPointF(whole.right(), roundedTo));
     painter.setPen(Qt::NoPen);
     painter.setOpacity(isFaded ? ActivityChart::fadedOpacity : 1);
     double base = 0;
@@ -108,13 +119,10 @@ void ColumnPlotItem::paintColumn(QPainter& painter, const ColumnPlotGeometry& ge
         const auto area = geometry.part(column.interval, base, base + part.value).intersected(whole);
         base += part.value;
         const auto color = palette()->color(part.color);
-        if (area.top() >= roundedTo)
-            painter.fillRect(area, color);
-        else {
-            QPainterPath slice;
-            slice.addRect(area);
-            painter.fillPath(shape.intersected(slice), color);
-        }
+        if (area.bottom() > roundedTo)
+            painter.fillRect(QRectF(QPointF(area.left(), std::max(area.top(), roundedTo)), area.bottomRight()), color);
+        if (area.top() < roundedTo)
+            paintCap(painter, shape, area.intersected(cap), color);
     }
     painter.setOpacity(1);
 }

@@ -16,6 +16,15 @@ bool differsByPointing(StripCanvas a, const StripCanvas& b) {
     return a == b;
 }
 
+/// The area and a little more, so that its edges lie between pixels at scales in steps of a quarter.
+QRect wholePixels(const QRectF& area) {
+    constexpr int step = 4;
+    const auto left = static_cast<int>(std::floor(area.left() / step)) * step;
+    const auto right = static_cast<int>(std::ceil(area.right() / step)) * step;
+    const auto bottom = static_cast<int>(std::ceil(area.bottom() / step)) * step;
+    return {left, 0, right - left, bottom};
+}
+
 } // namespace
 
 StripCanvasItem::StripCanvasItem(QQuickItem* parent) : ChartItem(parent) {
@@ -82,7 +91,7 @@ StripCanvas StripCanvasItem::currentCanvas() const {
 void StripCanvasItem::follow() {
     const auto next = currentCanvas();
     if (differsByPointing(canvas_, next))
-        update((markedArea(canvas_) | markedArea(next)).toAlignedRect());
+        update(wholePixels(markedArea(canvas_) | markedArea(next)));
     else if (next != canvas_)
         drawWhole();
     // Also when they are equal: the next one may look into a newer report, and the older one can go.

@@ -59,6 +59,7 @@ Rectangle {
         }
 
         CategoryKey {
+            Layout.fillWidth: false
             font: Theme.small
             value: readout.pointer.category
         }

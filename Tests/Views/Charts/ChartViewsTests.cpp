@@ -104,6 +104,8 @@ TEST(ChartViews, theReadoutKeepsItsHeight) {
                      {800, 400});
     auto* const strip = scene.find<StripCanvasItem>();
     const auto place = strip->mapToScene({0, 0});
+    EXPECT_GT(place.y(), 60) << "below the heading, the explanation and the readout";
+    EXPECT_GT(strip->width(), 500);
     scene.pointAt(strip->mapToScene({20, 10}));
     EXPECT_TRUE(strip->pointer()->isSession());
     EXPECT_EQ(strip->mapToScene({0, 0}), place) << "over a session";
@@ -122,7 +124,7 @@ TEST(ChartViews, theKeyboardReachesChartsAndStrips) {
     auto* const chart = scene.find<ActivityChartItem>();
     auto* const strip = scene.find<StripCanvasItem>();
     scene.window.requestActivate();
-    scene.settle();
+    scene.pointAt({790, 890}); // beside everything
     QTest::keyClick(&scene.window, Qt::Key_Tab);
     EXPECT_TRUE(chart->hasActiveFocus());
     QTest::keyClick(&scene.window, Qt::Key_Right);
