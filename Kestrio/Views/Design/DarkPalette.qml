@@ -25,7 +25,7 @@ ThemePalette {
     tooltipText: "#f0f2f5"
     shadow: "#66000000"
     blue: "#6499f5"
-    brown: "#b98a6b"
+    brown: "#ad8a75"
     gray: "#8b93a1"
     green: "#4fba7f"
     orange: "#eb9440"

@@ -25,7 +25,7 @@ ThemePalette {
     tooltipText: "#f3f4f6"
     shadow: "#1f1a2233"
     blue: "#3f7ae0"
-    brown: "#9a6a4c"
+    brown: "#8c6450"
     gray: "#7f8897"
     green: "#2f9e5f"
     orange: "#cf7016"
@@ -33,5 +33,5 @@ ThemePalette {
     purple: "#8659d3"
     red: "#d64550"
     teal: "#149a94"
-    yellow: "#b48a00"
+    yellow: "#ab8300"
 }
