@@ -3,6 +3,7 @@
 #include "Tests/ExpectedLog.h"
 
 #include <QtCore/QTemporaryDir>
+#include <QtGui/QAccessible>
 #include <QtGui/QGuiApplication>
 #include <QtQuick/QQuickWindow>
 #include <gtest/gtest.h>
@@ -26,5 +27,6 @@ int main(int argc, char** argv) {
     QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
     qInstallMessageHandler(failOnWarnings);
     const QGuiApplication application(argc, argv);
+    QAccessible::setActive(true); // as where somebody listens
     return RUN_ALL_TESTS();
 }

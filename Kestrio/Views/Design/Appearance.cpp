@@ -1,5 +1,7 @@
 #include "Kestrio/Views/Design/Appearance.h"
 
+#include "Kestrio/Views/Design/EngineSingleton.h"
+
 #include <QtCore/QEvent>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QPalette>
@@ -17,6 +19,10 @@ bool isDarkPalette(const QPalette& palette) {
 Appearance::Appearance(QObject* parent) : QObject(parent) {
     readPlatform();
     QGuiApplication::instance()->installEventFilter(this);
+}
+
+Appearance* Appearance::create(QQmlEngine* engine, QJSEngine*) {
+    return &appearance(*engine);
 }
 
 bool Appearance::isDark() const {
@@ -63,7 +69,7 @@ void Appearance::readPlatform() {
 }
 
 Appearance& appearance(QQmlEngine& engine) {
-    return *engine.singletonInstance<Appearance*>(qmlTypeId("Kestrio.Design", 1, 0, "Appearance"));
+    return engineSingleton<Appearance>(engine);
 }
 
 } // namespace kestrio

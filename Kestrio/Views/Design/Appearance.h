@@ -26,6 +26,7 @@ public:
     static constexpr double mostTextScale = 2.5;
 
     explicit Appearance(QObject* parent = nullptr);
+    static Appearance* create(QQmlEngine* engine, QJSEngine*);
 
     bool isDark() const;
     bool isHighContrast() const { return desktop_.isHighContrast; }
@@ -49,7 +50,7 @@ private:
     bool isPlatformDark_ = false;
 };
 
-/// The engine's own. `installDesign` comes first.
+/// The engine's own.
 Appearance& appearance(QQmlEngine& engine);
 
 } // namespace kestrio

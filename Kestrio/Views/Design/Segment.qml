@@ -7,6 +7,7 @@ T.AbstractButton {
 
     Accessible.checkable: true
     Accessible.checked: checked
+    Accessible.name: text
     Accessible.role: Accessible.RadioButton
     activeFocusOnTab: true
     focusPolicy: Qt.TabFocus

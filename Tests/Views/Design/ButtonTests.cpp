@@ -89,7 +89,7 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(ButtonCase{"plain", "PlainButton { text: 'Grant Access'}", "PlainButton"},
                     ButtonCase{"prominent", "PlainButton { prominent: true; text: 'Add'; symbol: 'plus'}",
                                "PlainButton"},
-                    ButtonCase{"seeAll", "SeeAllButton {}", "SeeAllButton"},
+                    ButtonCase{"seeAll", "SeeAllButton { quiet: true}", "SeeAllButton"},
                     ButtonCase{"icon", "IconButton { symbol: 'power'; help: 'Quit'}", "IconButton"},
                     ButtonCase{"foot", "FootButton { text: 'About'}", "FootButton"},
                     ButtonCase{"switch", "Switch { text: 'Time'}", "Switch"}),

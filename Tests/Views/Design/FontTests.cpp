@@ -27,13 +27,14 @@ TEST_P(FontTest, isTheProgramsOwnInThisWeight) {
 }
 
 TEST_P(FontTest, hasDigitsThatAreAllEquallyWide) {
+    constexpr double grain = 1.0 / 64; // of a pixel, to which widths are rounded
     const QFontMetricsF metrics(font());
     for (const QChar digit : QString("123456789"))
-        EXPECT_EQ(metrics.horizontalAdvance(digit), metrics.horizontalAdvance('0')) << digit.toLatin1();
+        EXPECT_NEAR(metrics.horizontalAdvance(digit), metrics.horizontalAdvance('0'), grain) << digit.toLatin1();
     // Also where they stand in a row, whatever is beside them.
-    EXPECT_EQ(metrics.horizontalAdvance("11:11"), metrics.horizontalAdvance("48:07"));
-    EXPECT_EQ(metrics.horizontalAdvance("1h 11m"), metrics.horizontalAdvance("7h 46m"));
-    EXPECT_EQ(metrics.horizontalAdvance("111.1"), metrics.horizontalAdvance("746.8"));
+    EXPECT_NEAR(metrics.horizontalAdvance("11:11"), metrics.horizontalAdvance("48:07"), 4 * grain);
+    EXPECT_NEAR(metrics.horizontalAdvance("1h 11m"), metrics.horizontalAdvance("7h 46m"), 4 * grain);
+    EXPECT_NEAR(metrics.horizontalAdvance("111.1"), metrics.horizontalAdvance("746.8"), 4 * grain);
 }
 
 TEST_P(FontTest, showsTitlesAsTheyStand) {

@@ -58,7 +58,10 @@ TEST(Mirroring, putsTheSearchSignAndTheClearButtonAtTheOtherSides) {
     Stage stage;
     stage.show(page(true, "FilterField { width: 200; text: 'ab' }"));
     EXPECT_LT(leftOf(stage.items("IconButton")[0]), 100);
-    EXPECT_GT(leftOf(stage.items("Symbol")[0]), 100);
+    for (auto* symbol : stage.items("Symbol"))
+        if (symbol->property("name") == "magnifyingglass") {
+            EXPECT_GT(leftOf(symbol), 100);
+        }
 }
 
 TEST(Mirroring, putsTheSwitchBeforeItsWords) {
