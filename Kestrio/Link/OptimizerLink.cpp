@@ -4,6 +4,7 @@
 #include "Kestrio/Optimizer/OptimizerJSON.h"
 
 #include <nlohmann/json.hpp>
+#include <utility>
 
 namespace kestrio {
 
@@ -24,6 +25,11 @@ Value required(std::optional<Value> value) {
 
 std::int64_t integer(const JSON& json) {
     return required(integerFromJSON(json));
+}
+
+pid_t process(const JSON& json) {
+    const auto number = integer(json);
+    return std::in_range<pid_t>(number) ? static_cast<pid_t>(number) : throw OfAnotherVersion();
 }
 
 std::uint64_t size(const JSON& json) {
@@ -128,7 +134,7 @@ JSON recordJSON(const HeldApp& app) {
 HeldApp heldAppFrom(const JSON& json) {
     return {.id = json.at("id").get<std::string>(),
             .name = json.at("name").get<std::string>(),
-            .pid = static_cast<pid_t>(integer(json.at("pid"))),
+            .pid = process(json.at("pid")),
             .control = controlFrom(json.at("control")),
             .frozen = integer(json.at("frozen")),
             .slowed = integer(json.at("slowed")),

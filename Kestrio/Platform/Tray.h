@@ -40,7 +40,12 @@ struct TrayMenuEntry {
 struct TrayItem {
     std::string id; // by which the desktop remembers where the person put it
     std::string title;
-    std::string tip;            // what stands below the title when the pointer rests on it
+    struct Tip { // shown while the pointer rests on it
+        std::string title;
+        std::string text;
+        friend bool operator==(const Tip&, const Tip&) = default;
+    };
+    Tip tip;
     std::string accessibleText; // what the picture says, for those who do not see it
     std::vector<TrayPixmap> icon;
     std::vector<TrayMenuEntry> menu;

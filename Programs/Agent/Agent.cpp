@@ -13,6 +13,7 @@
 #include "Kestrio/Platform/Linux/BusConnection.h"
 #include "Kestrio/Platform/Linux/FileKeyValueStore.h"
 #include "Kestrio/Platform/Linux/SingleInstance.h"
+#include "Kestrio/Platform/Linux/StatusNotifierTray.h"
 #include "Kestrio/Reports/SessionImport.h"
 #include "Kestrio/Shell/AppInfo.h"
 #include "Kestrio/Shell/AppModel.h"
@@ -25,6 +26,8 @@
 #include "Programs/Agent/HostMedia.h"
 #include "Programs/Agent/HostMonitor.h"
 #include "Programs/Agent/HostResources.h"
+#include "Programs/Agent/HostTray.h"
+#include "Programs/Agent/TodaysTime.h"
 #include "Programs/Agent/WindowLauncher.h"
 
 #include <csignal>
@@ -115,16 +118,18 @@ public:
                 .browsers = [this] { return browsers_->readings(); },
                 .observeMonitor = [this](auto receiver) { return systemMonitor_->observe(std::move(receiver)); },
                 .ownCost = [this] { return resources_->cost(); },
+                .quit = [this] { end(); },
                 .optimizer = optimizer_->link(),
             });
         if (!offerOnBus())
             return 0;
-        const auto signals = signals_.observe(main_, [this] { endBySignal(); });
+        const auto signals = signals_.observe(main_, [this] { end(); });
         if (options_.onChange)
             changes_ = background_->observe(options_.onChange);
         model_->start();
         optimizer_->start();
         resources_->recorder().start();
+        showInTray();
         systemMonitor_->start();
         openDashboardAtLaunch();
         giveBackMemory_ = main_.after(Seconds(10), [] { malloc_trim(0); });
@@ -134,6 +139,9 @@ public:
 
     ~Agent() {
         changes_.cancel();
+        trayStates_.cancel();
+        hostTray_.reset();
+        tray_.reset();
         service_.reset();
         background_.reset();
         model_.reset();
@@ -254,7 +262,7 @@ private:
             return true; // the lock in the data folder is guard enough
         sessionBus_->onDeath([this] {
             // The person's session is over, and this program with it.
-            endBySignal();
+            end();
         });
         service_ = BackgroundService::offer(
             sessionBus_->connection(), [this](const auto& work) { return sessionBus_->perform(work); }, *background_);
@@ -262,6 +270,34 @@ private:
             return true;
         say("Kestrio is already running in this session, with its data elsewhere.");
         return false;
+    }
+
+    void showInTray() {
+        const auto address = BusConnection::address(BusConnection::Bus::session);
+        if (!sessionBus_ || !address || options_.onChange)
+            return; // nobody to show it, or in the foreground of a terminal
+        tray_.emplace(main_, *address);
+        hostTray_.emplace(HostTray::Parts{
+            .model = *model_,
+            .settings = settings_,
+            .tray = *tray_,
+            .calendar = Calendar::current(),
+            .timeInFront = [this](auto interval, auto receiver) { addUpTime(interval, std::move(receiver)); },
+            .open =
+                [this](const auto& request, const auto& token) {
+                    if (const auto failure = windows_->show(request, token))
+                        logLine("Kestrio: " + *failure);
+                },
+            .quit = [this] { endBySignal(); },
+        });
+        systemMonitor_->followIcon([this] { return hostTray_->isSystemIconShown(); });
+        trayStates_ = systemMonitor_->monitor().observe([this](const auto& state) { hostTray_->showSystem(state); });
+    }
+
+    void addUpTime(DateInterval interval, std::function<void(Seconds)> receiver) {
+        monitorQueue_.async([this, interval, receiver = std::move(receiver)] {
+            main_.async([receiver, time = timeInFront(*database_, *monitor_, interval)] { receiver(time); });
+        });
     }
 
     bool isLaunchedByUser() {
@@ -298,8 +334,8 @@ private:
         return import_->start(std::move(files), std::move(receiver));
     }
 
-    /// The path without promise of time: what is open is saved first.
-    void endBySignal() {
+    /// The end, by a signal or on the person's word. There may be no time left: nothing here waits for anybody.
+    void end() {
         if (optimizer_)
             optimizer_->finish(); // first of all: nothing stays frozen
         if (import_)
@@ -338,6 +374,9 @@ private:
     std::unique_ptr<BusConnection> sessionBus_;
     std::unique_ptr<BackgroundService> service_;
     std::optional<WindowLauncher> windows_;
+    std::optional<StatusNotifierTray> tray_;
+    std::optional<HostTray> hostTray_;
+    Subscription trayStates_;
     Subscription changes_;
     Subscription giveBackMemory_;
 };

@@ -14,6 +14,7 @@
 #include "Kestrio/Platform/Linux/LinuxProcessTable.h"
 #include "Kestrio/Platform/Linux/LinuxWatchdog.h"
 #include "Kestrio/Platform/Linux/Locations.h"
+#include "Kestrio/Platform/Linux/PowerOffWatch.h"
 #include "Kestrio/Platform/Linux/ProcessIdentity.h"
 #include "Kestrio/Platform/Linux/StopRefusals.h"
 #include "Kestrio/Platform/Linux/X11Workspace.h"
@@ -128,6 +129,14 @@ private:
         });
     }
 
+    /// Nothing stopped may stand in the way of the machine's end. When that is called off, it begins anew.
+    void notePowerOff(bool isNear) {
+        if (isNear)
+            optimizer.finish();
+        else
+            optimizer.settingsChanged();
+    }
+
     void show() {
         Shown shown;
         const bool isEnabled = optimizer.isEnabled().value();
@@ -166,6 +175,8 @@ public:
     Optimizer optimizer;
 
 private:
+    PowerOffWatch powerOff_{queue_, BusConnection::address(BusConnection::Bus::system).value_or(""),
+                            [this](bool isNear) { notePowerOff(isNear); }};
     std::vector<Subscription> tokens_;
     std::shared_ptr<Runtime*> self_ = std::make_shared<Runtime*>(this); // work on the way holds it weakly
 };

@@ -18,10 +18,10 @@ DEADLINE = 30  # seconds; what is waited for takes a fraction of it
 TICK = 2.0  # seconds between two looks of the agent
 
 
-def eventually(condition, what):
+def eventually(condition, what, deadline=DEADLINE):
     """The first true answer of the condition."""
-    deadline = time.monotonic() + DEADLINE
-    while time.monotonic() < deadline:
+    end = time.monotonic() + deadline
+    while time.monotonic() < end:
         answer = condition()
         if answer:
             return answer

@@ -1,13 +1,13 @@
 import QtQuick
-import QtQuick.Layouts
 import Kestrio.Design
 
 // What can be pressed, chosen and typed into.
-ColumnLayout {
+Column {
     spacing: Theme.m
+    width: parent?.width ?? implicitWidth
 
     Flow {
-        Layout.fillWidth: true
+        width: parent.width
         spacing: Theme.s
 
         PlainButton {
@@ -62,7 +62,7 @@ ColumnLayout {
     }
 
     Flow {
-        Layout.fillWidth: true
+        width: parent.width
         spacing: Theme.s
 
         MenuButton {
@@ -144,7 +144,7 @@ ColumnLayout {
     }
 
     Flow {
-        Layout.fillWidth: true
+        width: parent.width
         spacing: Theme.m
 
         Switch {
@@ -164,7 +164,7 @@ ColumnLayout {
     }
 
     Flow {
-        Layout.fillWidth: true
+        width: parent.width
         spacing: Theme.m
 
         FilterField {}

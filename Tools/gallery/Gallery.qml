@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Layouts
 import Kestrio.Design
 import Kestrio.Gallery
 
@@ -44,13 +43,13 @@ Window {
         anchors.fill: parent
         focus: true
 
-        ColumnLayout {
+        Column {
             spacing: Theme.xl
             width: parent.width
 
             Flow {
-                Layout.fillWidth: true
                 spacing: Theme.l
+                width: parent.width
 
                 Switch {
                     checked: window.isDark
@@ -85,7 +84,7 @@ Window {
                 name: "Colours"
 
                 PalettesSample {
-                    Layout.fillWidth: true
+                    width: parent.width
                 }
             }
 
@@ -93,7 +92,7 @@ Window {
                 name: "Controls"
 
                 ControlsSample {
-                    Layout.fillWidth: true
+                    width: parent.width
                 }
             }
 
@@ -101,7 +100,7 @@ Window {
                 name: "Figures and rows"
 
                 RowsSample {
-                    Layout.fillWidth: true
+                    width: parent.width
                 }
             }
 
@@ -109,7 +108,7 @@ Window {
                 name: "Lists, heads, bands, empty places"
 
                 ListsSample {
-                    Layout.fillWidth: true
+                    width: parent.width
                 }
             }
 
@@ -117,7 +116,7 @@ Window {
                 name: "Type"
 
                 TypeSample {
-                    Layout.fillWidth: true
+                    width: parent.width
                 }
             }
 
@@ -125,7 +124,7 @@ Window {
                 name: "Symbols"
 
                 SymbolsSample {
-                    Layout.fillWidth: true
+                    width: parent.width
                 }
             }
         }

@@ -1,17 +1,20 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Layouts
 import Kestrio.Design
 
 // Lists, heads, bands and empty places.
-ColumnLayout {
+Column {
     id: lists
 
     property int selected: 0
 
     spacing: Theme.l
+    width: parent?.width ?? implicitWidth
 
     Banner {
-        Layout.fillWidth: true
+        width: parent.width
         value: ({
                 "symbol": "lock.shield",
                 "tint": "orange",
@@ -32,7 +35,7 @@ ColumnLayout {
     }
 
     RowLayout {
-        Layout.fillWidth: true
+        width: parent.width
         spacing: Theme.l
 
         Card {
@@ -139,7 +142,7 @@ ColumnLayout {
     }
 
     Card {
-        Layout.fillWidth: true
+        width: parent.width
 
         EmptyActivityView {
             Layout.fillWidth: true

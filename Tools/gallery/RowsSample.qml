@@ -3,13 +3,14 @@ import QtQuick.Layouts
 import Kestrio.Design
 
 // Rows, badges and figures.
-ColumnLayout {
+Column {
     id: rows
 
     spacing: Theme.l
+    width: parent?.width ?? implicitWidth
 
     StatGrid {
-        Layout.fillWidth: true
+        width: parent.width
         stats: [
             {
                 "title": "Active Time",
@@ -58,7 +59,7 @@ ColumnLayout {
     }
 
     RowLayout {
-        Layout.fillWidth: true
+        width: parent.width
         spacing: Theme.l
 
         Card {
@@ -211,7 +212,7 @@ ColumnLayout {
     }
 
     RowLayout {
-        Layout.fillWidth: true
+        width: parent.width
         spacing: Theme.l
 
         Card {
@@ -292,7 +293,7 @@ ColumnLayout {
     }
 
     Flow {
-        Layout.fillWidth: true
+        width: parent.width
         spacing: Theme.s
 
         Repeater {

@@ -1,27 +1,18 @@
 import QtQuick
-import QtQuick.Layouts
 import Kestrio.Design
 
 // A named place of the gallery.
-ColumnLayout {
+Column {
     id: sample
 
     required property string name
-    default property alias content: holder.data
 
-    Layout.fillWidth: true
     spacing: Theme.s
+    width: parent?.width ?? implicitWidth
 
     Line {
         color: Theme.textTertiary
         font: Theme.small
         text: sample.name
-    }
-
-    ColumnLayout {
-        id: holder
-
-        Layout.fillWidth: true
-        spacing: Theme.m
     }
 }

@@ -20,11 +20,11 @@ std::optional<std::filesystem::path> exampleIcon(const std::string& application,
     return QFile::exists(path) ? std::optional(path.toStdString()) : std::nullopt;
 }
 
-/// Once the pictures had time to come, all of the window goes into the file.
+/// Once everything stands in its place and the pictures are there, all of the window goes into the file.
 void saveSoon(QQuickWindow& window, const QString& file) {
-    constexpr int patience = 700; // milliseconds
-    window.setHeight(window.property("wholeHeight").toInt());
-    QTimer::singleShot(patience, &window, [&window, file] {
+    constexpr int patience = 400; // milliseconds
+    QTimer::singleShot(patience, &window, [&window] { window.setHeight(window.property("wholeHeight").toInt()); });
+    QTimer::singleShot(2 * patience, &window, [&window, file] {
         const bool isSaved = window.grabWindow().save(file);
         QCoreApplication::exit(isSaved ? 0 : 1);
     });
@@ -60,7 +60,7 @@ int main(int argc, char** argv) {
                                  {"isHighContrast", parser.isSet("contrast")},
                                  {"textScale", parser.value("text").toDouble()},
                                  {"isMirrored", parser.isSet("rtl")}});
-    engine.load("qrc:/qt/qml/Kestrio/Gallery/Gallery.qml");
+    engine.loadData("import Kestrio.Gallery\nGallery {}");
     if (engine.rootObjects().isEmpty())
         return 1;
     if (parser.isSet("screenshot"))

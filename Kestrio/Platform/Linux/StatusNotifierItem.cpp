@@ -91,8 +91,9 @@ void StatusNotifierItem::registerProperties() {
         text(name, [] { return ""; });
     for (const char* name : {"OverlayIconPixmap", "AttentionIconPixmap"})
         pictures(name, nullptr);
-    object_->registerProperty("ToolTip").onInterface(interface).withGetter(
-        [this] { return ToolTip(std::tuple(std::string(), TrayPixmapsOnBus{nullptr}, item_.title, item_.tip)); });
+    object_->registerProperty("ToolTip").onInterface(interface).withGetter([this] {
+        return ToolTip(std::tuple(std::string(), TrayPixmapsOnBus{nullptr}, item_.tip.title, item_.tip.text));
+    });
     object_->registerProperty("WindowId").onInterface(interface).withGetter([] { return std::int32_t{0}; });
     object_->registerProperty("ItemIsMenu").onInterface(interface).withGetter([] { return false; });
     object_->registerProperty("Menu").onInterface(interface).withGetter(
@@ -113,7 +114,7 @@ void StatusNotifierItem::show(const TrayItem& item) {
         tell("NewIcon");
     if (item_.title != before.title)
         tell("NewTitle");
-    if (item_.title != before.title || item_.tip != before.tip)
+    if (item_.tip != before.tip)
         tell("NewToolTip");
     if (hasNewMenu)
         bus_->perform([this](sdbus::IConnection&) { menu_->tell(); });

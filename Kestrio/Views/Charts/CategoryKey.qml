@@ -1,4 +1,5 @@
 import QtQuick
+import Kestrio.Charts
 import Kestrio.Design
 
 // A category's dot and name, as legends and readouts have it.

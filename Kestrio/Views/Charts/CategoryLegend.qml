@@ -1,6 +1,7 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
+import Kestrio.Charts
 import Kestrio.Design
 
 // What the colours mean, in columns at least so wide.

@@ -26,28 +26,11 @@ void drawLabel(QPainter& painter, const PlotLabel& label) {
 
 } // namespace
 
-ColumnPlotItem::ColumnPlotItem(QQuickItem* parent) : QQuickPaintedItem(parent) {
-    setAntialiasing(true);
-    setSmooth(false); // drawn pixel for pixel, also where the size is no whole number of them
-}
-
-void ColumnPlotItem::setPalette(ChartPalette* palette) {
-    if (palette_ == palette)
-        return;
-    if (palette_)
-        palette_->disconnect(this);
-    palette_ = palette;
-    if (palette_)
-        connect(palette_, &ChartPalette::changed, this, [this] { update(); });
-    update();
-    Q_EMIT paletteChanged();
-}
-
 void ColumnPlotItem::setFont(const QFont& font) {
     if (font_ == font)
         return;
     font_ = font;
-    update();
+    drawWhole();
     Q_EMIT fontChanged();
 }
 
@@ -55,13 +38,13 @@ void ColumnPlotItem::setMirrored(bool mirrored) {
     if (mirrored_ == mirrored)
         return;
     mirrored_ = mirrored;
-    update();
+    drawWhole();
     Q_EMIT mirroredChanged();
 }
 
 void ColumnPlotItem::setPlot(ColumnPlot plot) {
     plot_ = std::move(plot);
-    update();
+    drawWhole();
 }
 
 ColumnPlotGeometry ColumnPlotItem::geometry() const {
@@ -70,7 +53,7 @@ ColumnPlotGeometry ColumnPlotItem::geometry() const {
 }
 
 void ColumnPlotItem::paint(QPainter* painter) {
-    if (!palette_)
+    if (!palette())
         return;
     const auto geometry = this->geometry();
     paintGrid(*painter, geometry);
@@ -85,12 +68,12 @@ void ColumnPlotItem::paintGrid(QPainter& painter, const ColumnPlotGeometry& geom
     const auto& area = geometry.area();
     for (const auto& mark : plot_.valueMarks)
         painter.fillRect(QRectF(area.left(), pixels.snapped(geometry.y(mark.value)), area.width(), pixels.hairline()),
-                         palette_->grid());
+                         palette()->grid());
 }
 
 void ColumnPlotItem::paintLabels(QPainter& painter, const ColumnPlotGeometry& geometry) const {
     painter.setFont(font_);
-    painter.setPen(palette_->label());
+    painter.setPen(palette()->label());
     drawLabel(painter, geometry.unitLabel());
     for (const auto& label : geometry.valueLabels())
         drawLabel(painter, label);
@@ -108,7 +91,7 @@ void ColumnPlotItem::paintRule(QPainter& painter, const ColumnPlotGeometry& geom
     const auto width = pixels.wholeWidth(1);
     constexpr qreal opacity = 0.35;
     painter.fillRect(QRectF(pixels.snapped(middle - width / 2), area.top(), width, area.height()),
-                     palette_->ink(opacity));
+                     palette()->ink(opacity));
 }
 
 void ColumnPlotItem::paintColumn(QPainter& painter, const ColumnPlotGeometry& geometry,
@@ -124,7 +107,7 @@ void ColumnPlotItem::paintColumn(QPainter& painter, const ColumnPlotGeometry& ge
     for (const auto& part : column.parts) {
         const auto area = geometry.part(column.interval, base, base + part.value).intersected(whole);
         base += part.value;
-        const auto color = palette_->color(part.color);
+        const auto color = palette()->color(part.color);
         if (area.top() >= roundedTo)
             painter.fillRect(area, color);
         else {

@@ -1,4 +1,5 @@
 import QtQuick
+import Kestrio.Charts
 import Kestrio.Design
 
 // One day: its name, its strip, and below it the line of what played alongside.

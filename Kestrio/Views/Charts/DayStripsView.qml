@@ -1,6 +1,7 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
+import Kestrio.Charts
 import Kestrio.Design
 
 // When somebody was active: a strip per day through the hours, and above them what was done at the moment pointed at.
@@ -9,13 +10,13 @@ Column {
     id: view
 
     required property var value // a dayStripsValue
-    readonly property real labelWidth: Theme.scaled(pointer.strips.isDense ? 60 : 128)
+    readonly property real labelWidth: Theme.scaled(moment.strips.isDense ? 60 : 128)
 
     spacing: Theme.m
-    visible: pointer.strips.dayCount > 0
+    visible: moment.strips.dayCount > 0
 
     StripPointer {
-        id: pointer
+        id: moment
 
         strips: view.value
     }
@@ -27,39 +28,39 @@ Column {
         Line {
             Accessible.role: Accessible.Heading
             font: Theme.headline
-            text: pointer.strips.heading
+            text: moment.strips.heading
             width: parent.width
         }
 
         Paragraph {
             font: Theme.small
-            text: pointer.strips.explanation
+            text: moment.strips.explanation
             width: parent.width
         }
     }
 
     StripReadout {
-        pointer: pointer
+        pointer: moment
         width: parent.width
     }
 
     Column {
         id: rows
 
-        Accessible.description: pointer.words
+        Accessible.description: moment.words
         Accessible.focusable: true
-        Accessible.name: pointer.strips.heading
+        Accessible.name: moment.strips.heading
         Accessible.role: Accessible.Chart
         activeFocusOnTab: true
-        spacing: pointer.strips.isDense ? 4 : Theme.m
+        spacing: moment.strips.isDense ? 4 : Theme.m
         width: parent.width
 
         Keys.onPressed: event => {
-            event.accepted = pointer.press(event.key);
+            event.accepted = moment.press(event.key);
         }
         onActiveFocusChanged: {
             if (!activeFocus)
-                pointer.clear();
+                moment.clear();
         }
 
         Item {
@@ -73,19 +74,19 @@ Column {
                 anchors.leftMargin: view.labelWidth
                 anchors.right: parent.right
                 height: implicitHeight
-                marks: pointer.strips.hourAxis
+                marks: moment.strips.hourAxis
             }
         }
 
         Repeater {
-            model: pointer.strips.dayCount
+            model: moment.strips.dayCount
 
             DayStripRow {
                 required property int index
 
                 day: index
                 labelWidth: view.labelWidth
-                pointer: pointer
+                pointer: moment
                 width: rows.width
             }
         }
@@ -98,12 +99,12 @@ Column {
         Line {
             color: Theme.textTertiary
             font: Theme.caption
-            text: pointer.strips.legendTitle
+            text: moment.strips.legendTitle
         }
 
         CategoryLegend {
-            categories: pointer.strips.legend
-            leastWidth: Theme.scaled(pointer.strips.leastLegendWidth)
+            categories: moment.strips.legend
+            leastWidth: Theme.scaled(moment.strips.leastLegendWidth)
             width: parent.width
         }
     }

@@ -29,6 +29,8 @@ bool Appearance::isDark() const {
 }
 
 double Appearance::textScale() const {
+    if (QGuiApplication::platformName() == "xcb")
+        return 1;
     return std::clamp(desktop_.textScale, leastTextScale, mostTextScale);
 }
 

@@ -4,23 +4,13 @@
 // Belongs to the main thread and to its QML engine, in which it is the singleton `Appearance`.
 #pragma once
 
+#include "Kestrio/Platform/DesktopAppearance.h"
 #include "Kestrio/Shell/Settings.h"
 
 #include <QtCore/QObject>
 #include <QtQml/QQmlEngine>
-#include <optional>
 
 namespace kestrio {
-
-/// What the desktop asks of all programs. Everything that it does not tell has the value here.
-struct DesktopAppearance {
-    std::optional<bool> isDark = {}; // absent: no preference; the colours of the platform's own theme then decide
-    bool isHighContrast = false;
-    bool reducesMotion = false;
-    double textScale = 1; // beyond what the screen's own scale brings
-
-    friend bool operator==(const DesktopAppearance&, const DesktopAppearance&) = default;
-};
 
 class Appearance : public QObject {
     Q_OBJECT
@@ -40,7 +30,7 @@ public:
     bool isDark() const;
     bool isHighContrast() const { return desktop_.isHighContrast; }
     bool reducesMotion() const { return desktop_.reducesMotion; }
-    /// Within the bounds above.
+    /// Within the bounds above. 1 on X11, where the screen's own scale has it already.
     double textScale() const;
 
     /// What the person chose; stands above what the desktop asks for.

@@ -50,6 +50,7 @@ Rectangle {
             RowLayout {
                 id: accessoryHolder
 
+                Layout.fillWidth: false
                 spacing: Theme.s
             }
         }

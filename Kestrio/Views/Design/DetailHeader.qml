@@ -40,6 +40,8 @@ RowLayout {
 
             RowLayout {
                 id: accessoryHolder
+
+                Layout.fillWidth: false
             }
         }
 
@@ -59,22 +61,12 @@ RowLayout {
             }
         }
 
-        Flow {
+        Paragraph {
             Layout.fillWidth: true
-            spacing: Theme.m
-
-            Repeater {
-                model: header.value?.stats ?? []
-
-                Line {
-                    required property string modelData
-
-                    color: Theme.textTertiary
-                    font: Theme.small
-                    text: modelData
-                    width: Math.min(implicitWidth, parent.width)
-                }
-            }
+            color: Theme.textTertiary
+            font: Theme.small
+            text: (header.value?.stats ?? []).join("  ·  ")
+            visible: text !== ""
         }
 
         Line {

@@ -1,4 +1,5 @@
 import QtQuick
+import QtQuick.Layouts
 
 // What the rows of an `ExpandableList` are made of: room around them, and a line above each but the first.
 Item {
@@ -8,6 +9,7 @@ Item {
     property bool isDivided: false
     property real verticalPadding: Theme.s
 
+    Layout.fillWidth: true
     implicitHeight: holder.implicitHeight + 2 * verticalPadding
     width: parent?.width ?? implicitWidth
 

@@ -1,8 +1,12 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
+import QtQuick.Layouts
+import Kestrio.Design
 
 // A long list, shown in portions, with a line between its rows. Each row is made of `delegate`, which has the property
 // `row`.
-Column {
+ColumnLayout {
     id: list
 
     property var items: []
@@ -15,6 +19,8 @@ Column {
         portion.showMore();
     }
 
+    Layout.fillWidth: true
+    spacing: 0
     width: parent?.width ?? implicitWidth
 
     ListPortion {
@@ -39,7 +45,8 @@ Column {
     }
 
     PlainButton {
-        anchors.horizontalCenter: parent.horizontalCenter
+        Layout.alignment: Qt.AlignHCenter
+        Layout.topMargin: Theme.xs
         quiet: true
         symbol: "chevron.down"
         symbolAtEnd: true

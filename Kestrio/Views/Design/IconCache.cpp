@@ -61,7 +61,8 @@ std::optional<QImage> IconCache::icon(const QString& application, QSize pixels) 
     const auto key = QString("%1 %2 %3").arg(application).arg(pixels.width()).arg(pixels.height());
     if (const QImage* known = icons_.object(key))
         return *known;
-    const auto file = iconFile_(application.toStdString(), std::max(pixels.width(), pixels.height()));
+    const auto file =
+        !iconFile_ ? std::nullopt : iconFile_(application.toStdString(), std::max(pixels.width(), pixels.height()));
     const QImage image = file ? load(*file, pixels) : QImage();
     if (image.isNull()) {
         misses_.insert(application);

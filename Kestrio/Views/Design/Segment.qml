@@ -32,7 +32,7 @@ T.AbstractButton {
         text: segment.text
     }
 
-    Keys.onReturnPressed: click()
+    Keys.onReturnPressed: segment.clicked()
 
     // Its width does not change with its weight.
     Text {

@@ -1,34 +1,44 @@
-import QtQuick
+pragma ComponentBehavior: Bound
 
-// Stat cards side by side, as many in a row as have room for their least width.
+import QtQuick
+import QtQuick.Layouts
+import Kestrio.Design
+
+// Stat cards side by side, as many in a row as have room for their least width, all equally wide. Places them itself: a
+// layout that follows its own width misses changes.
 Item {
     id: grid
 
     property var stats: []
-    readonly property int columns: Math.max(1, Math.min(stats.length, Math.floor((width + Theme.m) / (Theme.scaled(148) + Theme.m))))
-    // Rows as full as each other: six in four columns stand as three and three.
-    readonly property int evenColumns: Math.ceil(stats.length / Math.max(1, Math.ceil(stats.length / columns)))
-    readonly property real cellWidth: (width - (evenColumns - 1) * Theme.m) / Math.max(1, evenColumns)
+    readonly property real gap: Theme.m
+    readonly property int fitting: Math.max(1, Math.floor((width + gap) / (Theme.scaled(148) + gap)))
+    readonly property int rowCount: Math.ceil(stats.length / fitting)
+    // Rows as full as each other: of six where five fit three stand above three.
+    readonly property int columns: Math.max(1, Math.ceil(stats.length / Math.max(1, rowCount)))
+    readonly property real cellWidth: (width - (columns - 1) * gap) / columns
+    readonly property real cellHeight: cards.count > 0 ? cards.itemAt(0)?.implicitHeight ?? 0 : 0
 
-    implicitHeight: flow.implicitHeight
+    Layout.fillWidth: true
+    implicitHeight: rowCount * (cellHeight + gap) - gap
+    implicitWidth: Theme.scaled(148)
 
-    Grid {
-        id: flow
+    Repeater {
+        id: cards
 
-        columns: Math.max(1, grid.evenColumns)
-        spacing: Theme.m
+        model: RowsModel {
+            rows: grid.stats
+        }
 
-        Repeater {
-            model: RowsModel {
-                rows: grid.stats
-            }
+        StatCard {
+            required property var row
+            required property int index
+            readonly property int column: index % grid.columns
 
-            StatCard {
-                required property var row
-
-                value: row
-                width: Math.floor(grid.cellWidth)
-            }
+            height: grid.cellHeight
+            value: row
+            width: Math.round(grid.cellWidth)
+            x: Math.round((grid.LayoutMirroring.enabled ? grid.columns - 1 - column : column) * (grid.cellWidth + grid.gap))
+            y: Math.floor(index / grid.columns) * (grid.cellHeight + grid.gap)
         }
     }
 }

@@ -1,6 +1,7 @@
 pragma Singleton
 
 import QtQuick
+import Kestrio.Design
 
 // Colours, type, spacing and motion of everything that shows. Follows `Appearance`.
 QtObject {

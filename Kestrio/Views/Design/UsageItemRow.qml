@@ -54,12 +54,14 @@ DividedRow {
         }
 
         ColumnLayout {
+            Layout.fillWidth: false
             Layout.preferredWidth: Theme.scaled(88)
             spacing: Theme.xs + 1
 
             Line {
                 Accessible.ignored: true
                 Layout.fillWidth: true
+                color: Theme.textSecondary
                 horizontalAlignment: Text.AlignRight
                 text: item.row.duration ?? ""
             }

@@ -5,8 +5,10 @@
 #include "Tests/Support/VirtualDisplay.h"
 
 #include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <pty.h>
+#include <string>
 #include <sys/ptrace.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -81,8 +83,16 @@ TEST(ProcessHazard, isThatOfOurAncestors) {
 class Terminal {
 public:
     Terminal() {
-        shell_ = forkpty(&screen_, nullptr, nullptr, nullptr);
+        screen_ = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+        grantpt(screen_);
+        unlockpt(screen_);
+        const std::string keyboard = ptsname(screen_);
+        shell_ = fork();
         if (shell_ == 0) {
+            setsid();
+            const int terminal = open(keyboard.c_str(), O_RDWR); // the first that a session opens becomes its own
+            for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+                dup2(terminal, descriptor);
             execlp("sh", "sh", "-c", "set -m; sleep 60", nullptr);
             _exit(1);
         }

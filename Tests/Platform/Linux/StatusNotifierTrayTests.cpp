@@ -166,7 +166,7 @@ TrayItem item(const std::string& id = "kestrio") {
     using Kind = TrayMenuEntry::Kind;
     return {id,
             "Kestrio",
-            "Tracking",
+            {"Today: 2h 5m", "Tracking"},
             "Active: your time is being recorded",
             {pixmap(22, 0x80112233), pixmap(48, 0xff00ff00)},
             {{Kind::words, "", "Tracking", {}},
@@ -280,7 +280,7 @@ TEST_F(StatusNotifierTrayTest, everyPropertyIsAsTheProtocolWantsIt) {
     EXPECT_EQ(bar.property<sdbus::ObjectPath>("Menu"), "/MenuBar");
     EXPECT_EQ(bar.property<std::int32_t>("WindowId"), 0);
     const auto tip = bar.property<sdbus::Struct<std::string, Pixmaps, std::string, std::string>>("ToolTip");
-    EXPECT_EQ(tip.get<2>(), "Kestrio");
+    EXPECT_EQ(tip.get<2>(), "Today: 2h 5m");
     EXPECT_EQ(tip.get<3>(), "Tracking");
 }
 
@@ -311,15 +311,15 @@ TEST_F(StatusNotifierTrayTest, barsAreToldOnlyWhatChanged) {
     expect({});
     shown.icon[0] = pixmap(22, 0xffffffff);
     expect({"NewIcon"});
-    shown.tip = "Paused";
+    shown.tip.text = "Paused";
     expect({"NewIcon", "NewToolTip"});
     shown.title = "Kestrio: paused";
-    expect({"NewIcon", "NewToolTip", "NewTitle", "NewToolTip"});
+    expect({"NewIcon", "NewToolTip", "NewTitle"});
     shown.menu.pop_back();
-    expect({"NewIcon", "NewToolTip", "NewTitle", "NewToolTip", "LayoutUpdated 2 0"});
+    expect({"NewIcon", "NewToolTip", "NewTitle", "LayoutUpdated 2 0"});
     show(shown);
     shown.accessibleText = "Away";
-    expect({"NewIcon", "NewToolTip", "NewTitle", "NewToolTip", "LayoutUpdated 2 0", "NewIcon"});
+    expect({"NewIcon", "NewToolTip", "NewTitle", "LayoutUpdated 2 0", "NewIcon"});
 }
 
 TEST_F(StatusNotifierTrayTest, nobodyIsToldAnythingWhileNoWatcherKnowsTheIcon) {
@@ -332,7 +332,7 @@ TEST_F(StatusNotifierTrayTest, nobodyIsToldAnythingWhileNoWatcherKnowsTheIcon) {
     show(shown);
     const Watcher watcher(bus.address());
     ASSERT_TRUE(isAnnounced(watcher, {service(1)}));
-    shown.tip = "Now";
+    shown.tip.title = "Now";
     show(shown);
     EXPECT_TRUE(eventually([&] { return !bar.heard().empty(); }));
     EXPECT_EQ(bar.heard(), std::vector<std::string>{"NewToolTip"});
