@@ -71,6 +71,9 @@ public:
     /// Shows the settings: a tab by its raw text, or the one that was open last.
     virtual Failure openSettings(std::optional<std::string> tab) = 0;
 
+    /// Ends the agent in order, and with it the recording. Returns before it has ended.
+    virtual Failure quit() = 0;
+
     /// Brings the sessions of exported files into the database, which is the agent's alone to write. Does not wait;
     /// takes as long as it takes. Dropping the token stops it; its end is told all the same, unless the agent goes
     /// first.

@@ -133,6 +133,10 @@ Background::Failure BackgroundClient::openSettings(std::optional<std::string> ta
     return call("OpenSettings", tab.value_or(""));
 }
 
+Background::Failure BackgroundClient::quit() {
+    return call("Quit");
+}
+
 Subscription BackgroundClient::importFiles(std::vector<SessionFile> files, ImportReceiver receiver) {
     *shareReceiver_ = std::move(receiver.progress);
     const auto isOver = std::make_shared<bool>(false);

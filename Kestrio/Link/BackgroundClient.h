@@ -29,6 +29,7 @@ public:
     Failure resume() override;
     Failure openDashboard(std::optional<std::string> page) override;
     Failure openSettings(std::optional<std::string> tab) override;
+    Failure quit() override;
     Subscription importFiles(std::vector<SessionFile> files, ImportReceiver receiver) override;
     Subscription observeData(std::function<void()> receiver) override;
     std::optional<std::vector<BrowserReading>> browsers() override;

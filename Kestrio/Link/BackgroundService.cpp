@@ -118,6 +118,7 @@ void BackgroundService::registerObject(sdbus::IConnection& connection) {
         .implementedAs([this](const std::string& tab) {
             require(background_.openSettings(tab.empty() ? std::nullopt : std::optional(tab)));
         });
+    object_->registerMethod("Quit").onInterface(interface).implementedAs([this] { require(background_.quit()); });
     object_->registerMethod("Browsers")
         .onInterface(interface)
         .withOutputParamNames("browsers") // each the bundle identifier, whether it is connected, whether accessible

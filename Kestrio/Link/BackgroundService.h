@@ -4,6 +4,7 @@
 //   Resume()              goes on recording
 //   OpenDashboard()       as it was left             OpenPage(s page)      one of its pages, by its raw text
 //   OpenSettings(s tab)   a tab by its raw text, or empty: as they were left
+//   Quit()                ends the agent, and with it the recording
 //   Browsers() -> as      the browsers whose extension is connected, as bundle identifiers
 //   Status() -> s         everything that lives in memory, as JSON
 //   Import(a(sh) files) -> s      brings the sessions of exported files into the database, each a name for messages and

@@ -53,6 +53,13 @@ Background::Failure LocalBackground::openSettings(std::optional<std::string> tab
     return openWindow(SettingsRequest{std::move(tab)});
 }
 
+Background::Failure LocalBackground::quit() {
+    if (!services_.quit)
+        return "This is not a program that can be ended.";
+    afterwards(services_.quit);
+    return std::nullopt;
+}
+
 Background::Failure LocalBackground::openWindow(const WindowRequest& request) {
     return services_.openWindow ? services_.openWindow(request) : Failure("There are no windows here.");
 }

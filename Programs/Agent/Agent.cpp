@@ -118,6 +118,7 @@ public:
                 .browsers = [this] { return browsers_->readings(); },
                 .observeMonitor = [this](auto receiver) { return systemMonitor_->observe(std::move(receiver)); },
                 .ownCost = [this] { return resources_->cost(); },
+                .quit = [this] { quit(); },
                 .optimizer = optimizer_->link(),
             });
         if (!offerOnBus())
@@ -287,7 +288,7 @@ private:
                     if (const auto failure = windows_->show(request, token))
                         logLine("Kestrio: " + *failure);
                 },
-            .quit = [this] { endBySignal(); },
+            .quit = [this] { quit(); },
         });
         systemMonitor_->followIcon([this] { return hostTray_->isSystemIconShown(); });
         trayStates_ = systemMonitor_->monitor().observe([this](const auto& state) { hostTray_->showSystem(state); });
@@ -335,15 +336,33 @@ private:
 
     /// The path without promise of time: what is open is saved first.
     void endBySignal() {
-        if (optimizer_)
-            optimizer_->finish(); // first of all: nothing stays frozen
+        stopRecording();
+        giveBackHeld();
+        stopLogging();
+        main_.stop();
+    }
+
+    /// On the person's word: whatever else happens, nothing stays frozen.
+    void quit() {
+        giveBackHeld();
+        stopLogging();
+        stopRecording();
+        main_.stop();
+    }
+
+    void stopRecording() {
         if (import_)
             import_->stop(); // the monitor's last rows would wait for it
-        if (resources_)
-            resources_->recorder().stop();
         if (monitor_)
             monitor_->stop();
-        main_.stop();
+    }
+    void giveBackHeld() {
+        if (optimizer_)
+            optimizer_->finish();
+    }
+    void stopLogging() {
+        if (resources_)
+            resources_->recorder().stop();
     }
 
     const Locations locations_;

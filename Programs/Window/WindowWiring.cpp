@@ -34,16 +34,8 @@ WindowWiring::WindowWiring(Queue& main, const Locations& locations, std::optiona
       classification_(settings_, hostHint(processEnvironment, clock_)),
       agent_(main, agentQueue_, ownAgent(std::move(busAddress), dataFolder(locations), agentQueue_)),
       history_(dataFolder(locations) / Database::fileName, agent_),
-      dashboard_({.clock = clock_,
-                  .queue = main,
-                  .loadingQueue = loadingQueue_,
-                  .sessions = [this](DateInterval interval) { return history_.sessions(interval); },
-                  .classification =
-                      [this] {
-                          return Classification{classification_.categorizer().snapshot(),
-                                                classification_.projectRules().rules()};
-                      }},
-                 calendar_, RangeMode::day, ReportStore::Follows::itsPerson),
+      dashboard_(storeParts(main), calendar_, RangeMode::day, ReportStore::Follows::itsPerson),
+      today_(storeParts(main), calendar_, RangeMode::day, ReportStore::Follows::now),
       parts_{.clock = clock_,
              .queue = main,
              .calendar = calendar_,
@@ -51,6 +43,7 @@ WindowWiring::WindowWiring(Queue& main, const Locations& locations, std::optiona
              .classification = classification_,
              .agent = agent_,
              .dashboard = dashboard_,
+             .today = today_,
              .host = {.startAgent = startAgent, .isBrowser = BrowserInspector::isBrowser}} {
     std::map<std::string, SettingValue> registered;
     for (const auto& setting : knownSettings())
@@ -58,6 +51,18 @@ WindowWiring::WindowWiring(Queue& main, const Locations& locations, std::optiona
             registered.emplace(setting.key, *setting.registered);
     settings_.registerDefaults(std::move(registered));
     agent_.start();
+}
+
+ReportStore::Parts WindowWiring::storeParts(Queue& main) {
+    return {.clock = clock_,
+            .queue = main,
+            .loadingQueue = loadingQueue_,
+            .sessions = [this](DateInterval interval) { return history_.sessions(interval); },
+            .classification =
+                [this] {
+                    return Classification{classification_.categorizer().snapshot(),
+                                          classification_.projectRules().rules()};
+                }};
 }
 
 /// Quietly: the windows are there already.

@@ -21,6 +21,7 @@ public:
 
 private:
     static bool startAgent();
+    ReportStore::Parts storeParts(Queue& main);
 
     const SystemClock clock_;
     const Calendar calendar_ = Calendar::current();
@@ -31,6 +32,7 @@ private:
     StoredHistory history_;
     WorkerQueue loadingQueue_{"Kestrio.reports"}; // dropped before what its work uses
     ReportStore dashboard_;
+    ReportStore today_;
     const WindowParts parts_;
 };
 

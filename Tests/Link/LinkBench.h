@@ -27,6 +27,7 @@ struct LinkBench : MonitorBench {
                 .browsers = [this] { return browsers; },
                 .observeMonitor = [this](auto receiver) { return observeMonitor(std::move(receiver)); },
                 .ownCost = [this] { return ownCost; },
+                .quit = [this] { ++quits; },
             });
         model->start();
         pass(2.6);
@@ -41,6 +42,7 @@ struct LinkBench : MonitorBench {
     std::vector<BrowserReading> browsers;
     LocalBackground::ObserveMonitor observeMonitor = [](const auto&) { return Subscription(); };
     AgentCost ownCost;
+    int quits = 0;
     std::unique_ptr<AppModel> model;
     std::unique_ptr<LocalBackground> background;
 };

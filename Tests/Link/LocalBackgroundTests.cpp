@@ -52,6 +52,16 @@ TEST(LocalBackground, pausesAndResumes) {
     EXPECT_EQ(bench.background->status()->pausedUntil, std::nullopt);
 }
 
+TEST(LocalBackground, quitsAfterItAnswered) {
+    LinkBench bench;
+    EXPECT_EQ(bench.background->quit(), std::nullopt);
+    EXPECT_EQ(bench.quits, 0);
+    bench.pass(0);
+    EXPECT_EQ(bench.quits, 1);
+    LocalBackground other(*bench.model, {}, {});
+    EXPECT_EQ(other.quit(), "This is not a program that can be ended.");
+}
+
 TEST(LocalBackground, opensTheDashboardAndTheSettingsWhereTheyWereLeftOrWhereItIsTold) {
     LinkBench bench;
     EXPECT_EQ(bench.background->openDashboard(std::nullopt), std::nullopt);

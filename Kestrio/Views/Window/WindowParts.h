@@ -32,6 +32,11 @@ struct WindowHost {
     std::function<void()> grantAccessibility = [] {};
     /// Whether the application of this bundle identifier shows sites.
     std::function<bool(const std::string& bundleID)> isBrowser = [](const auto&) { return false; };
+    /// What a person can do here where something cannot be read, by the name that other hosts have for the place in
+    /// their settings.
+    std::function<std::optional<std::string>(std::string_view place)> privacyAdvice = [](auto) { return std::nullopt; };
+    /// Starts this host's own system monitor. Empty where it has none.
+    std::function<void()> openActivityMonitor = {};
     /// The file with an application's icon, as `AppIconView` asks for it: on a thread of its own.
     std::function<std::optional<std::filesystem::path>(const std::string& application, int pixels)> iconFile =
         [](const auto&, int) { return std::nullopt; };
@@ -48,6 +53,7 @@ struct WindowParts {
     ClassificationSettings& classification;
     AgentLink& agent;
     ReportStore& dashboard; // of the range that the dashboard shows
+    ReportStore& today;     // of this day, for the panel
     BrowserAccess* browserAccess = nullptr;
     WindowHost host = {};
 

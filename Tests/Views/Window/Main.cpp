@@ -2,14 +2,22 @@
 #include "Tests/ExpectedLog.h"
 
 #include <QGuiApplication>
+#include <QQmlExtensionPlugin>
 #include <QQuickStyle>
 #include <QQuickWindow>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+Q_IMPORT_QML_PLUGIN(Kestrio_ChartsPlugin)
+Q_IMPORT_QML_PLUGIN(Kestrio_DesignPlugin)
+
+/// Registers the module's types; made by the build.
+void qml_register_types_Kestrio_Window();
+
 namespace {
 
 void failOnWarnings(QtMsgType type, const QMessageLogContext&, const QString& message) {
+    if (getenv("TRACE")) fprintf(stderr, "%s\n", message.toUtf8().constData());
     if (type != QtDebugMsg && type != QtInfoMsg)
         ADD_FAILURE() << "the view framework warns: " << message.toStdString();
 }
@@ -17,6 +25,8 @@ void failOnWarnings(QtMsgType type, const QMessageLogContext&, const QString& me
 } // namespace
 
 int main(int argc, char** argv) {
+    // Naming it has the linker take the registration along.
+    [[maybe_unused]] const volatile auto registration = &qml_register_types_Kestrio_Window;
     testing::InitGoogleTest(&argc, argv);
     kestrio::installLogGuard();
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))

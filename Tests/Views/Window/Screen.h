@@ -32,6 +32,7 @@ public:
     /// Shows an item of the module by its file, in a window of its own or as the window that it is.
     void show(const QString& file, const QVariantMap& properties) {
         QQmlComponent component(&engine_, QUrl(QStringLiteral("qrc:/qt/qml/Kestrio/Window/") + file));
+        ASSERT_TRUE(component.isReady()) << component.errorString().toStdString();
         auto* const made = component.createWithInitialProperties(properties);
         ASSERT_NE(made, nullptr) << component.errorString().toStdString();
         if (auto* const whole = qobject_cast<QQuickWindow*>(made)) {

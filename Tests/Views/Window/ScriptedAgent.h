@@ -30,16 +30,21 @@ public:
         return note(length ? "pause for " + std::to_string(static_cast<int>(length->count())) : "pause");
     }
     Failure resume() override { return note("resume"); }
-    Failure openDashboard() override { return note("open the dashboard"); }
+    Failure openDashboard(std::optional<std::string> /*page*/) override { return note("open the dashboard"); }
+    Failure openSettings(std::optional<std::string> /*tab*/) override { return note("open the settings"); }
+    Failure quit() override { return note("quit"); }
     Subscription importFiles(std::vector<SessionFile> /*files*/, ImportReceiver /*receiver*/) override { return {}; }
     Subscription observeData(std::function<void()> /*receiver*/) override { return {}; }
     std::optional<std::vector<BrowserReading>> browsers() override { return std::vector<BrowserReading>(); }
+    std::optional<AgentCost> ownCost() override { return AgentCost(); }
     Subscription observe(std::function<void(const AgentStatus&)> receiver) override {
         return script_.changed.subscribe(std::move(receiver));
     }
     Subscription observeMonitor(std::function<void(const MonitorReading&)> receiver) override {
         return script_.readings.subscribe(std::move(receiver));
     }
+
+    OptimizerLink* optimizer() override { return nullptr; }
 
 private:
     Failure note(std::string what) {

@@ -12,7 +12,9 @@ namespace kestrio {
 
 struct WindowStage {
     explicit WindowStage(std::vector<ActivitySession> history = {}, RangeMode mode = RangeMode::day)
-        : sessions(std::move(history)), dashboard(storeParts(), calendar, mode, ReportStore::Follows::itsPerson) {
+        : sessions(std::move(history)),
+          dashboard(storeParts(), calendar, mode, ReportStore::Follows::itsPerson),
+          today(storeParts(), calendar, RangeMode::day, ReportStore::Follows::now) {
         const auto reload = [this] { dashboard.reload(); };
         tokens.push_back(classification.categorizer().observe(reload));
         tokens.push_back(classification.projectRules().observe(reload));
@@ -60,6 +62,7 @@ struct WindowStage {
                     }};
     std::vector<ActivitySession> sessions;
     ReportStore dashboard;
+    ReportStore today;
     WindowParts parts{.clock = time,
                       .queue = main,
                       .calendar = calendar,
@@ -67,6 +70,7 @@ struct WindowStage {
                       .classification = classification,
                       .agent = agent,
                       .dashboard = dashboard,
+                      .today = today,
                       .host = {.isBrowser = [](const std::string& id) { return id == "org.example.Browser"; }}};
     std::vector<Subscription> tokens;
 };
