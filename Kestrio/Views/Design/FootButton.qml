@@ -5,6 +5,7 @@ import QtQuick.Templates as T
 T.Button {
     id: button
 
+    Accessible.name: text
     activeFocusOnTab: true
     focusPolicy: Qt.TabFocus
     font: Theme.caption

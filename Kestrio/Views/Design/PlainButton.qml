@@ -15,6 +15,8 @@ T.Button {
     readonly property color ink: prominent ? Theme.accentText : quiet ? Theme.accent : Theme.text
 
     Accessible.description: help
+    Accessible.name: text
+    Accessible.role: Accessible.Button
     activeFocusOnTab: true
     focusPolicy: Qt.TabFocus
     font: Theme.bodyStrong

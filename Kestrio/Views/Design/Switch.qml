@@ -8,6 +8,10 @@ T.Switch {
     readonly property real trackWidth: Theme.scaled(34)
     readonly property real trackHeight: Theme.scaled(20)
 
+    Accessible.checkable: true
+    Accessible.checked: checked
+    Accessible.name: text
+    Accessible.role: Accessible.CheckBox
     activeFocusOnTab: true
     focusPolicy: Qt.TabFocus
     font: Theme.body
