@@ -6,6 +6,7 @@ T.Button {
     id: button
 
     Accessible.name: text
+    Accessible.onPressAction: button.clicked()
     activeFocusOnTab: true
     focusPolicy: Qt.TabFocus
     font: Theme.caption

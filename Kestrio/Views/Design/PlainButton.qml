@@ -17,6 +17,7 @@ T.Button {
     Accessible.description: help
     Accessible.name: text
     Accessible.role: Accessible.Button
+    Accessible.onPressAction: button.clicked()
     activeFocusOnTab: true
     focusPolicy: Qt.TabFocus
     font: Theme.bodyStrong
