@@ -288,7 +288,7 @@ private:
                     if (const auto failure = windows_->show(request, token))
                         logLine("Kestrio: " + *failure);
                 },
-            .quit = [this] { endBySignal(); },
+            .quit = [this] { end(); },
         });
         systemMonitor_->followIcon([this] { return hostTray_->isSystemIconShown(); });
         trayStates_ = systemMonitor_->monitor().observe([this](const auto& state) { hostTray_->showSystem(state); });

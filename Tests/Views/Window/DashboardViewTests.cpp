@@ -21,8 +21,8 @@ TEST(DashboardView, opensThePageThatWasOpenLastOrTheOneAskedFor) {
         const char* opened;
     };
     const Row rows[]{
-        {"timeline", std::nullopt, "timeline"}, {"timeline", "overview", "overview"},
-        {"gone", std::nullopt, "overview"},     {"timeline", "gone", "timeline"},
+        {"timeline", std::nullopt, "timeline"},    {"timeline", "overview", "overview"},
+        {"gone", std::nullopt, "overview"},        {"timeline", "gone", "timeline"},
         {"resourceLog", std::nullopt, "overview"}, // it has no page yet
     };
     for (const auto& row : rows) {
@@ -131,7 +131,8 @@ TEST(DashboardView, pausesByTheEntriesOfItsMenu) {
         screen.model.pause(entry);
     screen.settle();
     // Until tomorrow is half past six hours away.
-    EXPECT_EQ(screen.script.done, (std::vector<std::string>{"pause for 1800", "pause for 3600", "pause for 23400", "pause"}));
+    EXPECT_EQ(screen.script.done,
+              (std::vector<std::string>{"pause for 1800", "pause for 3600", "pause for 23400", "pause"}));
 }
 
 TEST(DashboardView, resumesWhileItIsPaused) {
@@ -167,14 +168,17 @@ TEST(DashboardView, withoutAnAgentItShowsWhatIsStoredAndOffersToStartOne) {
 }
 
 TEST(DashboardView, saysThatTitlesCannotBeReadEvenToWhoDismissedTheBandAboutBrowsers) {
-    DashboardScreen screen({.prepare = [](WindowStage& stage) {
-        stage.settings.set(settingKey::dismissedBrowserBanner, true);
-    }});
+    DashboardScreen screen(
+        {.prepare = [](WindowStage& stage) { stage.settings.set(settingKey::dismissedBrowserBanner, true); }});
     constexpr auto title = "Allow Accessibility access to see window titles";
     EXPECT_FALSE(screen.shows(title));
     screen.tell([](AgentStatus& status) { status.isAccessibilityGranted = false; });
     EXPECT_TRUE(screen.shows(title));
-    EXPECT_TRUE(screen.shows("Grant Access"));
+    screen.parts.host.privacyAdvice = [](std::string_view place) {
+        return std::optional("Do this about " + std::string(place) + ".");
+    };
+    screen.click("Grant Access");
+    EXPECT_TRUE(screen.shows("Do this about Privacy_Accessibility."));
 }
 
 TEST(DashboardView, aChangeOfStoredSessionsElsewhereLoadsAnew) {

@@ -23,12 +23,10 @@ MasterDetail {
             onSelected: category => view.page.setCategory(category ?? "")
         }
 
-        RowsCard {
+        TopCard {
             Layout.fillWidth: true
-            value: pane.detail.websites ?? ({})
-            visible: pane.detail.websites !== undefined
-
             delegate: UsageRow {}
+            value: pane.detail.websites
         }
 
         ItemsCard {

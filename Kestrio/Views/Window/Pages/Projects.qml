@@ -28,11 +28,10 @@ MasterDetail {
             page: view.page
         }
 
-        RowsCard {
+        TopCard {
             Layout.fillWidth: true
-            value: pane.detail.apps ?? ({})
-
             delegate: UsageRow {}
+            value: pane.detail.apps
         }
 
         ItemsCard {

@@ -31,13 +31,10 @@ MasterDetail {
             onTyped: filter => view.page.filter = filter
         }
 
-        RowsCard {
+        TopCard {
             Layout.fillWidth: true
-            initialCount: 25
-            value: pane.detail.alongside ?? ({})
-            visible: pane.detail.alongside !== undefined
-
             delegate: AlongsideRow {}
+            value: pane.detail.alongside
         }
 
         TrendCard {
