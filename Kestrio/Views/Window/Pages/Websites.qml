@@ -12,34 +12,6 @@ MasterDetail {
 
     hasListFilter: true
     listName: page.listName
-
-    pane: DetailPane {
-        id: pane
-
-        page: view.page
-
-        accessory: CategoryMenu {
-            value: pane.detail.categoryMenu ?? ({})
-
-            onSelected: category => view.page.setCategory(category ?? "")
-        }
-
-        ItemsCard {
-            Layout.fillWidth: true
-            value: pane.detail.pages ?? ({})
-
-            onTyped: filter => view.page.filter = filter
-        }
-
-        TopCard {
-            Layout.fillWidth: true
-            delegate: AlongsideRow {}
-            value: pane.detail.alongside
-        }
-
-        TrendCard {
-            Layout.fillWidth: true
-            page: view.page
-        }
-    }
+    model: page
+    pane: Qt.resolvedUrl("../WebsitePane.qml")
 }
