@@ -12,6 +12,7 @@ ListView {
     id: list
 
     required property TimelineModel page
+    property bool isAtTop: true
 
     activeFocusOnTab: true
     boundsBehavior: Flickable.StopAtBounds
@@ -61,10 +62,18 @@ ListView {
             }
         }
     }
+    onContentYChanged: isAtTop = atYBeginning
+
     footer: Item {
         height: Theme.xl
     }
     header: Item {
+        // What stands above the rows grows upwards; who has not scrolled sees it from its beginning.
+        onHeightChanged: {
+            if (list.isAtTop)
+                Qt.callLater(list.positionViewAtBeginning);
+        }
+
         height: (list.page.message === "" ? strips.height + 2 * Theme.l : message.implicitHeight + Theme.xl)
         width: list.width
 

@@ -74,14 +74,14 @@ TEST(DashboardView, theArrowsLeadThroughThePages) {
 
 TEST(DashboardView, theRangeMovesByItsControlsAndByKeys) {
     DashboardScreen screen;
-    EXPECT_TRUE(screen.shows("Friday 20 November 2026"));
+    EXPECT_TRUE(screen.shows("Friday, 20 November 2026"));
     screen.press(Qt::Key_BracketLeft, Qt::ControlModifier);
     EXPECT_TRUE(screen.shows("Yesterday"));
-    EXPECT_TRUE(screen.shows("Thursday 19 November 2026"));
+    EXPECT_TRUE(screen.shows("Thursday, 19 November 2026"));
     screen.press(Qt::Key_BracketRight, Qt::ControlModifier);
-    EXPECT_TRUE(screen.shows("Friday 20 November 2026"));
+    EXPECT_TRUE(screen.shows("Friday, 20 November 2026"));
     screen.press(Qt::Key_BracketRight, Qt::ControlModifier);
-    EXPECT_TRUE(screen.shows("Friday 20 November 2026")) << "nothing lies after the present";
+    EXPECT_TRUE(screen.shows("Friday, 20 November 2026")) << "nothing lies after the present";
     screen.click("Week");
     EXPECT_TRUE(screen.shows("This Week"));
     screen.click(screen.named("Previous", QAccessible::PushButton));
@@ -90,7 +90,7 @@ TEST(DashboardView, theRangeMovesByItsControlsAndByKeys) {
     EXPECT_TRUE(screen.shows("This Month"));
     screen.press(Qt::Key_T, Qt::ControlModifier);
     screen.click("Day");
-    EXPECT_TRUE(screen.shows("Friday 20 November 2026"));
+    EXPECT_TRUE(screen.shows("Friday, 20 November 2026"));
 }
 
 TEST(DashboardView, aRefreshLoadsAnew) {
