@@ -7,9 +7,9 @@ import Kestrio.Window
 ScrollPane {
     id: pane
 
-    required property MasterDetailModel page
+    required property MasterDetailModel model
     // Never undefined: for a moment the model has nothing while the pane is still there.
-    readonly property var detail: page.detail ?? ({})
+    readonly property var detail: model.detail ?? ({})
     default property alias cards: column.data
     property alias accessory: header.accessory
 

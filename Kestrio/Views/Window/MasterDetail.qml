@@ -5,12 +5,13 @@ import QtQuick.Layouts
 import Kestrio.Design
 import Kestrio.Window
 
-// A page with a list at its start and a pane about the selected row beside it. The pane is made anew for each selection.
+// A page with a list at its start and a pane about the selected row beside it.
 Item {
     id: view
 
-    required property MasterDetailModel page
-    required property Component pane
+    required property MasterDetailModel model
+    // The file of what tells of the selected row, made anew for each.
+    required property url pane
     property string listName: ""
     property bool hasListFilter: false
     property alias emptyAccessory: empty.accessory
@@ -24,8 +25,8 @@ Item {
         id: empty
 
         anchors.fill: parent
-        value: view.page.empty ?? ({})
-        visible: view.page.empty !== undefined
+        value: view.model.empty ?? ({})
+        visible: view.model.empty !== undefined
     }
 
     RowLayout {
@@ -48,10 +49,10 @@ Item {
 
                 FilterField {
                     Layout.fillWidth: true
-                    text: view.page.listFilter
+                    text: view.model.listFilter
                     visible: view.hasListFilter
 
-                    onTextChanged: view.page.listFilter = text
+                    onTextChanged: view.model.listFilter = text
                 }
 
                 RowLayout {
@@ -67,7 +68,7 @@ Item {
                 Layout.fillHeight: true
                 Layout.fillWidth: true
                 name: view.listName
-                page: view.page
+                page: view.model
             }
         }
 
@@ -80,17 +81,27 @@ Item {
             Layout.fillWidth: true
 
             Loader {
-                id: paneLoader
+                readonly property bool isWanted: view.model.detail !== undefined
 
-                active: view.page.detail !== undefined
+                function load() {
+                    if (isWanted)
+                        setSource(view.pane, {
+                            "page": view.model
+                        });
+                    else
+                        source = "";
+                }
+
                 anchors.fill: parent
-                sourceComponent: view.pane
+
+                Component.onCompleted: load()
+                onIsWantedChanged: load()
             }
 
             EmptyActivityView {
                 anchors.fill: parent
-                value: view.page.placeholder
-                visible: !paneLoader.active
+                value: view.model.placeholder
+                visible: view.model.detail === undefined
             }
         }
     }

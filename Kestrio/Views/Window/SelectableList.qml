@@ -68,7 +68,7 @@ ListView {
 
         Accessible.onPressAction: clicked()
         onClicked: {
-            list.page.select(row.key);
+            list.page.selection = row.key;
             list.forceActiveFocus(Qt.MouseFocusReason);
         }
 
@@ -79,8 +79,9 @@ ListView {
         }
 
         FocusRing {
-            anchors.margins: -2
-            shown: item.selected && list.activeFocus && list.focusReason !== Qt.MouseFocusReason
+            anchors.margins: 0
+            parent: item
+            shown: item.selected && list.activeFocus
         }
     }
 

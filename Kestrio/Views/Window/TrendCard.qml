@@ -13,20 +13,10 @@ Card {
     symbol: page.trendHead.symbol
     title: page.trendHead.title
 
-    UsageTrendPlot {
-        Accessible.name: card.page.trend?.words ?? ""
-        Accessible.role: Accessible.Chart
+    UsageTrendChart {
         Layout.fillWidth: true
-        Layout.preferredHeight: Theme.scaled(150)
-        font: Theme.caption
-        mirrored: LayoutMirroring.enabled
+        Layout.preferredHeight: implicitHeight
+        title: card.title
         trend: card.page.trend
-
-        palette: ChartPalette {
-            categories: ["development", "work", "learning", "communication", "entertainment", "social", "other"].map(name => Theme.category(name))
-            grid: Theme.separator
-            ink: Theme.text
-            label: Theme.textTertiary
-        }
     }
 }

@@ -43,13 +43,11 @@ MonitorReading reading() {
 /// A panel as its window shows it.
 template <class Model>
 struct PanelScreen : WindowStage, Screen {
-    explicit PanelScreen(const char* file, const AgentStatus& status = recording(), bool isAgentHere = true)
-        : WindowStage(exampleWorkday()) {
+    explicit PanelScreen(const char* file, const AgentStatus& status = recording(), Agent presence = Agent::there)
+        : WindowStage(exampleWorkday(), RangeMode::day, presence) {
         host();
-        script.status = status;
-        if (!isAgentHere)
-            isAgentThere = false;
-        time.advance(AgentLink::retryInterval);
+        script.tell(status);
+        WindowStage::settle();
         model = std::make_unique<Model>(panelParts);
         QObject::connect(model.get(), &PanelModel::closeRequested, [this] { ++closings; });
         model->setShown(true);
@@ -79,8 +77,8 @@ struct PanelScreen : WindowStage, Screen {
 };
 
 struct TodayScreen : PanelScreen<TodayPanelModel> {
-    explicit TodayScreen(const AgentStatus& status = recording(), bool isAgentHere = true)
-        : PanelScreen("TodayPanel", status, isAgentHere) {}
+    explicit TodayScreen(const AgentStatus& status = recording(), Agent presence = Agent::there)
+        : PanelScreen("TodayPanel", status, presence) {}
 };
 
 struct SystemScreen : PanelScreen<SystemPanelModel> {
@@ -183,9 +181,15 @@ TEST(TodayPanelView, saysWhatThisHostCanDoAboutTitles) {
 }
 
 TEST(TodayPanelView, withoutAnAgentSaysSo) {
-    TodayScreen screen(recording(), false);
-    // The link found one as the stage was made; now it is gone.
+    TodayScreen screen(recording(), WindowStage::Agent::away);
     EXPECT_TRUE(screen.model->isReady());
+    EXPECT_TRUE(screen.shows("Not running"));
+    EXPECT_TRUE(screen.shows("38m")) << "what was recorded before";
+    EXPECT_FALSE(screen.named("Quit", QAccessible::Button)->isEnabled());
+    screen.press(Qt::Key_Q, Qt::ControlModifier);
+    screen.click("Dashboard");
+    EXPECT_EQ(screen.opened, Done{"dashboard -"});
+    EXPECT_EQ(screen.script.done, Done{});
 }
 
 TEST(TodayPanelView, isReadByAssistiveTechnology) {
@@ -285,8 +289,7 @@ TEST(SystemPanelView, looksOnlyWhileItShows) {
 /// The panels as the process has them.
 struct PanelsScreen : WindowStage {
     PanelsScreen() : WindowStage(exampleWorkday()) {
-        script.status = recording();
-        engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
+        script.tell(recording());
         installDesign(engine, [](const auto&, int) { return std::nullopt; });
     }
     bool ask(PanelKind kind, std::optional<ScreenPoint> at = ScreenPoint{700, 5}) {

@@ -22,7 +22,6 @@ namespace kestrio {
 class Screen {
 public:
     explicit Screen(QSize size = {960, 700}) : size_(size) {
-        engine_.addImportPath(QStringLiteral("qrc:/qt/qml"));
         installDesign(engine_, [](const auto&, int) { return std::nullopt; });
     }
     ~Screen() { close(); }

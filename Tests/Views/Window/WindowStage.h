@@ -11,8 +11,11 @@
 namespace kestrio {
 
 struct WindowStage {
-    explicit WindowStage(std::vector<ActivitySession> history = {}, RangeMode mode = RangeMode::day)
-        : sessions(std::move(history)),
+    enum class Agent { there, away };
+    explicit WindowStage(std::vector<ActivitySession> history = {}, RangeMode mode = RangeMode::day,
+                         Agent presence = Agent::there)
+        : isAgentThere(presence == Agent::there),
+          sessions(std::move(history)),
           dashboard(storeParts(), calendar, mode, ReportStore::Follows::itsPerson),
           today(storeParts(), calendar, RangeMode::day, ReportStore::Follows::now) {
         const auto reload = [this] { dashboard.reload(); };
@@ -51,7 +54,7 @@ struct WindowStage {
     MemoryKeyValueStore settings;
     ClassificationSettings classification{settings};
     AgentScript script;
-    bool isAgentThere = true;
+    bool isAgentThere;
     AgentLink agent{main, agentQueue, [this](auto) -> std::optional<AgentConnection> {
                         if (!isAgentThere)
                             return std::nullopt;

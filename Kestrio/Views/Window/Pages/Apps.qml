@@ -11,43 +11,6 @@ MasterDetail {
     required property AppsModel page
 
     listName: page.listName
-
-    pane: DetailPane {
-        id: pane
-
-        page: view.page
-
-        accessory: CategoryMenu {
-            value: pane.detail.categoryMenu ?? ({})
-
-            onSelected: category => view.page.setCategory(category ?? "")
-        }
-
-        RowsCard {
-            Layout.fillWidth: true
-            value: pane.detail.websites ?? ({})
-            visible: pane.detail.websites !== undefined
-
-            delegate: UsageRow {}
-        }
-
-        ItemsCard {
-            Layout.fillWidth: true
-            value: pane.detail.windows ?? ({})
-
-            onTyped: filter => view.page.filter = filter
-        }
-
-        ItemsCard {
-            Layout.fillWidth: true
-            tint: Theme.purple
-            value: pane.detail.alongside ?? ({})
-            visible: pane.detail.alongside !== undefined
-        }
-
-        TrendCard {
-            Layout.fillWidth: true
-            page: view.page
-        }
-    }
+    model: page
+    pane: Qt.resolvedUrl("../AppPane.qml")
 }

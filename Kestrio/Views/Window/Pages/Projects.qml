@@ -11,6 +11,7 @@ MasterDetail {
     required property ProjectsModel page
 
     listName: page.listName
+    model: page
 
     emptyAccessory: PlainButton {
         prominent: true
@@ -18,30 +19,7 @@ MasterDetail {
 
         onClicked: view.page.showingRules = true
     }
-    pane: DetailPane {
-        id: pane
-
-        page: view.page
-
-        TrendCard {
-            Layout.fillWidth: true
-            page: view.page
-        }
-
-        RowsCard {
-            Layout.fillWidth: true
-            value: pane.detail.apps ?? ({})
-
-            delegate: UsageRow {}
-        }
-
-        ItemsCard {
-            Layout.fillWidth: true
-            value: pane.detail.items ?? ({})
-
-            onTyped: filter => view.page.filter = filter
-        }
-    }
+    pane: Qt.resolvedUrl("../ProjectPane.qml")
     toolbar: [
         Line {
             Layout.fillWidth: true

@@ -12,37 +12,6 @@ MasterDetail {
 
     hasListFilter: true
     listName: page.listName
-
-    pane: DetailPane {
-        id: pane
-
-        page: view.page
-
-        accessory: CategoryMenu {
-            value: pane.detail.categoryMenu ?? ({})
-
-            onSelected: category => view.page.setCategory(category ?? "")
-        }
-
-        ItemsCard {
-            Layout.fillWidth: true
-            value: pane.detail.pages ?? ({})
-
-            onTyped: filter => view.page.filter = filter
-        }
-
-        RowsCard {
-            Layout.fillWidth: true
-            initialCount: 25
-            value: pane.detail.alongside ?? ({})
-            visible: pane.detail.alongside !== undefined
-
-            delegate: AlongsideRow {}
-        }
-
-        TrendCard {
-            Layout.fillWidth: true
-            page: view.page
-        }
-    }
+    model: page
+    pane: Qt.resolvedUrl("../WebsitePane.qml")
 }

@@ -11,7 +11,7 @@ import Kestrio.Window
 Window {
     id: window
 
-    required property PanelModel model
+    required property PanelModel panelModel
     required property size room
     readonly property real cornerRadius: Theme.radius + 2
     readonly property real padding: Theme.l
@@ -84,7 +84,7 @@ Window {
                 Layout.rightMargin: window.padding
                 color: Theme.critical
                 font: Theme.small
-                text: window.model.failure
+                text: window.panelModel.failure
                 visible: text !== ""
             }
 

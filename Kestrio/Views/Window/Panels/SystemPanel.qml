@@ -13,52 +13,42 @@ PanelWindow {
     readonly property var panel: model.panel
     readonly property bool hasReading: panel.message === undefined
 
+    panelModel: model
     title: panel.header.title
 
-    foot: Repeater {
-        model: RowsModel {
-            rows: window.panel.buttons
-        }
-
-        Loader {
-            id: button
-
-            required property var row
-
-            Layout.alignment: Qt.AlignRight
-            Layout.fillWidth: row.title === ""
-            sourceComponent: row.title === "" ? symbolButton : wordButton
-
-            Component {
-                id: symbolButton
-
-                Item {
-                    implicitHeight: symbol.implicitHeight
-
-                    IconButton {
-                        id: symbol
-
-                        anchors.right: parent.right
-                        help: button.row.tip
-                        symbol: button.row.symbol
-
-                        onClicked: window.model.perform(button.row.action)
-                    }
-                }
+    foot: [
+        Repeater {
+            model: RowsModel {
+                rows: window.panel.buttons.filter(button => button.title !== "")
             }
 
-            Component {
-                id: wordButton
+            PlainButton {
+                required property var row
 
-                PlainButton {
-                    help: button.row.tip
-                    text: button.row.title
+                help: row.tip
+                text: row.title
 
-                    onClicked: window.model.perform(button.row.action)
-                }
+                onClicked: window.model.perform(row.action)
+            }
+        },
+        Item {
+            Layout.fillWidth: true
+        },
+        Repeater {
+            model: RowsModel {
+                rows: window.panel.buttons.filter(button => button.title === "")
+            }
+
+            IconButton {
+                required property var row
+
+                help: row.tip
+                symbol: row.symbol
+
+                onClicked: window.model.perform(row.action)
             }
         }
-    }
+    ]
     head: RowLayout {
         Layout.bottomMargin: Theme.m
         spacing: Theme.m

@@ -18,7 +18,7 @@ Rectangle {
     implicitHeight: column.implicitHeight + 2 * (Theme.s + 2)
     radius: Theme.radius
 
-    SparklinePlot {
+    Sparkline {
         anchors.bottom: parent.bottom
         anchors.bottomMargin: 1
         anchors.left: parent.left

@@ -12,6 +12,7 @@ PanelWindow {
     required property TodayPanelModel model
     readonly property var panel: model.panel
 
+    panelModel: model
     title: panel.title
 
     foot: [
@@ -40,6 +41,7 @@ PanelWindow {
             onClicked: window.model.openSettings()
         },
         IconButton {
+            Accessible.description: help
             Accessible.name: window.panel.quit.title
             enabled: window.panel.quit.isEnabled
             help: window.panel.quit.help
