@@ -9,7 +9,7 @@ MonthGrid monthGrid(Date shown, Date selected, Date now, const Calendar& calenda
     Date day = calendar.weekOfYear(month.start).start;
     for (std::size_t i = 0; i < MonthGrid::weeks * MonthGrid::daysInWeek; ++i) {
         if (i < MonthGrid::daysInWeek)
-            grid.weekdays.push_back(calendar.localized(day, "EEEEEE"));
+            grid.weekdays.push_back(calendar.formatted(day, "cccccc"));
         const auto whole = calendar.day(day);
         grid.days.push_back({.label = calendar.localized(day, "d"),
                              .fullName = calendar.localized(day, "EEEEdMMMMy"),

@@ -118,12 +118,12 @@ public:
                 .browsers = [this] { return browsers_->readings(); },
                 .observeMonitor = [this](auto receiver) { return systemMonitor_->observe(std::move(receiver)); },
                 .ownCost = [this] { return resources_->cost(); },
-                .quit = [this] { end(); },
+                .quit = [this] { quit(); },
                 .optimizer = optimizer_->link(),
             });
         if (!offerOnBus())
             return 0;
-        const auto signals = signals_.observe(main_, [this] { end(); });
+        const auto signals = signals_.observe(main_, [this] { endBySignal(); });
         if (options_.onChange)
             changes_ = background_->observe(options_.onChange);
         model_->start();
@@ -262,7 +262,7 @@ private:
             return true; // the lock in the data folder is guard enough
         sessionBus_->onDeath([this] {
             // The person's session is over, and this program with it.
-            end();
+            endBySignal();
         });
         service_ = BackgroundService::offer(
             sessionBus_->connection(), [this](const auto& work) { return sessionBus_->perform(work); }, *background_);
@@ -288,7 +288,7 @@ private:
                     if (const auto failure = windows_->show(request, token))
                         logLine("Kestrio: " + *failure);
                 },
-            .quit = [this] { endBySignal(); },
+            .quit = [this] { quit(); },
         });
         systemMonitor_->followIcon([this] { return hostTray_->isSystemIconShown(); });
         trayStates_ = systemMonitor_->monitor().observe([this](const auto& state) { hostTray_->showSystem(state); });
@@ -334,17 +334,35 @@ private:
         return import_->start(std::move(files), std::move(receiver));
     }
 
-    /// The end, by a signal or on the person's word. There may be no time left: nothing here waits for anybody.
-    void end() {
-        if (optimizer_)
-            optimizer_->finish(); // first of all: nothing stays frozen
+    /// The path without promise of time: what is open is saved first.
+    void endBySignal() {
+        stopRecording();
+        giveBackHeld();
+        stopLogging();
+        main_.stop();
+    }
+
+    /// On the person's word: whatever else happens, nothing stays frozen.
+    void quit() {
+        giveBackHeld();
+        stopLogging();
+        stopRecording();
+        main_.stop();
+    }
+
+    void stopRecording() {
         if (import_)
             import_->stop(); // the monitor's last rows would wait for it
-        if (resources_)
-            resources_->recorder().stop();
         if (monitor_)
             monitor_->stop();
-        main_.stop();
+    }
+    void giveBackHeld() {
+        if (optimizer_)
+            optimizer_->finish();
+    }
+    void stopLogging() {
+        if (resources_)
+            resources_->recorder().stop();
     }
 
     const Locations locations_;

@@ -74,7 +74,6 @@ public:
     Runtime(const Host& host, LoopQueue& queue, Ground& ground, Parts parts, std::function<void(Shown)> takeShown)
         : host_(host),
           queue_(queue),
-          ground_(ground),
           parts_(std::move(parts)),
           show_(std::move(takeShown)),
           connection_(queue, host.clock, processEnvironment("DISPLAY").value_or("")),
@@ -155,7 +154,6 @@ private:
 
     const Host& host_;
     LoopQueue& queue_;
-    Ground& ground_;
     const Parts parts_;
     const std::function<void(Shown)> show_;
     const Calendar calendar_ = Calendar::current();

@@ -112,6 +112,12 @@ std::string stateWords(const PlannedApp& app) {
     return app.isSlowed ? "slowed" : "running";
 }
 
+/// As long as the person has not used it.
+std::string idleWords(const PlannedApp& app) {
+    const bool isInFront = app.protection == Protection::frontmost;
+    return app.idle && !isInFront ? "idle " + Fmt::duration(*app.idle) : std::string();
+}
+
 std::string processCount(std::int64_t count) {
     return fmt::format("{} {}", count, count == 1 ? "process" : "processes");
 }
@@ -213,15 +219,16 @@ std::string optimizerPlanText(const OptimizerStatus& status, const std::vector<P
     const auto names = widest(plan, width / 4, [](const auto& app) { return app.name; });
     const auto tiers =
         widest(plan, width / 3, [&](const auto& app) { return tierWords(app.tier, app.source, calendar); });
+    const auto idles = widest(plan, width / 4, idleWords);
     constexpr std::size_t states = 7; // "running"
     std::string table;
     for (const auto& app : plan) {
         const auto state = stateWords(app);
         const auto cell = padded(state, states);
-        const auto room = width - std::min(width, names + states + tiers + 8);
-        table += fmt::format("  {}  {}  {}  {}\n", nameOf(app.name, names),
+        const auto room = width - std::min(width, names + states + tiers + idles + 10);
+        table += fmt::format("  {}  {}  {}  {}  {}\n", nameOf(app.name, names),
                              state == "running" ? paint.dim(cell) : paint.bold(cell),
-                             nameOf(tierWords(app.tier, app.source, calendar), tiers),
+                             nameOf(tierWords(app.tier, app.source, calendar), tiers), nameOf(idleWords(app), idles),
                              text::fittedToColumns(outlook(app, status.tuning, calendar), room));
     }
     if (plan.empty())

@@ -18,7 +18,8 @@ namespace kestrio {
 std::string optimizerStatusText(const OptimizerStatus& status, Date now, const Calendar& calendar,
                                 const TableStyle& style);
 
-/// A line for each application: how it stands, its tier, and what a pass would do with it or why not.
+/// A line for each application: how it stands, its tier, for how long nobody used it, and what a pass would do with it
+/// or why not.
 std::string optimizerPlanText(const OptimizerStatus& status, const std::vector<PlannedApp>& plan,
                               const Calendar& calendar, const TableStyle& style);
 

@@ -3,12 +3,14 @@
 after, with the priority that it had before."""
 
 import contextlib
+import importlib.util
 import os
 import pathlib
 import shutil
 import signal
 import subprocess
 import time
+import unittest.mock
 
 from held import family, is_as_before, is_slowed, is_stopped, priorities
 from kestrio_desktop import BIN, DEADLINE, DesktopTest, eventually, main
@@ -18,7 +20,7 @@ WITHIN = 2.0  # seconds, for all to be as before
 ID = Chromium.ID
 
 
-class Murder(DesktopTest):
+class MurderTest(DesktopTest):
     @classmethod
     def setUpClass(cls):
         cls.figures = []
@@ -113,8 +115,8 @@ class Murder(DesktopTest):
         eventually(lambda: not self.journals(), "no journal is left")
         self.assertTrue(is_as_before(self.before))
 
-    # The murders.
 
+class Murder(MurderTest):
     def test_at_each_step_of_slowing_and_freezing_and_of_giving_back(self):
         for step in ("slow 1", "slow 4", "stop 1", "stop 2", "stop 6", "resume 1", "resume 6", "restore 1", "restore 4"):
             with self.subTest(step):
@@ -162,20 +164,54 @@ class Murder(DesktopTest):
         self.assertEqual(agent.wait(timeout=DEADLINE), 0)
         self.assertEqual(self.journals(), [])
 
-    def test_the_end_of_the_session_bus_as_at_logout(self):
+    def start_bus(self):
         folder = self.home.path / "bus"
         folder.mkdir()
         address = f"unix:path={folder}/socket"
-        bus = subprocess.Popen(["dbus-daemon", "--session", "--nofork", "--nopidfile", f"--address={address}"])
+        bus = subprocess.Popen(
+            ["dbus-daemon", "--session", "--nofork", "--nopidfile", f"--address={address}"], stderr=subprocess.DEVNULL
+        )
         self.started.append(bus)
         eventually((folder / "socket").exists, "the bus")
-        self.home.environment["DBUS_SESSION_BUS_ADDRESS"] = address
+        return bus, address
+
+    def test_the_end_of_the_session_bus_as_at_logout(self):
+        bus, self.home.environment["DBUS_SESSION_BUS_ADDRESS"] = self.start_bus()
         agent = self.agent()
         self.hold()
         since = time.monotonic()
         bus.kill()
         self.becomes_as_before("the end of the session bus", since)
         self.assertEqual(agent.wait(timeout=DEADLINE), 0)
+
+    def test_a_machine_that_is_about_to_be_switched_off(self):
+        if importlib.util.find_spec("dbusmock") is None:
+            self.skipTest("no python3-dbusmock")
+        _, address = self.start_bus()
+        self.home.environment["DBUS_SYSTEM_BUS_ADDRESS"] = address
+        environment = os.environ | {"DBUS_SYSTEM_BUS_ADDRESS": address}
+        logind = subprocess.Popen(
+            ["/usr/bin/python3", "-m", "dbusmock", "--template", "logind"], env=environment, stdout=subprocess.DEVNULL
+        )
+        self.started.append(logind)
+
+        def announce(is_near):
+            command = [
+                "gdbus", "call", "--address", address, "-d", "org.freedesktop.login1", "-o", "/org/freedesktop/login1",
+                "-m", "org.freedesktop.DBus.Mock.EmitSignal", "org.freedesktop.login1.Manager", "PrepareForShutdown",
+                "b", f"[<{is_near}>]",
+            ]
+            return subprocess.run(command, capture_output=True).returncode == 0
+
+        eventually(lambda: announce("false"), "logind")
+        self.agent()
+        self.hold()
+        since = time.monotonic()
+        self.assertTrue(announce("true"))
+        self.becomes_as_before("the notice that the machine is switched off", since)
+        self.assertEqual(self.home.control("optimizer", "freeze", ID).returncode, 1, "nothing stands in the way")
+        self.assertTrue(announce("false"))
+        self.hold()
 
     def test_a_disk_that_is_full_lets_nothing_be_held_and_everything_go(self):
         data = self.home.database.parent
@@ -234,6 +270,42 @@ class Murder(DesktopTest):
         since = time.monotonic()
         self.xdotool("windowunmap", self.window_of("chromium"))
         self.becomes_as_before("the loss of its window", since)
+
+
+class EndOfTheScreen(MurderTest):
+    """On a screen of its own, which is taken away."""
+
+    def setUp(self):
+        reading, writing = os.pipe()
+        self.screen = subprocess.Popen(
+            ["Xvfb", "-displayfd", str(writing), "-screen", "0", "800x600x24", "-nolisten", "tcp"],
+            pass_fds=[writing], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+        )
+        self.addCleanup(self.screen.wait)
+        self.addCleanup(self.screen.kill)
+        os.close(writing)
+        with os.fdopen(reading) as report:
+            there = unittest.mock.patch.dict(os.environ, {"DISPLAY": ":" + report.readline().strip()})
+        there.start()
+        self.addCleanup(there.stop)
+        os.environ.pop("XAUTHORITY", None)  # comes back with the rest
+        manager = subprocess.Popen(["openbox"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        self.addCleanup(manager.wait)
+        self.addCleanup(manager.kill)
+        super().setUp()
+
+    def test_leaves_nothing_stopped(self):
+        agent = self.agent()
+        self.hold()
+        helpers = list(self.before)
+        since = time.monotonic()
+        self.screen.kill()
+        eventually(lambda: not any(map(is_stopped, helpers)), "nothing is stopped")
+        took = time.monotonic() - since
+        self.figures.append(("the end of the screen", took))
+        self.assertLess(took, WITHIN)
+        self.assertIsNone(agent.poll())
+        eventually(lambda: not self.journals(), "no journal is left")
 
 
 main()

@@ -131,21 +131,34 @@ class IconsInAPanel(DesktopTest):
         self.assertIn(self.click(PLACES[0]).split()[0], ("today", "system"))
         self.stop(agent)
 
-    def test_the_menu_opens_the_dashboard(self):
+    def choose(self, key):
+        """Opens the menu of the first icon and presses a key, then Return."""
+        self.xdotool("mousemove", str(PLACES[0][0]), str(PLACES[0][1]), "click", "3")
+        self.xdotool("sleep", "0.5", "key", key, "sleep", "0.1", "key", "Return")
+
+    def test_the_menu_opens_the_dashboard_and_ends_the_program(self):
         self.home.control("settings", "set", "showSystemMonitor", "false")
         self.start_panel()
         agent = self.start_agent()
         eventually(lambda: self.icons() == 1, "one icon")
         self.click(PLACES[0])  # it is drawn
 
-        def chosen():
-            self.xdotool("mousemove", str(PLACES[0][0]), str(PLACES[0][1]), "click", "3")
-            self.xdotool("sleep", "0.5", "key", "Down", "sleep", "0.1", "key", "Return")
+        def is_dashboard_chosen():
+            self.choose("Down")
             return "dashboard" in self.asked_for() or self.waited(len(self.asked_for()))
 
-        eventually(chosen, "the first entry is chosen")
+        eventually(is_dashboard_chosen, "the first entry is chosen")
         self.assertEqual(self.asked_for()[-1], "dashboard")
-        self.stop(agent)
+
+        def is_quit_chosen():
+            self.choose("Up")
+            try:
+                return agent.wait(timeout=2) is not None
+            except subprocess.TimeoutExpired:
+                return False
+
+        eventually(is_quit_chosen, "the last entry is chosen")
+        self.assertEqual(agent.returncode, 0)
 
 
 if __name__ == "__main__":

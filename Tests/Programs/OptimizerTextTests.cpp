@@ -109,10 +109,11 @@ TEST(OptimizerPlanText, hasALineForEachApplication) {
     frozen.name = "Chat";
     frozen.control = control::Frozen{coreNow, std::nullopt};
     frozen.source = source::Usual{};
-    PlannedApp front{.id = "e", .name = "Editor", .protection = Protection::frontmost};
+    frozen.idle = Seconds(720);
+    PlannedApp front{.id = "e", .name = "Editor", .protection = Protection::frontmost, .idle = Seconds(0)};
     EXPECT_EQ(optimizerPlanText({.isEnabled = true}, {frozen, front}, calendar(), {.width = 100}),
-              "  Chat    frozen   can wait               frozen until you open it\n"
-              "  Editor  running  always on, not chosen  in front\n");
+              "  Chat    frozen   can wait               idle 12m  frozen until you open it\n"
+              "  Editor  running  always on, not chosen            in front\n");
     EXPECT_EQ(optimizerPlanText({}, {}, calendar(), {.width = 100}),
               "  No application has a window.\n\n  The optimizer is off; switched on, it would do this.\n");
 }

@@ -156,7 +156,7 @@ TEST_F(SystemHours, changeNothingAboutAnyChart) {
         auto store = open();
         const auto stretches = *rc::gen::inRange(1, 6);
         for (int i = 0; i < stretches; ++i) {
-            record(*store, *rc::gen::inRange(0, minutesOfTheLog), *rc::gen::inRange(1, 700),
+            record(*store, *rc::gen::inRange(0, minutesOfTheLog), *rc::gen::inRange(1, 300),
                    *rc::gen::inRange(0, 100'000));
             if (*rc::gen::inRange(0, 4) == 0) {
                 store->prune(minuteAfter(*rc::gen::inRange(0, minutesOfTheLog / 2)), std::nullopt);

@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Layouts
 import Kestrio.Design
 
 // What can be pressed, chosen and typed into.

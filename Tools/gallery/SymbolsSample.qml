@@ -6,7 +6,7 @@ Grid {
     columns: Math.floor(width / 44)
 
     Repeater {
-        model: Symbols.names().sort()
+        model: Symbols.names()
 
         Item {
             id: cell

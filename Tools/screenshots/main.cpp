@@ -1,10 +1,14 @@
-// Pictures of every view over an example history, in light and dark and at two sizes: kestrio-screenshots [FOLDER
-// [NAME]] writes them into the folder, Docs/images unless said otherwise; with a name only the view of that name.
-#include "Kestrio/Views/Design/Design.h"
+// Pictures of every view over an example history, in light and dark and at two sizes: kestrio-screenshots [FOLDER [NAME]]
+// writes them into the folder, Docs/images unless said otherwise; with a name only the view of that name.
+#include "Kestrio/Shell/Settings.h"
 #include "Kestrio/Views/Window/WindowApplication.h"
-#include "Tests/Views/Window/ExampleWindows.h"
+#include "Kestrio/Views/Window/Windows.h"
+#include "Tests/Examples/ExampleHistory.h"
+#include "Tests/Views/Window/WindowStage.h"
 
+#include <QCoreApplication>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QImage>
 #include <QQuickWindow>
 #include <cstdio>
@@ -12,76 +16,100 @@
 namespace kestrio {
 namespace {
 
+using Prepare = void (*)(WindowStage& stage);
+
+void asItIs(WindowStage& /*stage*/) {}
+
+void withoutAgent(WindowStage& stage) {
+    stage.isAgentThere = false;
+}
+
+void pausedUntilSix(WindowStage& stage) {
+    stage.script.status.state = TrackingState::paused;
+    stage.script.status.pausedUntil = stage.calendar.date(2026, 11, 20, 18);
+}
+
+void withoutHistory(WindowStage& stage) {
+    stage.sessions.clear();
+}
+
 struct View {
     const char* name;
     WindowRequest request;
     RangeMode mode = RangeMode::day;
-    /// What else leads to the view.
-    std::function<void(ExampleWindows&)> prepare = [](auto&) {};
+    Prepare prepare = asItIs;
 };
 
-void pauseUntilTomorrow(ExampleWindows& example) {
-    auto status = example.script.status;
-    status.state = TrackingState::paused;
-    status.pausedUntil = example.calendar().date(2026, 11, 20, 18);
-    example.script.status = status;
-}
-
 /// Every view; a new one is one line.
-std::vector<View> views() {
-    return {
+const std::vector<View>& views() {
+    static const std::vector<View> all{
         {"overview", DashboardRequest{"overview"}},
         {"overview-month", DashboardRequest{"overview"}, RangeMode::month},
         {"timeline", DashboardRequest{"timeline"}},
         {"timeline-week", DashboardRequest{"timeline"}, RangeMode::week},
-        {"not-running", DashboardRequest{"overview"}, RangeMode::day,
-         [](ExampleWindows& example) { example.script.isRunning = false; }},
-        {"paused", DashboardRequest{"overview"}, RangeMode::week, pauseUntilTomorrow},
+        {"apps", DashboardRequest{"apps"}, RangeMode::week},
+        {"websites", DashboardRequest{"websites"}, RangeMode::week},
+        {"youtube", DashboardRequest{"youtube"}, RangeMode::month},
+        {"projects", DashboardRequest{"projects"}, RangeMode::week},
+        {"empty", DashboardRequest{"overview"}, RangeMode::day, withoutHistory},
+        {"not-running", DashboardRequest{"overview"}, RangeMode::day, withoutAgent},
+        {"paused", DashboardRequest{"timeline"}, RangeMode::week, pausedUntilSix},
     };
+    return all;
 }
 
 struct Size {
-    const char* name;
+    const char* suffix;
     QSize size;
 };
-constexpr Size sizes[]{{"", {1240, 820}}, {"-small", {820, 620}}};
+const Size sizes[]{{"", {1240, 820}}, {"-small", {820, 620}}};
 
-/// Until nothing moves any more.
-void settle() {
-    ExampleWindows::waitFor([] { return false; }, 400);
+std::vector<ActivitySession> history() {
+    const Calendar calendar("en_GB", "Europe/Berlin");
+    const auto now = calendar.date(2026, 11, 20, 17, 30);
+    auto sessions = exampleHistory(now, calendar, {.days = 30});
+    std::erase_if(sessions, [&](const ActivitySession& session) { return session.end > now; });
+    return sessions;
 }
 
-bool save(const QImage& picture, const QString& file) {
-    if (picture.save(file))
-        return true;
-    std::fprintf(stderr, "kestrio-screenshots: cannot write %s\n", qUtf8Printable(file));
-    return false;
-}
-
-bool take(Queue& main, const View& view, AppearanceMode appearance, const QDir& folder) {
-    ExampleWindows example(main, {.settings = {{settingKey::appearanceMode, std::string(rawText(appearance))}}});
-    view.prepare(example);
-    example.dashboard().setMode(view.mode);
-    example.agent().start();
-    example.windows().show(view.request);
-    auto* const window = example.windows().dashboard();
-    bool isSaved = window != nullptr;
-    for (const auto& size : sizes) {
-        if (!isSaved)
-            break;
-        window->resize(size.size);
-        ExampleWindows::waitFor([&] { return !example.dashboard().isLoading().value(); });
-        settle();
-        const auto name = QStringLiteral("%1-%2%3.png").arg(view.name, rawText(appearance), size.name);
-        isSaved = save(window->grabWindow(), folder.filePath(name));
+/// Until the icons are there and nothing moves any more.
+void settle(WindowStage& stage) {
+    constexpr int patience = 500; // milliseconds
+    QElapsedTimer timer;
+    timer.start();
+    while (timer.elapsed() < patience) {
+        stage.settle();
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
     }
-    return isSaved;
+}
+
+bool take(const View& view, AppearanceMode appearance, const QDir& folder) {
+    WindowStage stage(history(), view.mode);
+    stage.settings.set(settingKey::appearanceMode, std::string(rawText(appearance)));
+    stage.script.status.isAccessibilityGranted = true;
+    view.prepare(stage);
+    stage.agent.start(); // once more, to see it as it is now
+    Windows windows(stage.parts);
+    windows.show(view.request);
+    auto* const window = windows.dashboard();
+    if (!window)
+        return false;
+    for (const auto& size : sizes) {
+        window->resize(size.size);
+        settle(stage);
+        const auto file = folder.filePath(QStringLiteral("%1-%2%3.png").arg(view.name, rawText(appearance), size.suffix));
+        if (!window->grabWindow().save(file)) {
+            std::fprintf(stderr, "kestrio-screenshots: cannot write %s\n", qUtf8Printable(file));
+            return false;
+        }
+    }
+    return true;
 }
 
 int run(int count, char** words) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    WindowApplication application(count, words);
+    const WindowApplication application(count, words);
     const QDir folder(count > 1 ? words[1] : "Docs/images");
     if (!folder.mkpath(".")) {
         std::fprintf(stderr, "kestrio-screenshots: cannot make %s\n", qUtf8Printable(folder.path()));
@@ -91,7 +119,7 @@ int run(int count, char** words) {
         if (count > 2 && std::string_view(words[2]) != view.name)
             continue;
         for (const auto appearance : {AppearanceMode::light, AppearanceMode::dark})
-            if (!take(application.queue(), view, appearance, folder))
+            if (!take(view, appearance, folder))
                 return 1;
     }
     return 0;

@@ -27,8 +27,8 @@ public:
     /// The theme's name may be empty or that of one that is not installed.
     IconTheme(std::vector<std::filesystem::path> folders, std::string name);
 
-    /// The icon that is drawn best at so many pixels: the size itself, else the nearest. A name that is a path stands for
-    /// its file. Absent when there is none.
+    /// The icon that is drawn best at so many pixels: the size itself, else the nearest. A name that is a path stands
+    /// for its file. Absent when there is none.
     std::optional<std::filesystem::path> find(std::string_view name, int pixels);
 
 private:

@@ -1,5 +1,5 @@
-// What the desktop asks of how programs look, from the settings of its portal: light or dark, contrast, motion, the size
-// of text. Read once, and again at each notice that one of them changed; a portal that starts later is found.
+// What the desktop asks of how programs look, from the settings of its portal: light or dark, contrast, motion, the
+// size of text. Read once, and again at each notice that one of them changed; a portal that starts later is found.
 //
 // Belongs to the queue of its bus, on which the receiver is called. Never waits for the portal.
 #pragma once

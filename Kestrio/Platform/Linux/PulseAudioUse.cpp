@@ -2,7 +2,6 @@
 
 #include "Kestrio/Base/Clock.h"
 #include "Kestrio/Platform/Linux/Locations.h"
-#include "Kestrio/Platform/Linux/ProcessIdentity.h"
 #include "Kestrio/Platform/Linux/PulseTraces.h"
 #include "Kestrio/Platform/Linux/ResponsibleProcess.h"
 

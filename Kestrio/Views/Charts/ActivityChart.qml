@@ -1,4 +1,5 @@
 import QtQuick
+import Kestrio.Charts
 import Kestrio.Design
 
 // A report's hours or days as stacked columns, with a tooltip for the one under the pointer or chosen with the arrows.

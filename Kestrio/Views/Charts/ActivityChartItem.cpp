@@ -112,7 +112,7 @@ void ActivityChartItem::mark(std::optional<DateInterval> interval) {
         return;
     marked_ = interval;
     tooltip_ = tooltip;
-    update();
+    drawWhole();
     Q_EMIT markedChanged();
 }
 

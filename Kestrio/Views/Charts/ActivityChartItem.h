@@ -6,7 +6,7 @@
 
 namespace kestrio {
 
-class ActivityChartItem : public ColumnPlotItem {
+class ActivityChartItem : public kestrio::ColumnPlotItem {
     Q_OBJECT
     QML_NAMED_ELEMENT(ActivityChartPlot)
     Q_PROPERTY(kestrio::ActivityChartValue chart READ chart WRITE setChart NOTIFY chartChanged)

@@ -2,6 +2,7 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 import QtQuick.Layouts
+import Kestrio.Charts
 import Kestrio.Design
 
 // The bar of all categories, and below it a row for each: how much of the time, and how long.

@@ -1,8 +1,10 @@
 import QtQuick
+import QtQuick.Layouts
+import Kestrio.Charts
 import Kestrio.Design
 
 // A category's dot and name, as legends and readouts have it.
-Row {
+RowLayout {
     id: key
 
     required property var value // {label, color}
@@ -12,17 +14,16 @@ Row {
     spacing: Theme.xs + 2
 
     Rectangle {
-        anchors.verticalCenter: parent.verticalCenter
         color: Theme.named(key.value?.color ?? "gray")
-        height: Theme.scaled(8)
+        implicitHeight: Theme.scaled(8)
+        implicitWidth: implicitHeight
         radius: height / 2
-        width: height
     }
 
     Line {
         id: label
 
-        anchors.verticalCenter: parent.verticalCenter
+        Layout.fillWidth: true
         color: Theme.textSecondary
         font: Theme.caption
         text: key.value?.label ?? ""

@@ -1,6 +1,7 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
+import Kestrio.Charts
 import Kestrio.Design
 
 // What the colours mean, in columns at least so wide.
@@ -8,7 +9,7 @@ Grid {
     id: legend
 
     property var categories: []
-    property real leastWidth: Theme.scaled(112)
+    property real leastWidth: Theme.scaled(100)
     readonly property real cellWidth: width / columns
 
     columns: Math.max(1, Math.floor(width / leastWidth))

@@ -1,4 +1,5 @@
 import QtQuick
+import Kestrio.Charts
 import Kestrio.Design
 
 // How the time divides among categories, in one bar; `bar` is a categoryStackBarValue.

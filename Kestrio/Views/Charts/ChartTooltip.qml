@@ -2,6 +2,7 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 import QtQuick.Layouts
+import Kestrio.Charts
 import Kestrio.Design
 
 // What is told of an hour or day of a chart: its head, its categories, longest first, and their sum.

@@ -19,6 +19,15 @@ QPainterPath columnShape(const QRectF& column, qreal mostRadius) {
     return path;
 }
 
+/// The piece of a column's shape that lies in the area.
+void paintCap(QPainter& painter, const QPainterPath& shape, const QRectF& area, const QColor& color) {
+    QPainterPath slice;
+    slice.addRect(area);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.fillPath(shape.intersected(slice), color);
+    painter.setRenderHint(QPainter::Antialiasing, false);
+}
+
 void drawLabel(QPainter& painter, const PlotLabel& label) {
     // A little wider than the text, which must not be broken for a fraction of a point.
     painter.drawText(label.area.adjusted(-2, 0, 2, 0), Qt::AlignCenter | Qt::TextDontClip, label.text);
@@ -26,28 +35,11 @@ void drawLabel(QPainter& painter, const PlotLabel& label) {
 
 } // namespace
 
-ColumnPlotItem::ColumnPlotItem(QQuickItem* parent) : QQuickPaintedItem(parent) {
-    setAntialiasing(true);
-    setSmooth(false); // drawn pixel for pixel, also where the size is no whole number of them
-}
-
-void ColumnPlotItem::setPalette(ChartPalette* palette) {
-    if (palette_ == palette)
-        return;
-    if (palette_)
-        palette_->disconnect(this);
-    palette_ = palette;
-    if (palette_)
-        connect(palette_, &ChartPalette::changed, this, [this] { update(); });
-    update();
-    Q_EMIT paletteChanged();
-}
-
 void ColumnPlotItem::setFont(const QFont& font) {
     if (font_ == font)
         return;
     font_ = font;
-    update();
+    drawWhole();
     Q_EMIT fontChanged();
 }
 
@@ -55,13 +47,13 @@ void ColumnPlotItem::setMirrored(bool mirrored) {
     if (mirrored_ == mirrored)
         return;
     mirrored_ = mirrored;
-    update();
+    drawWhole();
     Q_EMIT mirroredChanged();
 }
 
 void ColumnPlotItem::setPlot(ColumnPlot plot) {
     plot_ = std::move(plot);
-    update();
+    drawWhole();
 }
 
 ColumnPlotGeometry ColumnPlotItem::geometry() const {
@@ -70,9 +62,10 @@ ColumnPlotGeometry ColumnPlotItem::geometry() const {
 }
 
 void ColumnPlotItem::paint(QPainter* painter) {
-    if (!palette_)
+    if (!palette())
         return;
     const auto geometry = this->geometry();
+    painter->setRenderHint(QPainter::Antialiasing, false); // straight edges lie on pixels
     paintGrid(*painter, geometry);
     paintLabels(*painter, geometry);
     paintRule(*painter, geometry);
@@ -85,12 +78,12 @@ void ColumnPlotItem::paintGrid(QPainter& painter, const ColumnPlotGeometry& geom
     const auto& area = geometry.area();
     for (const auto& mark : plot_.valueMarks)
         painter.fillRect(QRectF(area.left(), pixels.snapped(geometry.y(mark.value)), area.width(), pixels.hairline()),
-                         palette_->grid());
+                         palette()->grid());
 }
 
 void ColumnPlotItem::paintLabels(QPainter& painter, const ColumnPlotGeometry& geometry) const {
     painter.setFont(font_);
-    painter.setPen(palette_->label());
+    painter.setPen(palette()->label());
     drawLabel(painter, geometry.unitLabel());
     for (const auto& label : geometry.valueLabels())
         drawLabel(painter, label);
@@ -108,7 +101,7 @@ void ColumnPlotItem::paintRule(QPainter& painter, const ColumnPlotGeometry& geom
     const auto width = pixels.wholeWidth(1);
     constexpr qreal opacity = 0.35;
     painter.fillRect(QRectF(pixels.snapped(middle - width / 2), area.top(), width, area.height()),
-                     palette_->ink(opacity));
+                     palette()->ink(opacity));
 }
 
 void ColumnPlotItem::paintColumn(QPainter& painter, const ColumnPlotGeometry& geometry,
@@ -117,21 +110,19 @@ void ColumnPlotItem::paintColumn(QPainter& painter, const ColumnPlotGeometry& ge
     const bool isFaded = interval && interval->start != column.interval.start;
     const auto whole = geometry.column(column.interval, column.height());
     const auto shape = columnShape(whole, plot_.cornerRadius);
-    const auto roundedTo = whole.top() + plot_.cornerRadius;
+    const auto roundedTo = PixelGrid(painter).snapped(whole.top() + plot_.cornerRadius);
+    const QRectF cap(whole.topLeft(), QPointF(whole.right(), roundedTo));
     painter.setPen(Qt::NoPen);
     painter.setOpacity(isFaded ? ActivityChart::fadedOpacity : 1);
     double base = 0;
     for (const auto& part : column.parts) {
         const auto area = geometry.part(column.interval, base, base + part.value).intersected(whole);
         base += part.value;
-        const auto color = palette_->color(part.color);
-        if (area.top() >= roundedTo)
-            painter.fillRect(area, color);
-        else {
-            QPainterPath slice;
-            slice.addRect(area);
-            painter.fillPath(shape.intersected(slice), color);
-        }
+        const auto color = palette()->color(part.color);
+        if (area.bottom() > roundedTo)
+            painter.fillRect(QRectF(QPointF(area.left(), std::max(area.top(), roundedTo)), area.bottomRight()), color);
+        if (area.top() < roundedTo)
+            paintCap(painter, shape, area.intersected(cap), color);
     }
     painter.setOpacity(1);
 }

@@ -2,29 +2,24 @@
 // scene graph's queue while the main one waits.
 #pragma once
 
-#include "Kestrio/Views/Charts/ChartPalette.h"
+#include "Kestrio/Views/Charts/ChartItem.h"
 #include "Kestrio/Views/Charts/ColumnPlot.h"
 
 #include <QFont>
-#include <QPointer>
-#include <QQuickPaintedItem>
 
 namespace kestrio {
 
-class ColumnPlotItem : public QQuickPaintedItem {
+class ColumnPlotItem : public kestrio::ChartItem {
     Q_OBJECT
     QML_ANONYMOUS
-    Q_PROPERTY(kestrio::ChartPalette* palette READ palette WRITE setPalette NOTIFY paletteChanged)
     /// Of the texts along the axes.
     Q_PROPERTY(QFont font READ font WRITE setFont NOTIFY fontChanged)
     /// Whether writing runs from right to left: the numbers then stand at the left.
     Q_PROPERTY(bool mirrored READ mirrored WRITE setMirrored NOTIFY mirroredChanged)
 
 public:
-    explicit ColumnPlotItem(QQuickItem* parent = nullptr);
+    using ChartItem::ChartItem;
 
-    ChartPalette* palette() const { return palette_; }
-    void setPalette(ChartPalette* palette);
     QFont font() const { return font_; }
     void setFont(const QFont& font);
     bool mirrored() const { return mirrored_; }
@@ -36,7 +31,6 @@ public:
     ColumnPlotGeometry geometry() const;
 
 Q_SIGNALS:
-    void paletteChanged();
     void fontChanged();
     void mirroredChanged();
 
@@ -54,7 +48,6 @@ private:
     void paintColumn(QPainter& painter, const ColumnPlotGeometry& geometry, const ColumnPlot::Column& column) const;
 
     ColumnPlot plot_;
-    QPointer<ChartPalette> palette_;
     QFont font_;
     bool mirrored_ = false;
 };

@@ -1,4 +1,5 @@
 import QtQuick
+import Kestrio.Charts
 import Kestrio.Design
 
 // One day: its name, its strip, and below it the line of what played alongside.
@@ -10,8 +11,6 @@ Item {
     required property real labelWidth
     readonly property var strips: pointer.strips
     readonly property var label: strips.dayLabel(day)
-
-    implicitHeight: Math.max(column.implicitHeight, names.implicitHeight)
 
     Item {
         id: names
@@ -52,29 +51,27 @@ Item {
         }
     }
 
-    Column {
-        id: column
+    StripCanvas {
+        id: strip
 
         anchors.left: names.right
         anchors.right: parent.right
-        spacing: row.strips.isDense ? 1 : 2
+        day: row.day
+        height: row.strips.stripHeight
+        palette: ChartTheme
+        pointer: row.pointer
+    }
 
-        StripCanvas {
-            day: row.day
-            height: row.strips.stripHeight
-            palette: ChartTheme
-            pointer: row.pointer
-            width: parent.width
-        }
-
-        StripCanvas {
-            day: row.day
-            height: row.strips.mediaHeight
-            isAlongside: true
-            palette: ChartTheme
-            pointer: row.pointer
-            visible: row.strips.showsAlongside
-            width: parent.width
-        }
+    StripCanvas {
+        anchors.left: strip.left
+        anchors.right: parent.right
+        anchors.top: strip.bottom
+        anchors.topMargin: 2
+        day: row.day
+        height: row.strips.mediaHeight
+        isAlongside: true
+        palette: ChartTheme
+        pointer: row.pointer
+        visible: row.strips.showsAlongside
     }
 }

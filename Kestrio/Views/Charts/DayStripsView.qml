@@ -1,110 +1,133 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
+import Kestrio.Charts
 import Kestrio.Design
 
 // When somebody was active: a strip per day through the hours, and above them what was done at the moment pointed at.
-// A report without sessions shows nothing.
-Column {
+// A report without sessions shows nothing. Its parts are anchored, not laid out: the height of the explanation then
+// follows the width at once.
+Item {
     id: view
 
     required property var value // a dayStripsValue
-    readonly property real labelWidth: Theme.scaled(pointer.strips.isDense ? 60 : 128)
+    readonly property real labelWidth: Theme.scaled(moment.strips.isDense ? 60 : 128)
 
-    spacing: Theme.m
-    visible: pointer.strips.dayCount > 0
+    implicitHeight: legend.y + legend.implicitHeight
+    visible: moment.strips.dayCount > 0
 
     StripPointer {
-        id: pointer
+        id: moment
 
         strips: view.value
     }
 
-    Column {
-        spacing: Theme.xs
-        width: parent.width
+    Line {
+        id: heading
 
-        Line {
-            Accessible.role: Accessible.Heading
-            font: Theme.headline
-            text: pointer.strips.heading
-            width: parent.width
-        }
+        Accessible.role: Accessible.Heading
+        anchors.left: parent.left
+        anchors.right: parent.right
+        font: Theme.headline
+        text: moment.strips.heading
+    }
 
-        Paragraph {
-            font: Theme.small
-            text: pointer.strips.explanation
-            width: parent.width
-        }
+    Paragraph {
+        id: explanation
+
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.top: heading.bottom
+        anchors.topMargin: Theme.xs
+        font: Theme.small
+        text: moment.strips.explanation
     }
 
     StripReadout {
-        pointer: pointer
-        width: parent.width
+        id: readout
+
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.top: explanation.bottom
+        anchors.topMargin: Theme.m
+        pointer: moment
     }
 
-    Column {
+    HourAxis {
+        id: hours
+
+        anchors.left: parent.left
+        anchors.leftMargin: view.labelWidth
+        anchors.right: parent.right
+        anchors.top: readout.bottom
+        anchors.topMargin: Theme.m
+        marks: moment.strips.hourAxis
+    }
+
+    Item {
         id: rows
 
-        Accessible.description: pointer.words
+        readonly property real spacing: moment.strips.isDense ? Theme.xs : Theme.m
+        readonly property real rowHeight: moment.strips.stripHeight + (moment.strips.showsAlongside ? moment.strips.mediaHeight + 2 : 0)
+
+        Accessible.description: moment.words
         Accessible.focusable: true
-        Accessible.name: pointer.strips.heading
+        Accessible.name: moment.strips.heading
         Accessible.role: Accessible.Chart
         activeFocusOnTab: true
-        spacing: pointer.strips.isDense ? 4 : Theme.m
-        width: parent.width
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.top: hours.bottom
+        anchors.topMargin: Theme.xs
+        height: moment.strips.dayCount * (rowHeight + spacing)
 
         Keys.onPressed: event => {
-            event.accepted = pointer.press(event.key);
+            event.accepted = moment.press(event.key);
         }
         onActiveFocusChanged: {
             if (!activeFocus)
-                pointer.clear();
+                moment.clear();
         }
 
-        Item {
-            height: hours.implicitHeight
-            width: parent.width
-
-            HourAxis {
-                id: hours
-
-                anchors.left: parent.left
-                anchors.leftMargin: view.labelWidth
-                anchors.right: parent.right
-                height: implicitHeight
-                marks: pointer.strips.hourAxis
-            }
+        FocusRing {
+            shown: rows.activeFocus
         }
 
         Repeater {
-            model: pointer.strips.dayCount
+            model: moment.strips.dayCount
 
             DayStripRow {
                 required property int index
 
                 day: index
+                height: rows.rowHeight
                 labelWidth: view.labelWidth
-                pointer: pointer
+                pointer: moment
                 width: rows.width
+                y: index * (rows.rowHeight + rows.spacing)
             }
         }
     }
 
-    Column {
-        spacing: Theme.xs + 2
-        width: parent.width
+    Line {
+        id: legendTitle
 
-        Line {
-            color: Theme.textTertiary
-            font: Theme.caption
-            text: pointer.strips.legendTitle
-        }
+        anchors.left: parent.left
+        anchors.top: rows.bottom
+        anchors.topMargin: Theme.s
+        color: Theme.textTertiary
+        font: Theme.caption
+        text: moment.strips.legendTitle
+    }
 
-        CategoryLegend {
-            categories: pointer.strips.legend
-            leastWidth: Theme.scaled(pointer.strips.leastLegendWidth)
-            width: parent.width
-        }
+    CategoryLegend {
+        id: legend
+
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.top: legendTitle.bottom
+        anchors.topMargin: Theme.xs + 2
+        categories: moment.strips.legend
+        leastWidth: Theme.scaled(moment.strips.leastLegendWidth)
     }
 }

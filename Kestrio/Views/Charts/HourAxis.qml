@@ -1,6 +1,7 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
+import Kestrio.Charts
 import Kestrio.Design
 
 // The hours above the strips, from left to right in every language; where they have no room, every second, third, ...

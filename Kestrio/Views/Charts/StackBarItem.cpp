@@ -5,48 +5,31 @@
 
 namespace kestrio {
 
-StackBarItem::StackBarItem(QQuickItem* parent) : QQuickPaintedItem(parent) {
-    setAntialiasing(true);
-    setSmooth(false); // drawn pixel for pixel, also where the size is no whole number of them
-}
-
 void StackBarItem::setBar(const CategoryStackBarValue& bar) {
     if (bar_ == bar)
         return;
     bar_ = bar;
-    update();
+    drawWhole();
     Q_EMIT barChanged();
-}
-
-void StackBarItem::setPalette(ChartPalette* palette) {
-    if (palette_ == palette)
-        return;
-    if (palette_)
-        palette_->disconnect(this);
-    palette_ = palette;
-    if (palette_)
-        connect(palette_, &ChartPalette::changed, this, [this] { update(); });
-    update();
-    Q_EMIT paletteChanged();
 }
 
 void StackBarItem::setMirrored(bool mirrored) {
     if (mirrored_ == mirrored)
         return;
     mirrored_ = mirrored;
-    update();
+    drawWhole();
     Q_EMIT mirroredChanged();
 }
 
 void StackBarItem::paint(QPainter* painter) {
-    if (!palette_)
+    if (!palette())
         return;
     const auto radius = std::min(height() / 2, 4.0);
     QPainterPath shape;
     shape.addRoundedRect(QRectF({}, size()), radius, radius);
     const auto* bar = bar_.data();
     if (!bar || bar->parts.empty()) {
-        painter->fillPath(shape, palette_->ink(CategoryStackBar::emptyTrackOpacity));
+        painter->fillPath(shape, palette()->ink(CategoryStackBar::emptyTrackOpacity));
         return;
     }
     const PixelGrid pixels(*painter);
@@ -64,7 +47,7 @@ void StackBarItem::paint(QPainter* painter) {
         const QRectF part(from, 0, to - from, height());
         QPainterPath slice;
         slice.addRect(part);
-        painter->fillPath(shape.intersected(slice), palette_->color(bar->parts[i].category.color));
+        painter->fillPath(shape.intersected(slice), palette()->color(bar->parts[i].category.color));
     }
 }
 

@@ -1,30 +1,24 @@
 // One bar that categories share in the order of their time, from where reading begins. Main queue.
 #pragma once
 
-#include "Kestrio/Views/Charts/ChartPalette.h"
+#include "Kestrio/Views/Charts/ChartItem.h"
 #include "Kestrio/Views/Charts/ChartValues.h"
 #include "Kestrio/Views/Charts/PixelGrid.h"
 
-#include <QPointer>
-#include <QQuickPaintedItem>
-
 namespace kestrio {
 
-class StackBarItem : public QQuickPaintedItem {
+class StackBarItem : public kestrio::ChartItem {
     Q_OBJECT
     QML_NAMED_ELEMENT(StackBarPlot)
     Q_PROPERTY(kestrio::CategoryStackBarValue bar READ bar WRITE setBar NOTIFY barChanged)
-    Q_PROPERTY(kestrio::ChartPalette* palette READ palette WRITE setPalette NOTIFY paletteChanged)
     /// Whether writing runs from right to left: the first part then stands at the right.
     Q_PROPERTY(bool mirrored READ mirrored WRITE setMirrored NOTIFY mirroredChanged)
 
 public:
-    explicit StackBarItem(QQuickItem* parent = nullptr);
+    using ChartItem::ChartItem;
 
     CategoryStackBarValue bar() const { return bar_; }
     void setBar(const CategoryStackBarValue& bar);
-    ChartPalette* palette() const { return palette_; }
-    void setPalette(ChartPalette* palette);
     bool mirrored() const { return mirrored_; }
     void setMirrored(bool mirrored);
 
@@ -32,12 +26,10 @@ public:
 
 Q_SIGNALS:
     void barChanged();
-    void paletteChanged();
     void mirroredChanged();
 
 private:
     CategoryStackBarValue bar_;
-    QPointer<ChartPalette> palette_;
     bool mirrored_ = false;
 };
 

@@ -7,18 +7,28 @@
 namespace kestrio {
 namespace {
 
-/// Whether two canvases differ in nothing but what is pointed at.
+/// Whether two canvases differ in what is pointed at, and in nothing else.
 bool differsByPointing(StripCanvas a, const StripCanvas& b) {
+    if (a.cursor == b.cursor && a.highlighted == b.highlighted)
+        return false;
     a.cursor = b.cursor;
     a.highlighted = b.highlighted;
     return a == b;
 }
 
+/// The area and a little more, so that its edges lie between pixels at scales in steps of a quarter.
+QRect wholePixels(const QRectF& area) {
+    constexpr int step = 4;
+    const auto left = static_cast<int>(std::floor(area.left() / step)) * step;
+    const auto right = static_cast<int>(std::ceil(area.right() / step)) * step;
+    const auto bottom = static_cast<int>(std::ceil(area.bottom() / step)) * step;
+    return {left, 0, right - left, bottom};
+}
+
 } // namespace
 
-StripCanvasItem::StripCanvasItem(QQuickItem* parent) : QQuickPaintedItem(parent) {
+StripCanvasItem::StripCanvasItem(QQuickItem* parent) : ChartItem(parent) {
     setAcceptHoverEvents(true);
-    setSmooth(false); // drawn pixel for pixel, also where the size is no whole number of them
 }
 
 void StripCanvasItem::setPointer(StripPointer* pointer) {
@@ -47,18 +57,6 @@ void StripCanvasItem::setAlongside(bool isAlongside) {
     isAlongside_ = isAlongside;
     follow();
     Q_EMIT alongsideChanged();
-}
-
-void StripCanvasItem::setPalette(ChartPalette* palette) {
-    if (palette_ == palette)
-        return;
-    if (palette_)
-        palette_->disconnect(this);
-    palette_ = palette;
-    if (palette_)
-        connect(palette_, &ChartPalette::changed, this, &StripCanvasItem::drawWhole);
-    drawWhole();
-    Q_EMIT paletteChanged();
 }
 
 void StripCanvasItem::hoverEnterEvent(QHoverEvent* event) {
@@ -92,35 +90,13 @@ StripCanvas StripCanvasItem::currentCanvas() const {
 
 void StripCanvasItem::follow() {
     const auto next = currentCanvas();
-    if (next == canvas_) {
-        // Equal, but it may look into a newer report, and the older one can go.
-        canvas_ = next;
-        drawn_ = pointer_ ? pointer_->strips() : DayStripsValue();
-        return;
-    }
     if (differsByPointing(canvas_, next))
-        update((markedArea(canvas_) | markedArea(next)).toAlignedRect());
-    else
+        update(wholePixels(markedArea(canvas_) | markedArea(next)));
+    else if (next != canvas_)
         drawWhole();
+    // Also when they are equal: the next one may look into a newer report, and the older one can go.
     canvas_ = next;
     drawn_ = pointer_ ? pointer_->strips() : DayStripsValue();
-}
-
-/// Says the area: the base class takes an update without one, followed by one of a part, for the part alone.
-void StripCanvasItem::drawWhole() {
-    update(boundingRect().toAlignedRect());
-}
-
-void StripCanvasItem::geometryChange(const QRectF& now, const QRectF& before) {
-    QQuickPaintedItem::geometryChange(now, before);
-    if (now.size() != before.size())
-        drawWhole();
-}
-
-void StripCanvasItem::itemChange(ItemChange change, const ItemChangeData& value) {
-    QQuickPaintedItem::itemChange(change, value);
-    if (change == ItemSceneChange || change == ItemDevicePixelRatioHasChanged)
-        drawWhole();
 }
 
 /// What the cursor and the highlight cover, with room for the snapping to pixels.
@@ -143,7 +119,7 @@ QRectF StripCanvasItem::sessionArea(const StripCanvas& canvas, const ClassifiedS
 }
 
 void StripCanvasItem::paint(QPainter* painter) {
-    if (!palette_ || canvas_.hours == 0)
+    if (!palette() || canvas_.hours == 0)
         return;
     paintTrack(*painter);
     paintSessions(*painter);
@@ -155,14 +131,14 @@ void StripCanvasItem::paintTrack(QPainter& painter) const {
     const auto radius = StripCanvas::cornerRadius(height());
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(palette_->ink(canvas_.trackOpacity()));
+    painter.setBrush(palette()->ink(canvas_.trackOpacity()));
     painter.drawRoundedRect(QRectF({}, size()), radius, radius);
     painter.setRenderHint(QPainter::Antialiasing, false);
     const PixelGrid pixels(painter);
     const auto lineWidth = pixels.wholeWidth(StripCanvas::hourLineWidth);
     for (const auto line : canvas_.hourLines(width()))
         painter.fillRect(QRectF(pixels.snapped(line), 0, lineWidth, height()),
-                         palette_->ink(StripCanvas::hourLineOpacity));
+                         palette()->ink(StripCanvas::hourLineOpacity));
 }
 
 void StripCanvasItem::paintSessions(QPainter& painter) const {
@@ -171,7 +147,7 @@ void StripCanvasItem::paintSessions(QPainter& painter) const {
     std::array<QColor, allActivityCategories.size()> colors;
     for (const auto category : allActivityCategories) {
         auto& color = colors[static_cast<std::size_t>(category)];
-        color = palette_->color(category);
+        color = palette()->color(category);
         color.setAlphaF(color.alphaF() * static_cast<float>(canvas_.isFaded ? 0.75 : 1));
     }
     for (const auto& session : canvas_.sessions) {
@@ -192,7 +168,7 @@ void StripCanvasItem::paintHighlight(QPainter& painter) const {
     const auto area = PixelGrid(painter).snapped(sessionArea(canvas_, *session));
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setBrush(Qt::NoBrush);
-    painter.setPen(QPen(palette_->ink(), StripCanvas::highlightWidth, Qt::SolidLine, Qt::FlatCap, Qt::MiterJoin));
+    painter.setPen(QPen(palette()->ink(), StripCanvas::highlightWidth, Qt::SolidLine, Qt::FlatCap, Qt::MiterJoin));
     painter.drawRect(area.adjusted(inset, inset, -inset, -inset));
     painter.setRenderHint(QPainter::Antialiasing, false);
 }
@@ -203,7 +179,7 @@ void StripCanvasItem::paintCursor(QPainter& painter) const {
         return;
     const PixelGrid pixels(painter);
     painter.fillRect(QRectF(pixels.snapped(*line), 0, pixels.wholeWidth(StripCanvas::cursorWidth), height()),
-                     palette_->ink(StripCanvas::cursorOpacity));
+                     palette()->ink(StripCanvas::cursorOpacity));
 }
 
 } // namespace kestrio

@@ -3,22 +3,20 @@
 // Main queue; it is drawn on the scene graph's queue while the main one waits.
 #pragma once
 
-#include "Kestrio/Views/Charts/ChartPalette.h"
+#include "Kestrio/Views/Charts/ChartItem.h"
 #include "Kestrio/Views/Charts/StripPointer.h"
 
 #include <QPointer>
-#include <QQuickPaintedItem>
 
 namespace kestrio {
 
-class StripCanvasItem : public QQuickPaintedItem {
+class StripCanvasItem : public kestrio::ChartItem {
     Q_OBJECT
     QML_NAMED_ELEMENT(StripCanvas)
     /// Whose strips are drawn, and where it points.
     Q_PROPERTY(kestrio::StripPointer* pointer READ pointer WRITE setPointer NOTIFY pointerChanged)
     Q_PROPERTY(int day READ day WRITE setDay NOTIFY dayChanged)
     Q_PROPERTY(bool isAlongside READ isAlongside WRITE setAlongside NOTIFY alongsideChanged)
-    Q_PROPERTY(kestrio::ChartPalette* palette READ palette WRITE setPalette NOTIFY paletteChanged)
 
 public:
     explicit StripCanvasItem(QQuickItem* parent = nullptr);
@@ -29,8 +27,6 @@ public:
     void setDay(int day);
     bool isAlongside() const { return isAlongside_; }
     void setAlongside(bool isAlongside);
-    ChartPalette* palette() const { return palette_; }
-    void setPalette(ChartPalette* palette);
 
     void paint(QPainter* painter) override;
 
@@ -38,19 +34,15 @@ Q_SIGNALS:
     void pointerChanged();
     void dayChanged();
     void alongsideChanged();
-    void paletteChanged();
 
 protected:
     void hoverEnterEvent(QHoverEvent* event) override;
     void hoverMoveEvent(QHoverEvent* event) override;
     void hoverLeaveEvent(QHoverEvent* event) override;
-    void geometryChange(const QRectF& now, const QRectF& before) override;
-    void itemChange(ItemChange change, const ItemChangeData& value) override;
 
 private:
     StripCanvas currentCanvas() const;
     void follow();
-    void drawWhole();
     QRectF markedArea(const StripCanvas& canvas) const;
     QRectF sessionArea(const StripCanvas& canvas, const ClassifiedSession& session) const;
 
@@ -60,7 +52,6 @@ private:
     void paintCursor(QPainter& painter) const;
 
     QPointer<StripPointer> pointer_;
-    QPointer<ChartPalette> palette_;
     int day_ = 0;
     bool isAlongside_ = false;
     DayStripsValue drawn_; // keeps alive what `canvas_` looks into

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Kestrio.Charts
 import Kestrio.Design
 
 // What was done at the moment pointed at, in one line whose height never changes.
@@ -58,6 +59,7 @@ Rectangle {
         }
 
         CategoryKey {
+            Layout.fillWidth: false
             font: Theme.small
             value: readout.pointer.category
         }

@@ -1,4 +1,5 @@
 import QtQuick
+import Kestrio.Charts
 import Kestrio.Design
 
 // When one application, site or project was used; `trend` is a usageTrendValue.

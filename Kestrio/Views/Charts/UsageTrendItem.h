@@ -6,7 +6,7 @@
 
 namespace kestrio {
 
-class UsageTrendItem : public ColumnPlotItem {
+class UsageTrendItem : public kestrio::ColumnPlotItem {
     Q_OBJECT
     QML_NAMED_ELEMENT(UsageTrendPlot)
     Q_PROPERTY(kestrio::UsageTrendValue trend READ trend WRITE setTrend NOTIFY trendChanged)

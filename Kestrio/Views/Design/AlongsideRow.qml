@@ -60,6 +60,7 @@ DividedRow {
             Line {
                 Accessible.ignored: true
                 Layout.fillWidth: true
+                color: Theme.textSecondary
                 horizontalAlignment: Text.AlignRight
                 text: alongside.row.duration ?? ""
             }

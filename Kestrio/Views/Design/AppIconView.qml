@@ -10,6 +10,7 @@ Image {
     fillMode: Image.PreserveAspectFit
     height: size
     source: bundleID === "" ? "" : "image://app/" + bundleID + "?color=" + String(Theme.textTertiary).substring(1)
-    sourceSize: Qt.size(size, size)
+    sourceSize.height: size
+    sourceSize.width: size
     width: size
 }

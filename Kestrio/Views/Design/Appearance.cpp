@@ -1,5 +1,7 @@
 #include "Kestrio/Views/Design/Appearance.h"
 
+#include "Kestrio/Views/Design/EngineSingleton.h"
+
 #include <QtCore/QEvent>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QPalette>
@@ -19,6 +21,10 @@ Appearance::Appearance(QObject* parent) : QObject(parent) {
     QGuiApplication::instance()->installEventFilter(this);
 }
 
+Appearance* Appearance::create(QQmlEngine* engine, QJSEngine*) {
+    return &appearance(*engine);
+}
+
 bool Appearance::isDark() const {
     switch (mode_) {
     case AppearanceMode::light: return false;
@@ -29,6 +35,8 @@ bool Appearance::isDark() const {
 }
 
 double Appearance::textScale() const {
+    if (QGuiApplication::platformName() == "xcb")
+        return 1;
     return std::clamp(desktop_.textScale, leastTextScale, mostTextScale);
 }
 
@@ -61,7 +69,7 @@ void Appearance::readPlatform() {
 }
 
 Appearance& appearance(QQmlEngine& engine) {
-    return *engine.singletonInstance<Appearance*>(qmlTypeId("Kestrio.Design", 1, 0, "Appearance"));
+    return engineSingleton<Appearance>(engine);
 }
 
 } // namespace kestrio

@@ -26,11 +26,12 @@ public:
     static constexpr double mostTextScale = 2.5;
 
     explicit Appearance(QObject* parent = nullptr);
+    static Appearance* create(QQmlEngine* engine, QJSEngine*);
 
     bool isDark() const;
     bool isHighContrast() const { return desktop_.isHighContrast; }
     bool reducesMotion() const { return desktop_.reducesMotion; }
-    /// Within the bounds above.
+    /// Within the bounds above. 1 on X11, where the screen's own scale has it already.
     double textScale() const;
 
     /// What the person chose; stands above what the desktop asks for.
@@ -49,7 +50,7 @@ private:
     bool isPlatformDark_ = false;
 };
 
-/// The engine's own. `installDesign` comes first.
+/// The engine's own.
 Appearance& appearance(QQmlEngine& engine);
 
 } // namespace kestrio

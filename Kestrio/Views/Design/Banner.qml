@@ -1,5 +1,8 @@
+// A loader of Qt 6.4 cannot make bound components.
+// qmllint disable unqualified
 import QtQuick
 import QtQuick.Layouts
+import Kestrio.Design
 
 // A band above a page: `value` has `symbol`, `tint`, `text`, and where there are any `title` and `buttons`, maps with
 // `title`, `symbol` and `action`. Choosing a button emits its place. What stands inside comes below the text.

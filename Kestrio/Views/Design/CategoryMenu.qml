@@ -1,5 +1,8 @@
+// A loader of Qt 6.4 cannot make bound components.
+// qmllint disable unqualified
 import QtQuick
 import QtQuick.Templates as T
+import Kestrio.Design
 
 // Shows the category and changes it: `value` has `current` and `entries`. `selected` comes with the raw value of the
 // category that was chosen, or undefined for the default.

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Kestrio.Design
 
 // A small line that explains what is above it.
 RowLayout {

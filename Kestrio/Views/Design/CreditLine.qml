@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Kestrio.Design
 
 // The small line at the foot of the dashboard.
 RowLayout {

@@ -14,9 +14,13 @@
 namespace kestrio {
 
 void installFonts() {
-    for (const auto* style : {"Regular", "Medium", "SemiBold"})
-        QFontDatabase::addApplicationFont(resourcePath(QString("Fonts/InterTabular-%1.otf").arg(style)));
-    QGuiApplication::setFont(QFont(fontFamily));
+    static const bool areInstalled = [] {
+        for (const auto* style : {"Regular", "Medium", "SemiBold"})
+            QFontDatabase::addApplicationFont(resourcePath(QString("Fonts/InterTabular-%1.otf").arg(style)));
+        return true;
+    }();
+    if (areInstalled)
+        QGuiApplication::setFont(QFont(fontFamily));
 }
 
 Appearance& installDesign(QQmlEngine& engine, IconFile iconFile) {

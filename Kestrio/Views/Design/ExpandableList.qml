@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Kestrio.Design
 
 // A long list, shown in portions, with a line between its rows. Each row is made of `delegate`, which has the property
 // `row`.

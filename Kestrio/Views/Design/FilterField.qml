@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
+import Kestrio.Design
 
 // A search field: what is typed is `text` at once; Escape or the button at its end clears it.
 T.TextField {
@@ -12,17 +13,16 @@ T.TextField {
     Accessible.role: Accessible.EditableText
     color: Theme.text
     font: Theme.body
+    horizontalAlignment: TextInput.AlignLeft
     hoverEnabled: true
     implicitHeight: Theme.controlHeight
     implicitWidth: Theme.scaled(180)
-    leftPadding: mirrored ? symbolRoom : symbolRoom
+    leftPadding: symbolRoom
     rightPadding: symbolRoom
     selectByMouse: true
     selectedTextColor: Theme.accentText
     selectionColor: Theme.accent
     verticalAlignment: TextInput.AlignVCenter
-
-    readonly property bool mirrored: LayoutMirroring.enabled
 
     background: Rectangle {
         border.color: field.activeFocus ? Theme.focusRing : Theme.cardBorder

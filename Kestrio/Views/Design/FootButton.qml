@@ -25,5 +25,5 @@ T.Button {
         text: button.text
     }
 
-    Keys.onReturnPressed: click()
+    Keys.onReturnPressed: button.clicked()
 }

@@ -25,7 +25,7 @@ ThemePalette {
     tooltipText: "#000000"
     shadow: "#00000000"
     blue: "#84b2ff"
-    brown: "#d9ab8c"
+    brown: "#c9aa98"
     gray: "#b4bac6"
     green: "#6fdc9f"
     orange: "#ffae5c"

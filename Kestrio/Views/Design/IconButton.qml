@@ -11,6 +11,14 @@ T.Button {
     property real size: Theme.controlHeight
     property real symbolSize: Theme.scaled(16)
 
+    function press() {
+        if (checkable) {
+            toggle();
+            toggled();
+        }
+        clicked();
+    }
+
     Accessible.name: text !== "" ? text : help
     activeFocusOnTab: true
     display: T.AbstractButton.IconOnly
@@ -33,8 +41,8 @@ T.Button {
         }
     }
 
-    Keys.onReturnPressed: click()
-    Keys.onEnterPressed: click()
+    Keys.onReturnPressed: press()
+    Keys.onEnterPressed: press()
 
     Help {
         text: button.help !== "" ? button.help : button.text

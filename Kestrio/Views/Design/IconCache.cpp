@@ -1,5 +1,7 @@
 #include "Kestrio/Views/Design/IconCache.h"
 
+#include <QtCore/QFile>
+#include <QtCore/QXmlStreamReader>
 #include <QtGui/QImageReader>
 #include <QtGui/QPainter>
 #include <QtSvg/QSvgRenderer>
@@ -21,7 +23,20 @@ QImage onNothing(QSize pixels) {
     return image;
 }
 
+/// What is no XML the renderer would complain about in the log.
+bool isWellFormed(const QString& file) {
+    QFile text(file);
+    if (!text.open(QIODevice::ReadOnly))
+        return false;
+    QXmlStreamReader reader(&text);
+    while (!reader.atEnd())
+        reader.readNext();
+    return !reader.hasError();
+}
+
 QImage drawing(const QString& file, QSize pixels) {
+    if (file.endsWith(".svg") && !isWellFormed(file))
+        return {};
     QSvgRenderer renderer(file);
     if (!renderer.isValid())
         return {};
@@ -61,7 +76,8 @@ std::optional<QImage> IconCache::icon(const QString& application, QSize pixels) 
     const auto key = QString("%1 %2 %3").arg(application).arg(pixels.width()).arg(pixels.height());
     if (const QImage* known = icons_.object(key))
         return *known;
-    const auto file = iconFile_(application.toStdString(), std::max(pixels.width(), pixels.height()));
+    const auto file =
+        !iconFile_ ? std::nullopt : iconFile_(application.toStdString(), std::max(pixels.width(), pixels.height()));
     const QImage image = file ? load(*file, pixels) : QImage();
     if (image.isNull()) {
         misses_.insert(application);

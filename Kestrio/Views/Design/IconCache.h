@@ -25,6 +25,7 @@ class IconCache {
 public:
     static constexpr int keptBytes = 8 * 1024 * 1024;
 
+    /// Without a look-up there are no icons.
     explicit IconCache(IconFile iconFile);
 
     /// The icon, as large as fits into the size, in the middle of it. Absent when there is none that can be read.

@@ -35,6 +35,6 @@ T.ItemDelegate {
         implicitHeight: childrenRect.height
     }
 
-    Keys.onReturnPressed: click()
-    Keys.onEnterPressed: click()
+    Keys.onReturnPressed: row.clicked()
+    Keys.onEnterPressed: row.clicked()
 }

@@ -1,6 +1,9 @@
+// A loader of Qt 6.4 cannot make bound components.
+// qmllint disable unqualified
 import QtQuick
 import QtQuick.Layouts
 import QtQuick.Templates as T
+import Kestrio.Design
 
 // A button that opens a menu of `entries`: maps with `title`, and where there are any `isCurrent`, `symbol`, `isEnabled`,
 // `isSeparator`, `isHeading`. Choosing one emits its place.

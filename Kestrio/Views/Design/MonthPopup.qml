@@ -1,6 +1,9 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Layouts
 import QtQuick.Templates as T
+import Kestrio.Design
 
 // A month to pick a day from. Arrow keys move by days and weeks, Page Up and Down by months.
 T.Popup {
@@ -9,6 +12,7 @@ T.Popup {
     property double date: 0
     property double now: 0
     property double candidate: date // where the keyboard is
+    readonly property var month: choice.month
 
     signal picked(double date)
 
@@ -24,11 +28,7 @@ T.Popup {
     margins: Theme.s
     padding: Theme.m
 
-    background: Rectangle {
-        border.color: Theme.cardBorder
-        color: Theme.card
-        radius: Theme.radius
-    }
+    background: PopupGround {}
     contentItem: ColumnLayout {
         id: column
 
@@ -62,7 +62,7 @@ T.Popup {
                 Layout.fillWidth: true
                 Layout.leftMargin: Theme.xs + 2
                 font: Theme.headline
-                text: choice.month.title
+                text: popup.month.title
             }
 
             IconButton {
@@ -74,7 +74,7 @@ T.Popup {
             }
 
             IconButton {
-                enabled: choice.month.hasNext
+                enabled: popup.month.hasNext
                 help: Words.nextMonth
                 size: Theme.scaled(26)
                 symbol: Words.nextMonthSymbol
@@ -87,7 +87,7 @@ T.Popup {
             columns: 7
 
             Repeater {
-                model: choice.month.weekdays
+                model: popup.month.weekdays
 
                 Line {
                     required property string modelData
@@ -104,7 +104,7 @@ T.Popup {
 
             Repeater {
                 model: RowsModel {
-                    rows: choice.month.days
+                    rows: popup.month.days
                 }
 
                 DayCell {

@@ -1,4 +1,5 @@
 import QtQuick
+import Kestrio.Design
 
 // Opens an address with the application that the person chose for it. Not there without one.
 IconButton {

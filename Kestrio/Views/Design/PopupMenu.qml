@@ -1,9 +1,11 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Templates as T
 
 // A menu of entries as `MenuButton` has them.
 T.Menu {
-    id: menu
+    id: popupMenu
 
     property var entries: []
     readonly property bool hasMarks: entries.some(entry => entry.isCurrent !== undefined || entry.symbol !== undefined)
@@ -25,27 +27,13 @@ T.Menu {
         return width;
     }
 
-    background: Rectangle {
-        border.color: Theme.cardBorder
-        color: Theme.card
-        radius: Theme.radius
-
-        Rectangle {
-            anchors.fill: parent
-            anchors.margins: -1
-            anchors.topMargin: 1
-            anchors.bottomMargin: -3
-            color: Theme.shadow
-            radius: parent.radius + 1
-            z: -1
-        }
-    }
+    background: PopupGround {}
     contentItem: ListView {
         clip: contentHeight > height
-        currentIndex: menu.currentIndex
+        currentIndex: popupMenu.currentIndex
         implicitHeight: contentHeight
         interactive: contentHeight > height
-        model: menu.contentModel
+        model: popupMenu.contentModel
     }
     enter: Transition {
         NumberAnimation {
@@ -64,20 +52,20 @@ T.Menu {
     }
 
     Instantiator {
-        model: menu.entries
+        model: popupMenu.entries
 
         delegate: PopupMenuItem {
             required property var modelData
             required property int index
 
             entry: modelData
-            hasMarks: menu.hasMarks
-            width: menu.availableWidth
+            hasMarks: popupMenu.hasMarks
+            width: popupMenu.availableWidth
 
-            onTriggered: menu.chosen(index)
+            onTriggered: popupMenu.chosen(index)
         }
 
-        onObjectAdded: (index, object) => menu.insertItem(index, object as T.MenuItem)
-        onObjectRemoved: (index, object) => menu.removeItem(object as T.MenuItem)
+        onObjectAdded: (index, object) => popupMenu.insertItem(index, object as T.MenuItem)
+        onObjectRemoved: (index, object) => popupMenu.removeItem(object as T.MenuItem)
     }
 }

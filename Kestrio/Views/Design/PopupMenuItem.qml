@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 import QtQuick.Templates as T
+import Kestrio.Design
 
 // One entry of a menu, or the line or heading between entries.
 T.MenuItem {

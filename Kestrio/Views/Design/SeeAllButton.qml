@@ -1,4 +1,5 @@
 import QtQuick
+import Kestrio.Design
 
 // Leads to the page that has the whole list.
 PlainButton {

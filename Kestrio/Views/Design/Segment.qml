@@ -7,6 +7,7 @@ T.AbstractButton {
 
     Accessible.checkable: true
     Accessible.checked: checked
+    Accessible.name: text
     Accessible.role: Accessible.RadioButton
     activeFocusOnTab: true
     focusPolicy: Qt.TabFocus
@@ -32,7 +33,7 @@ T.AbstractButton {
         text: segment.text
     }
 
-    Keys.onReturnPressed: click()
+    Keys.onReturnPressed: segment.clicked()
 
     // Its width does not change with its weight.
     Text {

@@ -1,5 +1,8 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Layouts
+import Kestrio.Design
 
 // Stat cards side by side, as many in a row as have room for their least width, all equally wide. Places them itself: a
 // layout that follows its own width misses changes.

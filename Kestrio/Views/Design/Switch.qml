@@ -52,5 +52,9 @@ T.Switch {
         }
     }
 
-    Keys.onReturnPressed: click()
+    Keys.onReturnPressed: {
+        control.toggle();
+        control.toggled();
+        control.clicked();
+    }
 }

@@ -1,4 +1,5 @@
 import QtQuick
+import Kestrio.Design
 
 // A symbol by the name that pages have for it, in one colour. For the eye only: what it says stands beside it in words.
 Image {
@@ -15,6 +16,7 @@ Image {
     height: size
     mirror: mirrored && Symbols.isDirectional(name)
     source: name === "" ? "" : "image://symbol/" + name + "?color=" + String(color).substring(1)
-    sourceSize: Qt.size(size, size)
+    sourceSize.height: size
+    sourceSize.width: size
     width: size
 }

@@ -67,6 +67,12 @@ SymbolSet::SymbolSet() {
     }
 }
 
+QStringList SymbolSet::names() const {
+    auto names = symbols_.keys();
+    names.sort();
+    return names;
+}
+
 QImage SymbolSet::image(const QString& name, const QColor& color, QSize pixels) const {
     const auto symbol = symbols_.constFind(name);
     if (symbol == symbols_.cend() || pixels.isEmpty())

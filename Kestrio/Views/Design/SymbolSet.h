@@ -17,7 +17,8 @@ public:
     static const SymbolSet& standard();
 
     bool contains(const QString& name) const { return symbols_.contains(name); }
-    QStringList names() const { return symbols_.keys(); }
+    /// In order.
+    QStringList names() const;
 
     /// Whether the symbol points somewhere in the reading direction and is mirrored with it.
     bool isDirectional(const QString& name) const { return symbols_.value(name).isDirectional; }

@@ -1,6 +1,7 @@
 pragma Singleton
 
 import QtQuick
+import Kestrio.Design
 
 // Colours, type, spacing and motion of everything that shows. Follows `Appearance`.
 QtObject {
@@ -88,7 +89,8 @@ QtObject {
 
     // One of the colours above, by its name.
     function named(name: string): color {
-        return palette[name] ?? gray;
+        const color = name === "objectName" ? undefined : palette[name];
+        return color ?? gray;
     }
 
     // What a colour is to say: the system panel's tones and the levels of its insights.

@@ -61,6 +61,7 @@ DividedRow {
             Line {
                 Accessible.ignored: true
                 Layout.fillWidth: true
+                color: Theme.textSecondary
                 horizontalAlignment: Text.AlignRight
                 text: item.row.duration ?? ""
             }

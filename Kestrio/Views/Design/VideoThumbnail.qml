@@ -1,4 +1,5 @@
 import QtQuick
+import Kestrio.Design
 
 // The picture of a video, 16 to 9. `value` has the `url` only where pictures are wanted: without it nothing is asked for.
 // While it loads, and when that fails, the placeholder shows.

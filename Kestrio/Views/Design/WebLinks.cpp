@@ -1,9 +1,15 @@
 #include "Kestrio/Views/Design/WebLinks.h"
 
+#include "Kestrio/Views/Design/EngineSingleton.h"
+
 #include <QtCore/QUrl>
 #include <QtGui/QDesktopServices>
 
 namespace kestrio {
+
+WebLinks* WebLinks::create(QQmlEngine* engine, QJSEngine*) {
+    return &webLinks(*engine);
+}
 
 bool WebLinks::canOpen(const QString& address) const {
     const QUrl url(address);
@@ -20,7 +26,7 @@ void WebLinks::open(const QString& address) {
 }
 
 WebLinks& webLinks(QQmlEngine& engine) {
-    return *engine.singletonInstance<WebLinks*>(qmlTypeId("Kestrio.Design", 1, 0, "WebLinks"));
+    return engineSingleton<WebLinks>(engine);
 }
 
 } // namespace kestrio

@@ -17,6 +17,8 @@ class WebLinks : public QObject {
 public:
     using Opener = std::function<void(const QString& address)>;
 
+    static WebLinks* create(QQmlEngine* engine, QJSEngine*);
+
     /// What opens addresses instead of the desktop's own way.
     void setOpener(Opener opener) { opener_ = std::move(opener); }
 
@@ -29,7 +31,7 @@ private:
     Opener opener_;
 };
 
-/// The engine's own. `installDesign` comes first.
+/// The engine's own.
 WebLinks& webLinks(QQmlEngine& engine);
 
 } // namespace kestrio

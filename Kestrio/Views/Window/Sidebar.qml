@@ -30,8 +30,6 @@ Rectangle {
             Column {
                 id: groups
 
-                readonly property bool hasFocus: Window.activeFocusItem instanceof SidebarRow
-
                 width: parent.width
 
                 Repeater {

@@ -1,7 +1,10 @@
-pragma ComponentBehavior: Bound
+// A loader of Qt 6.4 cannot make bound components.
+// qmllint disable unqualified
 
 import QtQuick
+import QtQuick.Layouts
 import QtQuick.Templates as T
+import Kestrio.Charts
 import Kestrio.Design
 import Kestrio.Window
 
@@ -62,18 +65,26 @@ ListView {
     footer: Item {
         height: Theme.xl
     }
-    header: Item {
-        height: message.visible ? message.implicitHeight + Theme.xl : 0
+    header: Column {
+        bottomPadding: list.page.message === "" ? 0 : Theme.xl
+        leftPadding: Theme.xl
         width: list.width
 
-        Paragraph {
-            id: message
+        Card {
+            visible: list.page.message === ""
+            width: parent.width - 2 * Theme.xl
 
+            DayStripsView {
+                Layout.fillWidth: true
+                value: list.page.strips
+            }
+        }
+
+        Paragraph {
             horizontalAlignment: Text.AlignHCenter
             text: list.page.message
             visible: text !== ""
-            width: parent.width
-            y: Theme.l
+            width: parent.width - 2 * Theme.xl
         }
     }
 }

@@ -31,7 +31,10 @@ std::unique_ptr<QObject> create(QQmlComponent& component, const QVariantMap& pro
 Windows::Windows(const WindowParts& parts) : parts_(parts) {
     // Naming it has the linker take the registration along.
     [[maybe_unused]] const volatile auto registration = &qml_register_types_Kestrio_Window;
-    engine_.addImportPath(QStringLiteral("qrc:/qt/qml"));
+    // The second form of the same place is the one by which Qt 6.4 tells the module that a file belongs to, and so finds
+    // the types that it may use without an import.
+    engine_.setImportPathList(engine_.importPathList()
+                              << QStringLiteral("qrc:/qt/qml") << QStringLiteral("file::/qt/qml"));
     installDesign(engine_, parts.host.iconFile)
         .setMode(choice<AppearanceMode>(parts.settings, settingKey::appearanceMode));
     appearance_ = parts.settings.observe([this](const std::string& key) {

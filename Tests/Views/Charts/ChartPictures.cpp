@@ -6,6 +6,7 @@
 
 #include <QGuiApplication>
 #include <QSGRendererInterface>
+#include <QTemporaryDir>
 #include <QtQml/qqmlextensionplugin.h>
 #include <fmt/format.h>
 
@@ -68,6 +69,8 @@ int main(int argc, char** argv) {
         fmt::print(stderr, "usage: ChartPictures FOLDER\n");
         return 2;
     }
+    const QTemporaryDir runtime;
+    qputenv("XDG_RUNTIME_DIR", runtime.path().toUtf8());
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
     const QGuiApplication application(argc, argv);

@@ -18,7 +18,9 @@ public:
     /// `strips`, `breakdown`, `categoryBar` and `browserTrend`.
     ChartScene(const SharedReport& report, const Viewpoint& viewpoint, const char* qml, QSize size,
                bool isDark = false) {
-        engine.addImportPath("qrc:/qt/qml");
+        // The second form of the same place is the one by which Qt 6.4 tells the module that a file belongs to.
+        engine.setImportPathList(engine.importPathList() << "qrc:/qt/qml"
+                                                         << "file::/qt/qml");
         QQmlComponent(&engine).setData("import QtQml\nimport Kestrio.Design\nQtObject {}", QUrl()); // its types
         auto& appearance = installDesign(engine, [](const auto&, int) { return std::nullopt; });
         appearance.setDesktop({.isDark = isDark});
