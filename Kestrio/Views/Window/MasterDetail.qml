@@ -36,6 +36,7 @@ Item {
 
         ColumnLayout {
             Layout.fillHeight: true
+            Layout.fillWidth: false
             Layout.preferredWidth: Math.round(Math.max(Math.min(view.width * 0.36, Theme.scaled(380)), Math.min(Theme.scaled(240), view.width * 0.45)))
             spacing: 0
 

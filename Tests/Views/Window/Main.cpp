@@ -1,7 +1,6 @@
 // Runs on no screen, in the renderer that people have, and takes every warning of the view framework for a failure.
 #include "Tests/ExpectedLog.h"
 
-#include <QAccessible>
 #include <QGuiApplication>
 #include <QQmlExtensionPlugin>
 #include <QQuickStyle>
@@ -39,6 +38,5 @@ int main(int argc, char** argv) {
     QQuickStyle::setStyle(QStringLiteral("Basic"));
     qInstallMessageHandler(failOnWarnings);
     const QGuiApplication application(argc, argv);
-    QAccessible::setActive(true);
     return RUN_ALL_TESTS();
 }

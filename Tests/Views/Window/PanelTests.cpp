@@ -213,8 +213,7 @@ TEST(TodayPanelView, everythingIsReachedByTab) {
         screen.press(Qt::Key_Tab);
         auto* const focused = screen.window().activeFocusItem();
         ASSERT_NE(focused, nullptr);
-        reached.push_back(
-            QAccessible::queryAccessibleInterface(focused)->text(QAccessible::Name).toStdString());
+        reached.push_back(Screen::accessibleName(*focused).toStdString());
     }
     EXPECT_EQ(reached, (Done{"Dashboard", "Pause tracking", "Settings", "Quit"}));
 }

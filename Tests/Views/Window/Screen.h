@@ -76,9 +76,15 @@ public:
     QQuickItem* named(const QString& name, QAccessible::Role role) const {
         const auto found = items([&](QQuickItem& item) {
             auto* const interface = QAccessible::queryAccessibleInterface(&item);
-            return interface && interface->role() == role && interface->text(QAccessible::Name) == name;
+            return interface && interface->role() == role && accessibleName(item) == name;
         });
         return found.empty() ? nullptr : found.back();
+    }
+
+    /// A button takes its words for its name once somebody listens, which on no screen nobody does.
+    static QString accessibleName(QQuickItem& item) {
+        const auto name = QAccessible::queryAccessibleInterface(&item)->text(QAccessible::Name);
+        return name.isEmpty() ? item.property("text").toString() : name;
     }
 
     void click(QQuickItem* item) {
