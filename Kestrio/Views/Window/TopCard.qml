@@ -7,7 +7,8 @@ Card {
     id: card
 
     required property var value
-    property Component delegate: UsageRow {}
+    property bool isAlongside: false // its rows are of what played alongside
+    readonly property var rows: value?.rows ?? []
 
     signal seeAllRequested(string section)
 
@@ -33,10 +34,17 @@ Card {
     }
 
     ExpandableList {
-        Layout.fillWidth: true
-        delegate: card.delegate
-        items: card.value?.rows ?? []
+        items: card.isAlongside ? [] : card.rows
         visible: items.length > 0
+
+        delegate: UsageRow {}
+    }
+
+    ExpandableList {
+        items: card.isAlongside ? card.rows : []
+        visible: items.length > 0
+
+        delegate: AlongsideRow {}
     }
 
     Paragraph {
