@@ -33,18 +33,33 @@ Card {
         visible: text !== ""
     }
 
-    ExpandableList {
-        items: card.isAlongside ? [] : card.rows
-        visible: items.length > 0
+    ColumnLayout {
+        Layout.fillWidth: true
+        spacing: 0
 
-        delegate: UsageRow {}
-    }
+        Repeater {
+            model: RowsModel {
+                rows: card.isAlongside ? [] : card.rows
+            }
 
-    ExpandableList {
-        items: card.isAlongside ? card.rows : []
-        visible: items.length > 0
+            UsageRow {
+                required property int index
 
-        delegate: AlongsideRow {}
+                isDivided: index > 0
+            }
+        }
+
+        Repeater {
+            model: RowsModel {
+                rows: card.isAlongside ? card.rows : []
+            }
+
+            AlongsideRow {
+                required property int index
+
+                isDivided: index > 0
+            }
+        }
     }
 
     Paragraph {
