@@ -38,7 +38,10 @@ class Thing:
                 continue  # it went meanwhile
 
     def press(self):
-        self.object.DoAction(0, dbus_interface="org.a11y.atspi.Action", signature="i")
+        actions = self.object.GetActions(dbus_interface="org.a11y.atspi.Action")
+        names = [str(name) for name, _, _ in actions]
+        assert "Press" in names, f"{self.name} offers {names}"
+        self.object.DoAction(names.index("Press"), dbus_interface="org.a11y.atspi.Action", signature="i")
 
 
 class Screen:

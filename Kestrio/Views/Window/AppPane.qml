@@ -19,7 +19,6 @@ DetailPane {
 
     TopCard {
         Layout.fillWidth: true
-        delegate: UsageRow {}
         value: pane.detail.websites
     }
 

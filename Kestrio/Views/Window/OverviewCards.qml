@@ -66,9 +66,8 @@ GridLayout {
     }
 
     TopCard {
+        isAlongside: true
         value: cards.content.alongside
-
-        delegate: AlongsideRow {}
     }
 
     TopCard {

@@ -18,7 +18,6 @@ DetailPane {
 
     TopCard {
         Layout.fillWidth: true
-        delegate: UsageRow {}
         value: pane.detail.apps
     }
 

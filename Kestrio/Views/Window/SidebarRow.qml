@@ -20,7 +20,7 @@ ListRow {
     text: modelData.label
     topPadding: Theme.xs + 2
 
-    Accessible.onPressAction: click()
+    Accessible.onPressAction: clicked()
     Keys.onDownPressed: pickBeside(1)
     Keys.onUpPressed: pickBeside(-1)
     onClicked: dashboard.select(modelData.rawValue)

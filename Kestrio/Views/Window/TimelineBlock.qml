@@ -23,7 +23,7 @@ ListRow {
     topPadding: Theme.xs + 2
     width: parent?.width ?? implicitWidth
 
-    Accessible.onPressAction: click()
+    Accessible.onPressAction: clicked()
     Keys.onLeftPressed: event => {
         event.accepted = isOpen;
         if (isOpen)

@@ -7,7 +7,8 @@ Card {
     id: card
 
     required property var value
-    property Component delegate: UsageRow {}
+    property bool isAlongside: false // its rows are of what played alongside
+    readonly property var rows: value?.rows ?? []
 
     signal seeAllRequested(string section)
 
@@ -32,11 +33,33 @@ Card {
         visible: text !== ""
     }
 
-    ExpandableList {
+    ColumnLayout {
         Layout.fillWidth: true
-        delegate: card.delegate
-        items: card.value?.rows ?? []
-        visible: items.length > 0
+        spacing: 0
+
+        Repeater {
+            model: RowsModel {
+                rows: card.isAlongside ? [] : card.rows
+            }
+
+            UsageRow {
+                required property int index
+
+                isDivided: index > 0
+            }
+        }
+
+        Repeater {
+            model: RowsModel {
+                rows: card.isAlongside ? card.rows : []
+            }
+
+            AlongsideRow {
+                required property int index
+
+                isDivided: index > 0
+            }
+        }
     }
 
     Paragraph {

@@ -26,7 +26,7 @@ DetailPane {
 
     TopCard {
         Layout.fillWidth: true
-        delegate: AlongsideRow {}
+        isAlongside: true
         value: pane.detail.alongside
     }
 

@@ -20,7 +20,7 @@ Item {
     }
 
     Loader {
-        active: overview.page.empty === undefined
+        active: overview.page.empty === undefined && overview.content.stats !== undefined
         anchors.fill: parent
 
         sourceComponent: ScrollPane {
