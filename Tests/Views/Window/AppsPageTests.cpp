@@ -35,7 +35,7 @@ TEST(AppsView, aClickTellsOfTheApp) {
     EXPECT_EQ(screen.model.selection(), browser);
     EXPECT_FALSE(screen.shows("Select an app"));
     for (const auto* const text :
-         {"Websites in Browser", "Pages", "Alpha again", "Played alongside", "When", "3 sessions · org.example.Browser"})
+         {"Websites in Browser", "Pages", "Alpha again", "Played alongside", "When", "3 sessions  ·  org.example.Browser"})
         EXPECT_TRUE(screen.shows(text)) << text;
     screen.click("Editor");
     EXPECT_TRUE(screen.shows("Windows & Activity"));

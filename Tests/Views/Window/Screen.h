@@ -56,7 +56,12 @@ public:
 
     QQmlEngine& engine() { return engine_; }
     QQuickWindow& window() { return *window_; }
-    static void settle() { QCoreApplication::processEvents(); }
+    /// Everything is laid out and stands where it will stand.
+    void settle() {
+        QCoreApplication::processEvents();
+        window_->grabWindow();
+        QCoreApplication::processEvents();
+    }
 
     /// Every item that shows and fits, those in front last.
     std::vector<QQuickItem*> items(const std::function<bool(QQuickItem&)>& fits) const {
