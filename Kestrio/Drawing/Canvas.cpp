@@ -51,8 +51,18 @@ void findCrossings(const std::vector<Edge>& edges, double y, std::vector<Crossin
 void addSpan(float* row, int side, double from, double to, float weight) {
     from = std::clamp(from, 0.0, static_cast<double>(side));
     to = std::clamp(to, 0.0, static_cast<double>(side));
-    for (int x = static_cast<int>(from); x < side && x < to; ++x)
-        row[x] += weight * static_cast<float>(std::min(to, x + 1.0) - std::max(from, static_cast<double>(x)));
+    const int first = static_cast<int>(from);
+    const int last = static_cast<int>(to);
+    if (first == last) {
+        if (first < side)
+            row[first] += weight * static_cast<float>(to - from);
+        return;
+    }
+    row[first] += weight * static_cast<float>(first + 1 - from);
+    for (int x = first + 1; x < last; ++x)
+        row[x] += weight;
+    if (last < side)
+        row[last] += weight * static_cast<float>(to - last);
 }
 
 DrawingColour mixed(DrawingColour from, DrawingColour to, double share) {

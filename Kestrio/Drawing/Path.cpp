@@ -58,6 +58,20 @@ private:
     std::string_view rest_;
 };
 
+/// Fills what gapes between two pieces of a line on the outside of a bend: where the bend is slight, as all along a
+/// curve, a triangle does it.
+void addJoint(Path& path, DrawingPoint at, DrawingPoint before, DrawingPoint after) {
+    const double turn = before.x * after.y - before.y * after.x;
+    const double ahead = before.x * after.x + before.y * after.y;
+    constexpr double slight = 0.9; // the cosine of some 25 degrees
+    if (ahead < slight * std::hypot(before.x, before.y) * std::hypot(after.x, after.y))
+        path.add(circle(at, std::hypot(after.x, after.y)));
+    else if (turn > 0)
+        path.add({at, at - before, at - after});
+    else if (turn < 0)
+        path.add({at, at + after, at + before});
+}
+
 } // namespace
 
 Path& Path::add(Contour contour) {
@@ -153,10 +167,8 @@ Path roundedRectangle(DrawingPoint topLeft, DrawingPoint bottomRight, double rad
 
 Path stroked(const Contour& line, double width) {
     Path path;
-    for (std::size_t i = 0; i < line.size(); ++i) {
-        path.add(circle(line[i], width / 2));
-        if (i == 0)
-            continue;
+    std::optional<DrawingPoint> before; // half the nib's width, across the piece before
+    for (std::size_t i = 1; i < line.size(); ++i) {
         const auto along = line[i] - line[i - 1];
         const double length = std::hypot(along.x, along.y);
         if (length == 0)
@@ -164,7 +176,12 @@ Path stroked(const Contour& line, double width) {
         const DrawingPoint across{-along.y * width / 2 / length, along.x * width / 2 / length};
         // In the direction in which circles turn, so that they never cancel out.
         path.add({line[i - 1] - across, line[i] - across, line[i] + across, line[i - 1] + across});
+        if (before)
+            addJoint(path, line[i - 1], *before, across);
+        before = across;
     }
+    if (!line.empty())
+        path.add(circle(line.front(), width / 2)).add(circle(line.back(), width / 2));
     return path;
 }
 

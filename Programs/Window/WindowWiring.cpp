@@ -1,11 +1,15 @@
 #include "Programs/Window/WindowWiring.h"
 
 #include "Kestrio/Activity/BrowserInspector.h"
+#include "Kestrio/Platform/Linux/ApplicationIcons.h"
 #include "Kestrio/Platform/Linux/BusAddress.h"
 #include "Kestrio/Platform/Linux/BusConnection.h"
 #include "Kestrio/Platform/Linux/DetachedProgram.h"
+#include "Kestrio/Platform/Linux/PrivacyRemedies.h"
 #include "Kestrio/Shell/Settings.h"
 #include "Programs/Agent/HostClassification.h"
+#include "Programs/Window/DesktopLook.h"
+#include "Programs/Window/StoredSize.h"
 
 namespace kestrio {
 namespace {
@@ -27,12 +31,19 @@ AgentLink::Connect ownAgent(std::optional<std::string> busAddress, const fs::pat
     };
 }
 
+std::optional<std::string> privacyAdvice(std::string_view place) {
+    const auto remedy = privacyRemedy(place);
+    if (!remedy)
+        return std::nullopt;
+    return remedy->command ? remedy->text + " " + *remedy->command : remedy->text;
+}
+
 } // namespace
 
-WindowWiring::WindowWiring(Queue& main, const Locations& locations, std::optional<std::string> busAddress)
+WindowWiring::WindowWiring(Queue& main, const Locations& locations, const std::optional<std::string>& busAddress)
     : settings_(locations.settingsFile(), main),
       classification_(settings_, hostHint(processEnvironment, clock_)),
-      agent_(main, agentQueue_, ownAgent(std::move(busAddress), dataFolder(locations), agentQueue_)),
+      agent_(main, agentQueue_, ownAgent(busAddress, dataFolder(locations), agentQueue_)),
       history_(dataFolder(locations) / Database::fileName, agent_),
       dashboard_(storeParts(main), calendar_, RangeMode::day, ReportStore::Follows::itsPerson),
       today_(storeParts(main), calendar_, RangeMode::day, ReportStore::Follows::now),
@@ -44,7 +55,7 @@ WindowWiring::WindowWiring(Queue& main, const Locations& locations, std::optiona
              .agent = agent_,
              .dashboard = dashboard_,
              .today = today_,
-             .host = {.startAgent = startAgent, .isBrowser = BrowserInspector::isBrowser}} {
+             .host = host(main, locations, busAddress)} {
     std::map<std::string, SettingValue> registered;
     for (const auto& setting : knownSettings())
         if (setting.registered)
@@ -53,16 +64,38 @@ WindowWiring::WindowWiring(Queue& main, const Locations& locations, std::optiona
     agent_.start();
 }
 
+WindowHost WindowWiring::host(Queue& main, const Locations& locations, const std::optional<std::string>& busAddress) {
+    WindowHost host;
+    host.startAgent = startAgent;
+    host.isBrowser = BrowserInspector::isBrowser;
+    host.privacyAdvice = privacyAdvice;
+    // Made on the thread of the icons, at the first of them.
+    host.iconFile = [this, icons = std::make_shared<std::optional<ApplicationIcons>>()](const auto& application,
+                                                                                        int pixels) {
+        if (!*icons)
+            icons->emplace(processEnvironment, clock_);
+        return (*icons)->iconFile(application, pixels);
+    };
+    if (busAddress)
+        host.observeDesktop = [this, &main, address = *busAddress](auto receiver) {
+            return observeDesktopLook(address, main, agentQueue_, std::move(receiver));
+        };
+    const auto sizeFile = locations.cache / "Kestrio" / "dashboard-size";
+    host.storedSize = [sizeFile] { return readStoredSize(sizeFile); };
+    host.storeSize = [sizeFile](WindowSize size) { writeStoredSize(sizeFile, size); };
+    return host;
+}
+
 ReportStore::Parts WindowWiring::storeParts(Queue& main) {
-    return {.clock = clock_,
-            .queue = main,
-            .loadingQueue = loadingQueue_,
-            .sessions = [this](DateInterval interval) { return history_.sessions(interval); },
-            .classification =
-                [this] {
-                    return Classification{classification_.categorizer().snapshot(),
-                                          classification_.projectRules().rules()};
-                }};
+    return {
+        .clock = clock_,
+        .queue = main,
+        .loadingQueue = loadingQueue_,
+        .sessions = [this](DateInterval interval) { return history_.sessions(interval); },
+        .classification =
+            [this] {
+                return Classification{classification_.categorizer().snapshot(), classification_.projectRules().rules()};
+            }};
 }
 
 /// Quietly: the windows are there already.

@@ -15,12 +15,13 @@ namespace kestrio {
 class WindowWiring {
 public:
     /// The queue must outlive the wiring. `busAddress` is that of the session bus; absent where there is none.
-    WindowWiring(Queue& main, const Locations& locations, std::optional<std::string> busAddress);
+    WindowWiring(Queue& main, const Locations& locations, const std::optional<std::string>& busAddress);
 
     const WindowParts& parts() const { return parts_; }
 
 private:
     static bool startAgent();
+    WindowHost host(Queue& main, const Locations& locations, const std::optional<std::string>& busAddress);
     ReportStore::Parts storeParts(Queue& main);
 
     const SystemClock clock_;

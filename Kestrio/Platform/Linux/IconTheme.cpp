@@ -91,7 +91,7 @@ std::string chosenIconTheme(const Environment& environment) {
     return named == names.end() ? std::string() : std::string(*named);
 }
 
-IconTheme::IconTheme(std::vector<fs::path> folders, std::string name) : folders_(std::move(folders)) {
+IconTheme::IconTheme(std::vector<fs::path> folders, const std::string& name) : folders_(std::move(folders)) {
     const auto add = [this](const std::string& theme) {
         const bool isThere = std::find(order_.begin(), order_.end(), theme) != order_.end();
         if (isOneName(theme) && !isThere && order_.size() < mostThemes)

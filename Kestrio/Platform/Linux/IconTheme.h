@@ -25,7 +25,7 @@ std::string chosenIconTheme(const Environment& environment);
 class IconTheme {
 public:
     /// The theme's name may be empty or that of one that is not installed.
-    IconTheme(std::vector<std::filesystem::path> folders, std::string name);
+    IconTheme(std::vector<std::filesystem::path> folders, const std::string& name);
 
     /// The icon that is drawn best at so many pixels: the size itself, else the nearest. A name that is a path stands
     /// for its file. Absent when there is none.

@@ -25,7 +25,8 @@ public:
     static constexpr double leastTextScale = 0.8;
     static constexpr double mostTextScale = 2.5;
 
-    explicit Appearance(QObject* parent = nullptr);
+    /// Without a default: QML would else make one of its own instead of asking `create`.
+    explicit Appearance(QObject* parent);
     static Appearance* create(QQmlEngine* engine, QJSEngine*);
 
     bool isDark() const;

@@ -22,6 +22,7 @@ T.AbstractButton {
     Accessible.description: Words.changeCategory
     Accessible.name: value?.current?.label ?? ""
     Accessible.role: Accessible.ButtonMenu
+    Accessible.onPressAction: open()
     activeFocusOnTab: true
     focusPolicy: Qt.TabFocus
     hoverEnabled: true

@@ -9,6 +9,7 @@ T.AbstractButton {
 
     Accessible.name: row.fullName
     Accessible.selected: row.isSelected
+    Accessible.onPressAction: cell.clicked()
     enabled: row.isEnabled
     focusPolicy: Qt.NoFocus
     hoverEnabled: true

@@ -11,7 +11,7 @@ template <class Type>
 Type& engineSingleton(QQmlEngine& engine) {
     if (auto* const known = engine.findChild<Type*>(QString(), Qt::FindDirectChildrenOnly))
         return *known;
-    auto made = std::make_unique<Type>();
+    auto made = std::make_unique<Type>(nullptr);
     QJSEngine::setObjectOwnership(made.get(), QJSEngine::CppOwnership);
     made->setParent(&engine);
     return *made.release();

@@ -33,7 +33,7 @@ ColumnLayout {
 
         model: RowsModel {
             limit: portion.shown
-            rows: list.items ?? []
+            rows: list.items
         }
 
         onItemAdded: (index, item) => {

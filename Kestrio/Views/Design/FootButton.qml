@@ -5,6 +5,8 @@ import QtQuick.Templates as T
 T.Button {
     id: button
 
+    Accessible.name: text
+    Accessible.onPressAction: button.clicked()
     activeFocusOnTab: true
     focusPolicy: Qt.TabFocus
     font: Theme.caption

@@ -20,6 +20,7 @@ T.Button {
     }
 
     Accessible.name: text !== "" ? text : help
+    Accessible.onPressAction: press()
     activeFocusOnTab: true
     display: T.AbstractButton.IconOnly
     focusPolicy: Qt.TabFocus

@@ -11,6 +11,7 @@ T.ItemDelegate {
     Accessible.name: text
     Accessible.role: Accessible.ListItem
     Accessible.selected: selected
+    Accessible.onPressAction: row.clicked()
     bottomPadding: Theme.s
     focusPolicy: Qt.TabFocus
     hoverEnabled: true

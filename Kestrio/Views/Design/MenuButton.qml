@@ -29,6 +29,7 @@ T.Button {
     Accessible.description: help
     Accessible.name: text !== "" ? text : help
     Accessible.role: Accessible.ButtonMenu
+    Accessible.onPressAction: open()
     activeFocusOnTab: true
     down: pressed || isOpen
     focusPolicy: Qt.TabFocus

@@ -15,6 +15,9 @@ T.Button {
     readonly property color ink: prominent ? Theme.accentText : quiet ? Theme.accent : Theme.text
 
     Accessible.description: help
+    Accessible.name: text
+    Accessible.role: Accessible.Button
+    Accessible.onPressAction: button.clicked()
     activeFocusOnTab: true
     focusPolicy: Qt.TabFocus
     font: Theme.bodyStrong

@@ -9,6 +9,7 @@ T.AbstractButton {
     Accessible.checked: checked
     Accessible.name: text
     Accessible.role: Accessible.RadioButton
+    Accessible.onPressAction: segment.clicked()
     activeFocusOnTab: true
     focusPolicy: Qt.TabFocus
     font: checked ? Theme.bodyStrong : Theme.body

@@ -8,6 +8,17 @@ T.Switch {
     readonly property real trackWidth: Theme.scaled(34)
     readonly property real trackHeight: Theme.scaled(20)
 
+    function press() {
+        toggle();
+        toggled();
+        clicked();
+    }
+
+    Accessible.checkable: true
+    Accessible.checked: checked
+    Accessible.name: text
+    Accessible.role: Accessible.CheckBox
+    Accessible.onPressAction: press()
     activeFocusOnTab: true
     focusPolicy: Qt.TabFocus
     font: Theme.body
@@ -52,9 +63,5 @@ T.Switch {
         }
     }
 
-    Keys.onReturnPressed: {
-        control.toggle();
-        control.toggled();
-        control.clicked();
-    }
+    Keys.onReturnPressed: press()
 }

@@ -17,6 +17,9 @@ class WebLinks : public QObject {
 public:
     using Opener = std::function<void(const QString& address)>;
 
+    /// Without a default: QML would else make one of its own instead of asking `create`.
+    explicit WebLinks(QObject* parent) : QObject(parent) {}
+
     static WebLinks* create(QQmlEngine* engine, QJSEngine*);
 
     /// What opens addresses instead of the desktop's own way.

@@ -220,9 +220,12 @@ std::optional<PermissionBanner> DashboardModel::currentBanner() const {
     if (!agent)
         return std::nullopt;
     static const std::vector<BrowserPermission> none;
-    return kestrio::permissionBanner(agent->isAccessibilityGranted,
-                                     parts_.settings.boolean(settingKey::dismissedBrowserBanner),
-                                     parts_.browserAccess ? parts_.browserAccess->permissions().value() : none);
+    auto banner = kestrio::permissionBanner(agent->isAccessibilityGranted,
+                                            parts_.settings.boolean(settingKey::dismissedBrowserBanner),
+                                            parts_.browserAccess ? parts_.browserAccess->permissions().value() : none);
+    if (banner && !agent->isAccessibilityGranted && advice_)
+        banner->text = *advice_;
+    return banner;
 }
 
 void DashboardModel::lookAtPermissions() {
@@ -236,11 +239,12 @@ void DashboardModel::lookAtPermissions() {
 void DashboardModel::actOnBanner(const QString& action) {
     const auto banner = currentBanner();
     if (action == QLatin1StringView("grantAccessibility"))
-        parts_.host.grantAccessibility();
+        advice_ = parts_.host.privacyAdvice(Permissions::accessibilityPane);
     else if (action == QLatin1StringView("dismiss"))
         parts_.settings.set(settingKey::dismissedBrowserBanner, true);
     else if (banner && banner->browser && parts_.browserAccess)
         parts_.browserAccess->request(*banner->browser);
+    lookAtPermissions();
 }
 
 void DashboardModel::openAbout() {

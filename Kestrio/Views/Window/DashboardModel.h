@@ -119,6 +119,7 @@ private:
     const PageEntry* entry_ = nullptr;
     std::unique_ptr<PageModel> page_;
     bool isOnScreen_ = true;
+    std::optional<std::string> advice_; // what can be done about titles, once the person asked
     // As they were last told, so that nothing is drawn anew which did not change.
     QVariantMap dateControls_;
     QVariantMap status_;

@@ -37,8 +37,9 @@ void OverviewModel::refresh() {
     const auto page = overviewPage(report(), parts().dashboard.mode().value(), thumbnails, parts().viewpoint());
     const auto* const empty = std::get_if<EmptyActivity>(&page);
     empty_ = empty ? toVariant(*empty) : QVariant();
-    content_ = empty ? QVariantMap()
-                     : contentOf(std::get<OverviewPage>(page), activityChartValue(sharedReport(), parts().calendar));
+    // The cards are still there for a moment, and read on.
+    if (!empty)
+        content_ = contentOf(std::get<OverviewPage>(page), activityChartValue(sharedReport(), parts().calendar));
     Q_EMIT refreshed();
 }
 

@@ -14,7 +14,7 @@ ListRow {
         dashboard.selectNeighbour(step);
     }
 
-    activeFocusOnTab: selected
+    activeFocusOnTab: selected || activeFocus
     bottomPadding: Theme.xs + 2
     selected: dashboard.section === modelData.rawValue
     text: modelData.label

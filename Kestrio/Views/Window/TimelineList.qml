@@ -2,7 +2,6 @@
 // qmllint disable unqualified
 
 import QtQuick
-import QtQuick.Layouts
 import QtQuick.Templates as T
 import Kestrio.Charts
 import Kestrio.Design
@@ -13,6 +12,7 @@ ListView {
     id: list
 
     required property TimelineModel page
+    property bool isAtTop: true
 
     activeFocusOnTab: true
     boundsBehavior: Flickable.StopAtBounds
@@ -62,29 +62,49 @@ ListView {
             }
         }
     }
+    onContentYChanged: isAtTop = atYBeginning
+
     footer: Item {
         height: Theme.xl
     }
-    header: Column {
-        bottomPadding: list.page.message === "" ? 0 : Theme.xl
-        leftPadding: Theme.xl
+    header: Item {
+        // What stands above the rows grows upwards; who has not scrolled sees it from its beginning.
+        onHeightChanged: {
+            if (list.isAtTop)
+                Qt.callLater(list.positionViewAtBeginning);
+        }
+
+        height: (list.page.message === "" ? strips.height + 2 * Theme.l : message.implicitHeight + Theme.xl)
         width: list.width
 
-        Card {
-            visible: list.page.message === ""
-            width: parent.width - 2 * Theme.xl
+        Rectangle {
+            anchors.fill: strips
+            anchors.margins: -Theme.l
+            border.color: Theme.cardBorder
+            color: Theme.card
+            radius: Theme.radius
+            visible: strips.visible
+        }
 
-            DayStripsView {
-                Layout.fillWidth: true
-                value: list.page.strips
-            }
+        DayStripsView {
+            id: strips
+
+            value: list.page.strips
+            visible: list.page.message === ""
+            width: list.width - 2 * (Theme.xl + Theme.l)
+            x: Theme.xl + Theme.l
+            y: Theme.l
         }
 
         Paragraph {
+            id: message
+
             horizontalAlignment: Text.AlignHCenter
             text: list.page.message
             visible: text !== ""
-            width: parent.width - 2 * Theme.xl
+            width: list.width - 2 * Theme.xl
+            x: Theme.xl
+            y: Theme.l
         }
     }
 }

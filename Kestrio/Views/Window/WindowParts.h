@@ -6,6 +6,7 @@
 #include "Kestrio/Base/Clock.h"
 #include "Kestrio/Link/AgentLink.h"
 #include "Kestrio/Pages/Viewpoint.h"
+#include "Kestrio/Platform/DesktopAppearance.h"
 #include "Kestrio/Platform/KeyValueStore.h"
 #include "Kestrio/Reports/ReportStore.h"
 #include "Kestrio/Shell/BrowserAccess.h"
@@ -28,8 +29,6 @@ struct WindowSize {
 struct WindowHost {
     /// Starts the agent, which then says of itself that it runs. False when it cannot be started.
     std::function<bool()> startAgent = [] { return false; };
-    /// Leads the person to where access to window titles is given, or says what to do.
-    std::function<void()> grantAccessibility = [] {};
     /// Whether the application of this bundle identifier shows sites.
     std::function<bool(const std::string& bundleID)> isBrowser = [](const auto&) { return false; };
     /// What a person can do here where something cannot be read, by the name that other hosts have for the place in
@@ -40,6 +39,11 @@ struct WindowHost {
     /// The file with an application's icon, as `AppIconView` asks for it: on a thread of its own.
     std::function<std::optional<std::filesystem::path>(const std::string& application, int pixels)> iconFile =
         [](const auto&, int) { return std::nullopt; };
+    /// What the desktop asks of how programs look: the receiver hears of it on the main queue, until the token is
+    /// dropped.
+    std::function<Subscription(std::function<void(const DesktopAppearance&)>)> observeDesktop = [](const auto&) {
+        return Subscription();
+    };
     /// The size that the dashboard had when it was last closed; absent when it never was.
     std::function<std::optional<WindowSize>()> storedSize = [] { return std::nullopt; };
     std::function<void(WindowSize)> storeSize = [](auto) {};

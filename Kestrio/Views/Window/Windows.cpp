@@ -28,22 +28,25 @@ std::unique_ptr<QObject> create(QQmlComponent& component, const QVariantMap& pro
 
 } // namespace
 
-Windows::Windows(const WindowParts& parts) : parts_(parts) {
+Windows::Windows(const WindowParts& parts)
+    : parts_(parts),
+      panelParts_{.window = parts,
+                  .openDashboard = [this](const auto& page) { showDashboard({page}); },
+                  .openSettings = [this] { show(SettingsRequest{}); }} {
     // Naming it has the linker take the registration along.
     [[maybe_unused]] const volatile auto registration = &qml_register_types_Kestrio_Window;
-    // The second form of the same place is the one by which Qt 6.4 tells the module that a file belongs to, and so finds
-    // the types that it may use without an import.
-    engine_.setImportPathList(engine_.importPathList()
-                              << QStringLiteral("qrc:/qt/qml") << QStringLiteral("file::/qt/qml"));
     installDesign(engine_, parts.host.iconFile)
         .setMode(choice<AppearanceMode>(parts.settings, settingKey::appearanceMode));
-    appearance_ = parts.settings.observe([this](const std::string& key) {
+    tokens_.push_back(parts.settings.observe([this](const std::string& key) {
         if (key == settingKey::appearanceMode)
             appearance(engine_).setMode(choice<AppearanceMode>(parts_.settings, key));
-    });
+    }));
+    tokens_.push_back(parts.host.observeDesktop(
+        [this](const DesktopAppearance& desktop) { appearance(engine_).setDesktop(desktop); }));
 }
 
 Windows::~Windows() {
+    panels_.close();
     // Items read their models to the end.
     delete dashboard_.release();
     delete dashboardModel_.release();
@@ -53,8 +56,15 @@ void Windows::show(const WindowRequest& request, const std::string& activationTo
     // Where the framework looks for it when a window asks for the front.
     if (!activationToken.empty())
         qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(activationToken));
+    if (const auto* const panel = std::get_if<PanelRequest>(&request))
+        return panels_.show(*panel);
+    // The settings have no window yet; where they were asked for there is at least one.
     const auto* const dashboard = std::get_if<DashboardRequest>(&request);
     showDashboard(dashboard ? *dashboard : DashboardRequest{});
+}
+
+bool Windows::isAnyOpen() const {
+    return dashboard_ || panels_.window();
 }
 
 void Windows::showDashboard(const DashboardRequest& request) {

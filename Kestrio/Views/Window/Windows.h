@@ -4,6 +4,7 @@
 #pragma once
 
 #include "Kestrio/Link/WindowRequest.h"
+#include "Kestrio/Views/Window/Panels/Panels.h"
 #include "Kestrio/Views/Window/WindowParts.h"
 
 #include <QObject>
@@ -27,7 +28,7 @@ public:
     /// there is none.
     void show(const WindowRequest& request, const std::string& activationToken = {});
 
-    bool isAnyOpen() const { return dashboard_ != nullptr; }
+    bool isAnyOpen() const;
 
     /// Null while it is not open.
     QQuickWindow* dashboard() const { return dashboard_.get(); }
@@ -42,7 +43,9 @@ private:
 
     const WindowParts& parts_;
     QQmlEngine engine_;
-    Subscription appearance_;
+    std::vector<Subscription> tokens_;
+    const PanelParts panelParts_;
+    Panels panels_{engine_, panelParts_};
     std::unique_ptr<DashboardModel, Later> dashboardModel_;
     std::unique_ptr<QQuickWindow, Later> dashboard_;
 };

@@ -1,7 +1,9 @@
 // With a real socket that bears the name of a compositor's, and processes that connect to it.
 #include "Kestrio/Base/Descriptor.h"
 #include "Kestrio/Platform/Linux/WaylandClients.h"
+#include "Tests/Support/Eventually.h"
 #include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/VirtualDisplay.h"
 
 #include <csignal>
 #include <cstring>
@@ -83,6 +85,19 @@ TEST(WaylandClients, areThoseWithAConnection) {
     const auto connection = compositor.accept();
     const auto other = messageBus.accept();
     EXPECT_EQ(waylandClients({alone.process(), window.process(), service.process()}), std::vector{window.process()});
+}
+
+TEST(WaylandClients, areThoseOfARealCompositor) {
+    if (!std::filesystem::exists("/usr/bin/weston-simple-shm"))
+        GTEST_SKIP() << "no Weston";
+    const TemporaryFolder runtime;
+    const auto folder = "XDG_RUNTIME_DIR=" + runtime.path().string();
+    const TestProgram compositor({"weston", "--backend=headless-backend.so", "--socket=wayland-7"}, {folder});
+    ASSERT_TRUE(eventually([&] { return std::filesystem::exists(runtime.path() / "wayland-7"); }));
+    const TestProgram window({"weston-simple-shm"}, {folder, "WAYLAND_DISPLAY=wayland-7"});
+    EXPECT_TRUE(eventually([&] {
+        return waylandClients({compositor.process(), window.process()}) == std::vector{window.process()};
+    }));
 }
 
 TEST(WaylandClients, areNoneOfThoseThatAreGone) {

@@ -7,7 +7,7 @@ namespace kestrio {
 namespace {
 
 struct AppearanceTest : testing::Test {
-    Appearance appearance;
+    Appearance appearance{nullptr};
     QSignalSpy changes{&appearance, &Appearance::changed};
 };
 

@@ -5,9 +5,9 @@
 #include "Tests/Views/Design/Stage.h"
 
 #include <QtCore/QThread>
-#include <QtTest/QSignalSpy>
 #include <atomic>
 #include <fstream>
+#include <future>
 #include <mutex>
 #include <vector>
 
@@ -106,14 +106,20 @@ QImage delivered(QQuickImageResponse& response) {
 
 TEST(AppIconImages, answerLaterAndFromAnotherThread) {
     std::atomic<QThread*> lookedUpOn = nullptr;
+    std::promise<void> connected;
+    std::unique_ptr<QQuickImageResponse> response; // outlives the thread that delivers to it
     AppIconImages images([&](const std::string&, int) -> std::optional<fs::path> {
+        connected.get_future().wait();
         lookedUpOn = QThread::currentThread();
         return std::nullopt;
     });
-    const std::unique_ptr<QQuickImageResponse> response(
-        images.requestImageResponse("org.example.none?color=ff8800", {24, 24}));
-    QSignalSpy finished(response.get(), &QQuickImageResponse::finished);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return lookedUpOn != nullptr && !delivered(*response).isNull(); }, 10'000));
+    response.reset(images.requestImageResponse("org.example.none?color=ff8800", {24, 24}));
+    bool isFinished = false;
+    QObject here; // told on this thread, when the response has done with itself
+    QObject::connect(
+        response.get(), &QQuickImageResponse::finished, &here, [&] { isFinished = true; }, Qt::QueuedConnection);
+    connected.set_value();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return isFinished; }, 10'000));
     EXPECT_NE(lookedUpOn, QThread::currentThread());
     EXPECT_EQ(delivered(*response), SymbolSet::standard().image("app.dashed", QColor("#ff8800"), {24, 24}));
 }

@@ -20,7 +20,7 @@ TEST(WebLinks, opensPagesOfTheWebAlone) {
                 {"https://", false},
                 {"mailto:a@example.org", false}};
     for (const auto& row : rows) {
-        WebLinks links;
+        WebLinks links(nullptr);
         QString opened;
         links.setOpener([&](const QString& address) { opened = address; });
         EXPECT_EQ(links.canOpen(row.address), row.isOpened) << row.address;

@@ -21,8 +21,8 @@ TEST(DashboardView, opensThePageThatWasOpenLastOrTheOneAskedFor) {
         const char* opened;
     };
     const Row rows[]{
-        {"timeline", std::nullopt, "timeline"}, {"timeline", "overview", "overview"},
-        {"gone", std::nullopt, "overview"},     {"timeline", "gone", "timeline"},
+        {"timeline", std::nullopt, "timeline"},    {"timeline", "overview", "overview"},
+        {"gone", std::nullopt, "overview"},        {"timeline", "gone", "timeline"},
         {"resourceLog", std::nullopt, "overview"}, // it has no page yet
     };
     for (const auto& row : rows) {
@@ -74,14 +74,14 @@ TEST(DashboardView, theArrowsLeadThroughThePages) {
 
 TEST(DashboardView, theRangeMovesByItsControlsAndByKeys) {
     DashboardScreen screen;
-    EXPECT_TRUE(screen.shows("Friday 20 November 2026"));
+    EXPECT_TRUE(screen.shows("Friday, 20 November 2026"));
     screen.press(Qt::Key_BracketLeft, Qt::ControlModifier);
     EXPECT_TRUE(screen.shows("Yesterday"));
-    EXPECT_TRUE(screen.shows("Thursday 19 November 2026"));
+    EXPECT_TRUE(screen.shows("Thursday, 19 November 2026"));
     screen.press(Qt::Key_BracketRight, Qt::ControlModifier);
-    EXPECT_TRUE(screen.shows("Friday 20 November 2026"));
+    EXPECT_TRUE(screen.shows("Friday, 20 November 2026"));
     screen.press(Qt::Key_BracketRight, Qt::ControlModifier);
-    EXPECT_TRUE(screen.shows("Friday 20 November 2026")) << "nothing lies after the present";
+    EXPECT_TRUE(screen.shows("Friday, 20 November 2026")) << "nothing lies after the present";
     screen.click("Week");
     EXPECT_TRUE(screen.shows("This Week"));
     screen.click(screen.named("Previous", QAccessible::PushButton));
@@ -90,7 +90,7 @@ TEST(DashboardView, theRangeMovesByItsControlsAndByKeys) {
     EXPECT_TRUE(screen.shows("This Month"));
     screen.press(Qt::Key_T, Qt::ControlModifier);
     screen.click("Day");
-    EXPECT_TRUE(screen.shows("Friday 20 November 2026"));
+    EXPECT_TRUE(screen.shows("Friday, 20 November 2026"));
 }
 
 TEST(DashboardView, aRefreshLoadsAnew) {
@@ -131,7 +131,8 @@ TEST(DashboardView, pausesByTheEntriesOfItsMenu) {
         screen.model.pause(entry);
     screen.settle();
     // Until tomorrow is half past six hours away.
-    EXPECT_EQ(screen.script.done, (std::vector<std::string>{"pause for 1800", "pause for 3600", "pause for 23400", "pause"}));
+    EXPECT_EQ(screen.script.done,
+              (std::vector<std::string>{"pause for 1800", "pause for 3600", "pause for 23400", "pause"}));
 }
 
 TEST(DashboardView, resumesWhileItIsPaused) {
@@ -167,14 +168,17 @@ TEST(DashboardView, withoutAnAgentItShowsWhatIsStoredAndOffersToStartOne) {
 }
 
 TEST(DashboardView, saysThatTitlesCannotBeReadEvenToWhoDismissedTheBandAboutBrowsers) {
-    DashboardScreen screen({.prepare = [](WindowStage& stage) {
-        stage.settings.set(settingKey::dismissedBrowserBanner, true);
-    }});
+    DashboardScreen screen(
+        {.prepare = [](WindowStage& stage) { stage.settings.set(settingKey::dismissedBrowserBanner, true); }});
     constexpr auto title = "Allow Accessibility access to see window titles";
     EXPECT_FALSE(screen.shows(title));
     screen.tell([](AgentStatus& status) { status.isAccessibilityGranted = false; });
     EXPECT_TRUE(screen.shows(title));
-    EXPECT_TRUE(screen.shows("Grant Access"));
+    screen.parts.host.privacyAdvice = [](std::string_view place) {
+        return std::optional("Do this about " + std::string(place) + ".");
+    };
+    screen.click("Grant Access");
+    EXPECT_TRUE(screen.shows("Do this about Privacy_Accessibility."));
 }
 
 TEST(DashboardView, aChangeOfStoredSessionsElsewhereLoadsAnew) {

@@ -20,7 +20,7 @@ TEST(OverviewView, showsTheFiguresAndTheCards) {
     const OverviewScreen screen;
     for (const auto* const text : {"Active Time", "Productive", "Distracting", "Alongside", "App Switches", "Activity",
                                    "Categories", "Top Apps", "Top Websites", "YouTube", "Watched & listened alongside",
-                                   "Projects", "No YouTube videos watched."})
+                                   "Projects", "No YouTube videos watched.", "Editor", "a.org", "harbour", "Song"})
         EXPECT_TRUE(screen.shows(text)) << text;
 }
 

@@ -89,7 +89,7 @@ public:
     /// A button takes its words for its name once somebody listens, which on no screen nobody does.
     static QString accessibleName(QQuickItem& item) {
         const auto name = QAccessible::queryAccessibleInterface(&item)->text(QAccessible::Name);
-        return name.isEmpty() ? item.property("text").toString() : name;
+        return name.isEmpty() && item.inherits("QQuickAbstractButton") ? item.property("text").toString() : name;
     }
 
     void click(QQuickItem* item) {

@@ -54,7 +54,7 @@ struct WindowStage {
     MemoryKeyValueStore settings;
     ClassificationSettings classification{settings};
     AgentScript script;
-    const bool isAgentThere;
+    bool isAgentThere;
     AgentLink agent{main, agentQueue, [this](auto) -> std::optional<AgentConnection> {
                         if (!isAgentThere)
                             return std::nullopt;
