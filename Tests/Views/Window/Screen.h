@@ -56,7 +56,12 @@ public:
 
     QQmlEngine& engine() { return engine_; }
     QQuickWindow& window() { return *window_; }
-    static void settle() { QCoreApplication::processEvents(); }
+    /// Everything is laid out and stands where it will stand.
+    void settle() {
+        QCoreApplication::processEvents();
+        window_->grabWindow();
+        QCoreApplication::processEvents();
+    }
 
     /// Every item that shows and fits, those in front last.
     std::vector<QQuickItem*> items(const std::function<bool(QQuickItem&)>& fits) const {
@@ -84,7 +89,7 @@ public:
     /// A button takes its words for its name once somebody listens, which on no screen nobody does.
     static QString accessibleName(QQuickItem& item) {
         const auto name = QAccessible::queryAccessibleInterface(&item)->text(QAccessible::Name);
-        return name.isEmpty() ? item.property("text").toString() : name;
+        return name.isEmpty() && item.inherits("QQuickAbstractButton") ? item.property("text").toString() : name;
     }
 
     void click(QQuickItem* item) {

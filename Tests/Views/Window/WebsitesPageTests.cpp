@@ -20,7 +20,7 @@ TEST(WebsitesView, itsListIsFilteredBySitesAndTheirPages) {
     EXPECT_TRUE(screen.shows("Select a website"));
     screen.enter("Filter");
     screen.type("beta");
-    EXPECT_FALSE(screen.shows("a.org"));
+    EXPECT_EQ(screen.model.rows()->count(), 1);
     EXPECT_TRUE(screen.shows("b.org"));
     screen.type("x");
     EXPECT_TRUE(screen.shows("No matches."));
@@ -41,7 +41,7 @@ TEST(WebsitesView, aSelectionOutlivesTheFilterOfTheList) {
 TEST(WebsitesView, tellsOfTheSite) {
     WebsitesScreen screen;
     screen.click("a.org");
-    for (const auto* const text : {"Pages", "Alpha", "Played alongside", "Film", "When", "2 visits", "2 pages"})
+    for (const auto* const text : {"Pages", "Alpha", "Played alongside", "Film", "When", "2 visits  ·  2 pages  ·  Browser"})
         EXPECT_TRUE(screen.shows(text)) << text;
     screen.click("b.org");
     EXPECT_FALSE(screen.shows("Film"));
@@ -55,7 +55,7 @@ TEST(WebsitesView, changesTheCategoryOfTheSite) {
     screen.settle();
     EXPECT_EQ(screen.settings.get<SettingDictionary>("domainCategoryOverrides"),
               (SettingDictionary{{"b.org", "work"}}));
-    EXPECT_NE(screen.named("Work", QAccessible::ButtonMenu), nullptr);
+    EXPECT_TRUE(screen.shows("Work"));
     screen.model.setCategory("");
     EXPECT_EQ(screen.settings.get<SettingDictionary>("domainCategoryOverrides").value_or(SettingDictionary()),
               SettingDictionary());

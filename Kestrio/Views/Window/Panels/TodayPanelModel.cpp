@@ -1,6 +1,5 @@
 #include "Kestrio/Views/Window/Panels/TodayPanelModel.h"
 
-#include "Kestrio/Activity/Permissions.h"
 #include "Kestrio/Shell/Settings.h"
 #include "Kestrio/Views/Values/Panels.h"
 
