@@ -6,34 +6,16 @@
 #include "Kestrio/Base/Clock.h"
 #include "Kestrio/Platform/Linux/LinuxProcessTable.h"
 #include "Kestrio/Resources/AppProcessScanner.h"
+#include "Tests/Support/AllocationCounter.h"
 
 #include <benchmark/benchmark.h>
 #include <csignal>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <libproc2/pids.h>
-#include <new>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-namespace {
-std::size_t allocations = 0;
-}
-
-[[gnu::noinline]] void* operator new(std::size_t size) {
-    ++allocations;
-    if (void* memory = std::malloc(size == 0 ? 1 : size))
-        return memory;
-    throw std::bad_alloc();
-}
-[[gnu::noinline]] void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
 
 namespace kestrio {
 namespace {
@@ -116,10 +98,10 @@ void scan(benchmark::State& state, LinuxProcessTable& table) {
     AppProcessScanner scanner(table, clock, Seconds(40));
     scanner.scan();
     scanner.scan();
-    const auto before = allocations;
+    const auto before = allocationCount();
     for (auto _ : state)
         benchmark::DoNotOptimize(scanner.scan());
-    report(state, scanner.processCount(), allocations - before);
+    report(state, scanner.processCount(), allocationCount() - before);
 }
 
 void scanOf300(benchmark::State& state) {
@@ -141,14 +123,14 @@ void firstScanOf300(benchmark::State& state) {
     const Crowd crowd(300);
     const SystemClock clock;
     std::size_t count = 0;
-    const auto before = allocations;
+    const auto before = allocationCount();
     for (auto _ : state) {
         LinuxProcessTable table(LinuxProcessTable::setupOfThisMachine(), nullptr);
         AppProcessScanner scanner(table, clock, Seconds(40));
         benchmark::DoNotOptimize(scanner.scan());
         count = scanner.processCount();
     }
-    report(state, count, allocations - before);
+    report(state, count, allocationCount() - before);
 }
 BENCHMARK(firstScanOf300)->Unit(benchmark::kMicrosecond);
 

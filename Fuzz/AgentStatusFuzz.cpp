@@ -3,9 +3,12 @@
 
 #include <nlohmann/json.hpp>
 
-/// What an agent of any version sends is a status or none; a status survives the way there and back.
+/// What an agent of any version sends is a status, or a cost, or none; each survives the way there and back.
 void kestrio::fuzz(std::string_view input) {
-    const auto status = agentStatusFromJSON(nlohmann::ordered_json::parse(input, nullptr, false));
-    if (status)
-        require(agentStatusFromJSON(nlohmann::ordered_json::parse(toJSON(*status).dump())) == status);
+    using JSON = nlohmann::ordered_json;
+    const auto json = JSON::parse(input, nullptr, false);
+    if (const auto status = agentStatusFromJSON(json))
+        require(agentStatusFromJSON(JSON::parse(toJSON(*status).dump())) == status);
+    if (const auto cost = agentCostFromJSON(json))
+        require(agentCostFromJSON(JSON::parse(toJSON(*cost).dump())) == cost);
 }

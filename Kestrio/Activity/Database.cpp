@@ -151,6 +151,17 @@ void Database::shrinkOnQueue() {
     sqlite::execute(connection_.get(), "PRAGMA wal_checkpoint(TRUNCATE)");
 }
 
+Seconds Database::timeInFront(DateInterval interval, std::optional<std::int64_t> withoutRow) {
+    return queue_.sync([&] {
+        auto statement = prepare(sessionRows::timeInFrontSQL);
+        sessionRows::bindRange(statement, interval.start, interval.end);
+        statement.bind(4, rawValue(SessionKind::watching));
+        statement.bind(5, rawValue(SessionKind::listening));
+        statement.bind(6, withoutRow.value_or(-1)); // which no row has
+        return Seconds(statement.step() == Step::row ? statement.real(0) : 0);
+    });
+}
+
 std::int64_t Database::sessionCount() {
     return queue_.sync([&] {
         auto statement = prepare("SELECT COUNT(*) FROM sessions");

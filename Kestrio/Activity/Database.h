@@ -49,6 +49,9 @@ public:
     void deleteSessions(Date before);
     void deleteAll();
 
+    /// The time in front within the interval, without that of one row. As `sessions` finds them; 0 on failure.
+    Seconds timeInFront(DateInterval interval, std::optional<std::int64_t> withoutRow);
+
     std::int64_t sessionCount();
     /// Absent when there is no session.
     std::optional<Date> earliestStart();

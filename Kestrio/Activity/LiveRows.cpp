@@ -1,5 +1,7 @@
 #include "Kestrio/Activity/LiveRows.h"
 
+#include "Kestrio/Activity/AlongsideSessions.h"
+
 #include <algorithm>
 
 namespace kestrio {
@@ -17,6 +19,16 @@ void joinLive(std::vector<ActivitySession>& stored, const LiveActivity& live, Da
                                   [&](const ActivitySession& session) { return session.id == *live.rowID; });
     if (row != stored.end())
         row->end = std::max(row->end, live.lastSeen);
+}
+
+void joinOpen(std::vector<ActivitySession>& stored, const std::optional<LiveActivity>& live,
+              const std::vector<LiveActivity>& alongside, DateInterval interval) {
+    std::int64_t nextID = -1;
+    if (live)
+        joinLive(stored, *live, interval, nextID);
+    for (const auto& session : alongside)
+        if (session.lastSeen - session.start >= AlongsideSessions::minimum)
+            joinLive(stored, session, interval, nextID);
 }
 
 } // namespace kestrio

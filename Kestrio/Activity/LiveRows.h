@@ -13,4 +13,8 @@ namespace kestrio {
 void joinLive(std::vector<ActivitySession>& stored, const LiveActivity& live, DateInterval interval,
               std::int64_t& nextID);
 
+/// Adds all that is open, the main session and those alongside that have lasted long enough to count.
+void joinOpen(std::vector<ActivitySession>& stored, const std::optional<LiveActivity>& live,
+              const std::vector<LiveActivity>& alongside, DateInterval interval);
+
 } // namespace kestrio

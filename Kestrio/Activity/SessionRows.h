@@ -19,6 +19,10 @@ inline constexpr auto rangeSQL = "SELECT id, start, end, bundle_id, app_name, ti
                                  "FROM sessions\n"
                                  "WHERE start >= ? AND start < ? AND end > ?\n"
                                  "ORDER BY start";
+/// A kind that nobody knows counts as in front, as in `decode`.
+inline constexpr auto timeInFrontSQL = "SELECT SUM(MAX(0, MIN(end, ?2) - MAX(start, ?3))) FROM sessions\n"
+                                       "WHERE start >= ?1 AND start < ?2 AND end > ?3 AND kind NOT IN (?4, ?5)\n"
+                                       "AND id != ?6";
 void bindRange(sqlite::Statement& statement, Date from, Date to);
 ActivitySession decode(const sqlite::Statement& row);
 

@@ -5,6 +5,8 @@
 #pragma once
 
 #include "Kestrio/Base/Subscription.h"
+#include "Kestrio/Link/AgentCost.h"
+#include "Kestrio/Link/MonitorReading.h"
 #include "Kestrio/Model/Models.h"
 #include "Kestrio/Reports/SessionImport.h"
 
@@ -15,6 +17,8 @@
 #include <vector>
 
 namespace kestrio {
+
+class OptimizerLink;
 
 /// Everything that lives in the agent's memory.
 struct AgentStatus {
@@ -60,7 +64,15 @@ public:
     /// Pauses for a length above 0, or with an absent one until somebody resumes.
     virtual Failure pause(std::optional<Seconds> length) = 0;
     virtual Failure resume() = 0;
-    virtual Failure openDashboard() = 0;
+
+    /// Shows the dashboard: a page by its raw text, or the one that was open last.
+    virtual Failure openDashboard(std::optional<std::string> page) = 0;
+
+    /// Shows the settings: a tab by its raw text, or the one that was open last.
+    virtual Failure openSettings(std::optional<std::string> tab) = 0;
+
+    /// Ends the agent in order, and with it the recording. Returns before it has ended.
+    virtual Failure quit() = 0;
 
     /// Brings the sessions of exported files into the database, which is the agent's alone to write. Does not wait;
     /// takes as long as it takes. Dropping the token stops it; its end is told all the same, unless the agent goes
@@ -74,9 +86,19 @@ public:
     /// answer.
     virtual std::optional<std::vector<BrowserReading>> browsers() = 0;
 
+    /// What the agent itself takes of the machine. Absent when it does not answer.
+    virtual std::optional<AgentCost> ownCost() = 0;
+
     /// `receiver` hears of every published change, within two seconds of it, until the token is dropped or the agent
     /// ends.
     virtual Subscription observe(std::function<void(const AgentStatus&)> receiver) = 0;
+
+    /// `receiver` hears of the system monitor's readings, one every two seconds or so and the first within moments,
+    /// until the token is dropped or the agent ends. The monitor looks closely for as long as anybody observes it. The
+    /// token is empty when the agent does not answer.
+    virtual Subscription observeMonitor(std::function<void(const MonitorReading&)> receiver) = 0;
+    /// What may be asked of the optimizer, for as long as this lives. Null where there is none.
+    virtual OptimizerLink* optimizer() = 0;
 };
 
 } // namespace kestrio

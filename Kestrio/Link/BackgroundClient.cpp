@@ -2,7 +2,9 @@
 
 #include "Kestrio/Base/Text.h"
 #include "Kestrio/Link/BusNames.h"
+#include "Kestrio/Link/BusWords.h"
 #include "Kestrio/Link/ImportJSON.h"
+#include "Kestrio/Link/OptimizerClient.h"
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
@@ -19,15 +21,16 @@ std::chrono::microseconds deadline() {
 /// How long an import may take before nobody waits for it any more.
 constexpr std::chrono::hours importDeadline{24};
 
-constexpr auto noAnswer = "Kestrio does not answer";
-
-std::optional<AgentStatus> parse(const std::string& text) {
-    return agentStatusFromJSON(nlohmann::ordered_json::parse(text, nullptr, false));
+/// What is no JSON is a value of a type of its own, which no reader takes.
+nlohmann::ordered_json parsed(const std::string& text) {
+    return nlohmann::ordered_json::parse(text, nullptr, false);
 }
 
-/// What the agent itself says is for the person; what the library says is not.
-std::string wordsOf(const sdbus::Error& error) {
-    return error.getName().starts_with(busNames::errorPrefix) ? error.getMessage() : noAnswer;
+/// The rule for the notice that the agent's name has no owner any more.
+std::string agentLeaves() {
+    return std::string("type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
+                       "member='NameOwnerChanged',arg0='") +
+           busNames::service + "',arg2=''";
 }
 
 } // namespace
@@ -53,11 +56,12 @@ std::unique_ptr<BackgroundClient> BackgroundClient::connect(const std::string& b
 BackgroundClient::BackgroundClient(std::unique_ptr<sdbus::IConnection> connection)
     : connection_(std::move(connection)),
       proxy_(sdbus::createProxy(*connection_, busNames::service, busNames::object)),
+      optimizer_(std::make_unique<OptimizerClient>(*connection_)),
       receiver_(std::make_shared<std::function<void(const AgentStatus&)>>()) {
     proxy_->uponSignal("Changed")
         .onInterface(busNames::interface)
         .call([receiver = receiver_](const std::string& json) {
-            if (const auto status = parse(json); status && *receiver)
+            if (const auto status = agentStatusFromJSON(parsed(json)); status && *receiver)
                 (*receiver)(*status);
         });
     proxy_->uponSignal("ActivityDataDidChange").onInterface(busNames::interface).call([receiver = dataReceiver_] {
@@ -70,19 +74,35 @@ BackgroundClient::BackgroundClient(std::unique_ptr<sdbus::IConnection> connectio
             if (*receiver)
                 (*receiver)(share);
         });
+    proxy_->uponSignal("MonitorReading")
+        .onInterface(busNames::interface)
+        .call([readings = monitorReadings_](const std::string& json) {
+            if (const auto reading = monitorReadingFromJSON(parsed(json)))
+                readings->emit(*reading);
+        });
     proxy_->finishRegistration();
 }
 
 BackgroundClient::~BackgroundClient() = default;
 
-std::optional<AgentStatus> BackgroundClient::status() {
+std::optional<std::string> BackgroundClient::answer(const char* method) {
     try {
-        std::string json;
-        proxy_->callMethod("Status").onInterface(busNames::interface).withTimeout(deadline()).storeResultsTo(json);
-        return parse(json);
+        std::string text;
+        proxy_->callMethod(method).onInterface(busNames::interface).withTimeout(deadline()).storeResultsTo(text);
+        return text;
     } catch (const sdbus::Error&) {
         return std::nullopt;
     }
+}
+
+std::optional<AgentStatus> BackgroundClient::status() {
+    const auto json = answer("Status");
+    return json ? agentStatusFromJSON(parsed(*json)) : std::nullopt;
+}
+
+std::optional<AgentCost> BackgroundClient::ownCost() {
+    const auto json = answer("OwnCost");
+    return json ? agentCostFromJSON(parsed(*json)) : std::nullopt;
 }
 
 template <class... Arguments>
@@ -93,7 +113,7 @@ Background::Failure BackgroundClient::call(const char* method, Arguments... argu
         proxy_->callMethod(request, static_cast<std::uint64_t>(deadline().count()));
         return std::nullopt;
     } catch (const sdbus::Error& error) {
-        return wordsOf(error);
+        return busWords(error);
     }
 }
 
@@ -105,8 +125,16 @@ Background::Failure BackgroundClient::resume() {
     return call("Resume");
 }
 
-Background::Failure BackgroundClient::openDashboard() {
-    return call("OpenDashboard");
+Background::Failure BackgroundClient::openDashboard(std::optional<std::string> page) {
+    return page ? call("OpenPage", *page) : call("OpenDashboard");
+}
+
+Background::Failure BackgroundClient::openSettings(std::optional<std::string> tab) {
+    return call("OpenSettings", tab.value_or(""));
+}
+
+Background::Failure BackgroundClient::quit() {
+    return call("Quit");
 }
 
 Subscription BackgroundClient::importFiles(std::vector<SessionFile> files, ImportReceiver receiver) {
@@ -115,8 +143,8 @@ Subscription BackgroundClient::importFiles(std::vector<SessionFile> files, Impor
     const auto answered = [isOver, ended = std::move(receiver.ended)](const sdbus::Error* error,
                                                                       const std::string& json) {
         *isOver = true;
-        const auto outcome = importOutcomeFromJSON(nlohmann::ordered_json::parse(json, nullptr, false));
-        ended(error ? ImportFailure{wordsOf(*error)} : outcome.value_or(ImportFailure{noAnswer}));
+        const auto outcome = importOutcomeFromJSON(parsed(json));
+        ended(error ? ImportFailure{busWords(*error)} : outcome.value_or(ImportFailure{noAnswer}));
     };
     try {
         std::vector<sdbus::Struct<std::string, sdbus::UnixFd>> onBus;
@@ -176,17 +204,50 @@ Subscription BackgroundClient::observe(std::function<void(const AgentStatus&)> r
     return Subscription([held = receiver_] { *held = nullptr; });
 }
 
+Subscription BackgroundClient::observeMonitor(std::function<void(const MonitorReading&)> receiver) {
+    auto token = std::make_shared<Subscription>(monitorReadings_->subscribe(std::move(receiver)));
+    if (call("WatchMonitor"))
+        return {};
+    return Subscription([token, weak = std::weak_ptr(self_)] {
+        token->cancel();
+        if (const auto self = weak.lock(); self && !(*self)->monitorReadings_->hasReceivers())
+            (*self)->tell("UnwatchMonitor");
+    });
+}
+
+void BackgroundClient::tell(const char* method) {
+    try {
+        proxy_->callMethod(method).onInterface(busNames::interface).dontExpectReply();
+    } catch (const sdbus::Error&) {
+        // The bus is gone, and with it whom this would have told.
+    }
+}
+
+int BackgroundClient::descriptor() const {
+    return connection_->getEventLoopPollData().fd;
+}
+
+Subscription BackgroundClient::observeEnd(std::function<void()> receiver) {
+    try {
+        const auto slot = std::make_shared<sdbus::Slot>(
+            connection_->addMatch(agentLeaves(), [receiver = std::move(receiver)](sdbus::Message&) { receiver(); }));
+        return Subscription([slot] { slot->reset(); });
+    } catch (const sdbus::Error&) {
+        return {}; // the bus went, as whoever serves will see
+    }
+}
+
+OptimizerLink* BackgroundClient::optimizer() {
+    return optimizer_.get();
+}
+
 bool BackgroundClient::run() {
     bool agentEnded = false;
     try {
-        const auto leaving = connection_->addMatch(
-            std::string("type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
-                        "member='NameOwnerChanged',arg0='") +
-                busNames::service + "',arg2=''",
-            [&](sdbus::Message&) {
-                agentEnded = true;
-                connection_->leaveEventLoop();
-            });
+        const auto leaving = connection_->addMatch(agentLeaves(), [&](sdbus::Message&) {
+            agentEnded = true;
+            connection_->leaveEventLoop();
+        });
         if (!status()) // gone before the rule was there
             return true;
         connection_->enterEventLoop();

@@ -2,6 +2,7 @@
 
 #include "Kestrio/Link/BusNames.h"
 #include "Kestrio/Link/ImportJSON.h"
+#include "Kestrio/Link/OptimizerService.h"
 
 #include <nlohmann/json.hpp>
 #include <sdbus-c++/sdbus-c++.h>
@@ -13,6 +14,12 @@ using busNames::interface;
 /// Somebody who watches, and the rule by which their leaving is heard of.
 struct BackgroundService::Watcher {
     sdbus::Slot leaving;
+};
+
+/// Somebody who follows the system monitor.
+struct BackgroundService::MonitorWatcher {
+    sdbus::Slot leaving;
+    Subscription readings;
 };
 
 /// Somebody who waits for an import.
@@ -77,6 +84,8 @@ std::unique_ptr<BackgroundService> BackgroundService::offer(sdbus::IConnection& 
     // The object stands before the name does, so that nobody finds the one without the other.
     const bool offered = service->perform_([&](sdbus::IConnection&) {
         service->registerObject(connection);
+        if (auto* optimizer = background.optimizer())
+            service->optimizer_ = std::make_unique<OptimizerService>(connection, *optimizer);
         connection.requestName(busNames::service);
     });
     if (!offered)
@@ -97,8 +106,19 @@ void BackgroundService::registerObject(sdbus::IConnection& connection) {
     });
     object_->registerMethod("Resume").onInterface(interface).implementedAs([this] { require(background_.resume()); });
     object_->registerMethod("OpenDashboard").onInterface(interface).implementedAs([this] {
-        require(background_.openDashboard());
+        require(background_.openDashboard(std::nullopt));
     });
+    object_->registerMethod("OpenPage")
+        .onInterface(interface)
+        .withInputParamNames("page")
+        .implementedAs([this](const std::string& page) { require(background_.openDashboard(page)); });
+    object_->registerMethod("OpenSettings")
+        .onInterface(interface)
+        .withInputParamNames("tab")
+        .implementedAs([this](const std::string& tab) {
+            require(background_.openSettings(tab.empty() ? std::nullopt : std::optional(tab)));
+        });
+    object_->registerMethod("Quit").onInterface(interface).implementedAs([this] { require(background_.quit()); });
     object_->registerMethod("Browsers")
         .onInterface(interface)
         .withOutputParamNames("browsers") // each the bundle identifier, whether it is connected, whether accessible
@@ -112,7 +132,17 @@ void BackgroundService::registerObject(sdbus::IConnection& connection) {
         const auto status = background_.status();
         return status ? text(*status) : std::string();
     });
+    object_->registerMethod("OwnCost").onInterface(interface).withOutputParamNames("json").implementedAs([this] {
+        const auto cost = background_.ownCost();
+        return cost ? text(*cost) : std::string();
+    });
     object_->registerMethod("Watch").onInterface(interface).implementedAs([this, &connection] { watch(connection); });
+    object_->registerMethod("WatchMonitor").onInterface(interface).implementedAs([this, &connection] {
+        watchMonitor(connection);
+    });
+    object_->registerMethod("UnwatchMonitor").onInterface(interface).implementedAs([this] {
+        monitorWatchers_.erase(object_->getCurrentlyProcessedMessage()->getSender());
+    });
     object_->registerMethod("Import")
         .onInterface(interface)
         .withInputParamNames("files")
@@ -134,6 +164,7 @@ void BackgroundService::registerObject(sdbus::IConnection& connection) {
     object_->registerProperty("Version").onInterface(interface).withGetter(
         [this] { return background_.status()->version; });
     object_->registerSignal("Changed").onInterface(interface).withParameters<std::string>("json");
+    object_->registerSignal("MonitorReading").onInterface(interface).withParameters<std::string>("json");
     object_->registerSignal("ImportProgress").onInterface(interface).withParameters<double>("share");
     object_->registerSignal("ActivityDataDidChange").onInterface(interface);
     object_->finishRegistration();
@@ -167,63 +198,80 @@ void BackgroundService::forget(const std::string& watcher) {
         changes_.cancel();
 }
 
-void BackgroundService::beginImport(sdbus::IConnection& connection, std::shared_ptr<Import> import,
-                                    std::vector<SessionFile> files) {
-    const auto& caller = import->caller;
-    if (!imports_.emplace(caller, import).second)
-        return import->result.returnError(sdbus::Error(busNames::errorFailed, "Another import is under way."));
-    import->leaving = observeLeaving(connection, caller, [this, caller] {
-        afterwards([caller](BackgroundService& self) { self.stopImport(caller);
-});
-} // namespace kestrio
-);
-const auto withSelf = [weakSelf = std::weak_ptr(self_), weak = std::weak_ptr(import)](auto work) {
-    return [weakSelf, weak, work](const auto& what) {
-        const auto self = weakSelf.lock();
-        if (const auto import_ = weak.lock(); self && import_)
-            work(**self, *import_, what);
-    };
-};
-    import->running = background_.importFiles(
-        std::move(files),
-        {.progress = withSelf([](auto& self, const auto& running, double share) { self.tellShare(running, share);
-    }),
-         .ended = withSelf([](auto& self, const auto& ended, const auto& outcome) {
-    self.endImport(ended, outcome); })
+void BackgroundService::watchMonitor(sdbus::IConnection& connection) {
+    const auto sender = object_->getCurrentlyProcessedMessage()->getSender();
+    if (monitorWatchers_.contains(sender))
+        return;
+    auto watcher = std::make_unique<MonitorWatcher>();
+    watcher->leaving = observeLeaving(connection, sender, [this, sender] {
+        afterwards([sender](BackgroundService& self) { self.monitorWatchers_.erase(sender); });
     });
+    if (!isOnBus(connection, sender))
+        return; // left before the rule was there
+    watcher->readings =
+        background_.observeMonitor([this, sender](const MonitorReading& reading) { tellReading(sender, reading); });
+    monitorWatchers_.emplace(sender, std::move(watcher));
+}
+
+void BackgroundService::tellReading(const std::string& watcher, const MonitorReading& reading) {
+    perform_([&](sdbus::IConnection&) {
+        auto signal = object_->createSignal(interface, "MonitorReading");
+        signal << text(reading);
+        signal.setDestination(watcher);
+        object_->emitSignal(signal);
+    });
+}
+
+void BackgroundService::beginImport(sdbus::IConnection& connection, std::shared_ptr<Import> begun,
+                                    std::vector<SessionFile> files) {
+    const auto& caller = begun->caller;
+    if (!imports_.emplace(caller, begun).second)
+        return begun->result.returnError(sdbus::Error(busNames::errorFailed, "Another import is under way."));
+    begun->leaving = observeLeaving(connection, caller, [this, caller] {
+        afterwards([caller](BackgroundService& self) { self.stopImport(caller); });
+    });
+    const auto withSelf = [weakSelf = std::weak_ptr(self_), weak = std::weak_ptr(begun)](auto work) {
+        return [weakSelf, weak, work](const auto& what) {
+            const auto self = weakSelf.lock();
+            if (const auto import = weak.lock(); self && import)
+                work(**self, *import, what);
+        };
+    };
+    begun->running = background_.importFiles(
+        std::move(files),
+        {.progress = withSelf([](auto& self, const auto& running, double share) { self.tellShare(running, share); }),
+         .ended =
+             withSelf([](auto& self, const auto& ended, const auto& outcome) { self.endImport(ended, outcome); })});
     if (!isOnBus(connection, caller))
         stopImport(caller); // left before the rule was there
-    }
+}
 
-    void BackgroundService::stopImport(const std::string& caller) {
-        if (const auto found = imports_.find(caller); found != imports_.end())
-            found->second->running.cancel();
-    }
+void BackgroundService::stopImport(const std::string& caller) {
+    if (const auto found = imports_.find(caller); found != imports_.end())
+        found->second->running.cancel();
+}
 
-    void BackgroundService::tellShare(const Import& import, double share) {
-        perform_([&](sdbus::IConnection&) {
-            auto signal = object_->createSignal(interface, "ImportProgress");
-            signal << share;
-            signal.setDestination(import.caller);
-            object_->emitSignal(signal);
-        });
-    }
+void BackgroundService::tellShare(const Import& import, double share) {
+    perform_([&](sdbus::IConnection&) {
+        auto signal = object_->createSignal(interface, "ImportProgress");
+        signal << share;
+        signal.setDestination(import.caller);
+        object_->emitSignal(signal);
+    });
+}
 
-    void BackgroundService::endImport(const Import& import, const ImportOutcome& outcome) {
-        perform_([&](sdbus::IConnection&) { import.result.returnResults(text(outcome)); });
-        imports_.erase(import.caller);
-    }
+void BackgroundService::endImport(const Import& import, const ImportOutcome& outcome) {
+    perform_([&](sdbus::IConnection&) { import.result.returnResults(text(outcome)); });
+    imports_.erase(import.caller);
+}
 
-    void BackgroundService::tell(const AgentStatus& status) {
-        const auto json = text(status);
-        perform_(
-            [&](sdbus::IConnection&) { object_->emitSignal("Changed").onInterface(interface).withArguments(json); });
-    }
+void BackgroundService::tell(const AgentStatus& status) {
+    const auto json = text(status);
+    perform_([&](sdbus::IConnection&) { object_->emitSignal("Changed").onInterface(interface).withArguments(json); });
+}
 
-    void BackgroundService::tellState() {
-        perform_([&](sdbus::IConnection&) {
-            object_->emitPropertiesChangedSignal(interface, {"State", "PausedUntil"});
-        });
-    }
+void BackgroundService::tellState() {
+    perform_([&](sdbus::IConnection&) { object_->emitPropertiesChangedSignal(interface, {"State", "PausedUntil"}); });
+}
 
-    } // namespace kestrio
+} // namespace kestrio

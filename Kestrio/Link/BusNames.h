@@ -1,4 +1,4 @@
-// How the agent is found on the session bus.
+// How the agent, and the process with the windows, are found on the session bus.
 #pragma once
 
 namespace kestrio::busNames {
@@ -7,6 +7,13 @@ namespace kestrio::busNames {
 inline constexpr auto service = "dev.haldorvinter.Kestrio";
 inline constexpr auto object = "/dev/haldorvinter/Kestrio";
 inline constexpr auto interface = "dev.haldorvinter.Kestrio";
+
+/// The name of the process with the windows; also the guard against a second one.
+inline constexpr auto windowService = "dev.haldorvinter.Kestrio.Window";
+inline constexpr auto windowObject = "/dev/haldorvinter/Kestrio/Window";
+inline constexpr auto windowInterface = "dev.haldorvinter.Kestrio.Window";
+inline constexpr auto optimizerObject = "/dev/haldorvinter/Kestrio/Optimizer";
+inline constexpr auto optimizerInterface = "dev.haldorvinter.Kestrio.Optimizer";
 
 inline constexpr auto errorPrefix = "dev.haldorvinter.Kestrio.Error.";
 inline constexpr auto errorFailed = "dev.haldorvinter.Kestrio.Error.Failed";

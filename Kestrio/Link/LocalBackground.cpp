@@ -2,13 +2,8 @@
 
 namespace kestrio {
 
-LocalBackground::LocalBackground(AppModel& model, Facts facts, OpenDashboard openDashboard, ImportFiles importFiles,
-                                 Browsers browsers)
-    : model_(model),
-      facts_(std::move(facts)),
-      openDashboard_(std::move(openDashboard)),
-      importFiles_(std::move(importFiles)),
-      browsers_(std::move(browsers)) {
+LocalBackground::LocalBackground(AppModel& model, Facts facts, Services services)
+    : model_(model), facts_(std::move(facts)), services_(std::move(services)) {
     const auto soon = [this](const auto&) { tellSoon(); };
     tokens_.push_back(model_.live().observe(soon));
     tokens_.push_back(model_.liveAlongside().observe(soon));
@@ -50,12 +45,27 @@ Background::Failure LocalBackground::resume() {
     return std::nullopt;
 }
 
-Background::Failure LocalBackground::openDashboard() {
-    return openDashboard_();
+Background::Failure LocalBackground::openDashboard(std::optional<std::string> page) {
+    return openWindow(DashboardRequest{std::move(page)});
+}
+
+Background::Failure LocalBackground::openSettings(std::optional<std::string> tab) {
+    return openWindow(SettingsRequest{std::move(tab)});
+}
+
+Background::Failure LocalBackground::quit() {
+    if (!services_.quit)
+        return "This is not a program that can be ended.";
+    afterwards(services_.quit);
+    return std::nullopt;
+}
+
+Background::Failure LocalBackground::openWindow(const WindowRequest& request) {
+    return services_.openWindow ? services_.openWindow(request) : Failure("There are no windows here.");
 }
 
 Subscription LocalBackground::importFiles(std::vector<SessionFile> files, ImportReceiver receiver) {
-    if (!importFiles_) {
+    if (!services_.importFiles) {
         model_.queue().async([receiver = std::move(receiver)] {
             receiver.ended(ImportFailure{"There is no database here to import into."});
         });
@@ -66,7 +76,7 @@ Subscription LocalBackground::importFiles(std::vector<SessionFile> files, Import
         if (std::holds_alternative<ImportReport>(outcome))
             activityDataDidChange_.emit();
     };
-    return importFiles_(std::move(files), {std::move(receiver.progress), std::move(ended)});
+    return services_.importFiles(std::move(files), {std::move(receiver.progress), std::move(ended)});
 }
 
 Subscription LocalBackground::observeData(std::function<void()> receiver) {
@@ -74,7 +84,11 @@ Subscription LocalBackground::observeData(std::function<void()> receiver) {
 }
 
 std::optional<std::vector<BrowserReading>> LocalBackground::browsers() {
-    return browsers_ ? browsers_() : std::vector<BrowserReading>();
+    return services_.browsers ? services_.browsers() : std::vector<BrowserReading>();
+}
+
+std::optional<AgentCost> LocalBackground::ownCost() {
+    return services_.ownCost ? services_.ownCost() : AgentCost();
 }
 
 Subscription LocalBackground::observe(std::function<void(const AgentStatus&)> receiver) {
@@ -84,6 +98,10 @@ Subscription LocalBackground::observe(std::function<void(const AgentStatus&)> re
         token->cancel();
         look->cancel();
     });
+}
+
+Subscription LocalBackground::observeMonitor(std::function<void(const MonitorReading&)> receiver) {
+    return services_.observeMonitor ? services_.observeMonitor(std::move(receiver)) : Subscription();
 }
 
 Subscription LocalBackground::observeState(std::function<void()> receiver) {

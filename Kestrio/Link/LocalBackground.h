@@ -4,6 +4,7 @@
 
 #include "Kestrio/Base/Signal.h"
 #include "Kestrio/Link/Background.h"
+#include "Kestrio/Link/WindowRequest.h"
 #include "Kestrio/Shell/AppModel.h"
 
 namespace kestrio {
@@ -17,27 +18,37 @@ public:
         Date startedAt;
     };
 
-    /// Brings up the dashboard; says what is missing when it cannot.
-    using OpenDashboard = std::function<Failure()>;
-
-    /// Brings files into the database, as `Background::importFiles` says.
     using ImportFiles = std::function<Subscription(std::vector<SessionFile>, ImportReceiver)>;
+    using ObserveMonitor = std::function<Subscription(std::function<void(const MonitorReading&)>)>;
 
-    /// The browsers that are read, as `Background::browsers` tells them.
-    using Browsers = std::function<std::vector<BrowserReading>()>;
+    /// What the agent lends it, each as the operation of `Background` by the same name says. What is left out answers
+    /// as if there were nothing of its kind.
+    struct Services {
+        std::function<Failure(const WindowRequest&)> openWindow = {};
+        ImportFiles importFiles = {};
+        std::function<std::vector<BrowserReading>()> browsers = {};
+        ObserveMonitor observeMonitor = {};
+        std::function<AgentCost()> ownCost = {};
+        std::function<void()> quit = {}; // called after the answer
+        OptimizerLink* optimizer = nullptr;
+    };
 
-    /// The model must outlive this.
-    LocalBackground(AppModel& model, Facts facts, OpenDashboard openDashboard, ImportFiles importFiles = {},
-                    Browsers browsers = {});
+    /// The model and the optimizer must outlive this.
+    LocalBackground(AppModel& model, Facts facts, Services services);
 
     std::optional<AgentStatus> status() override;
     Failure pause(std::optional<Seconds> length) override;
     Failure resume() override;
-    Failure openDashboard() override;
+    Failure openDashboard(std::optional<std::string> page) override;
+    Failure openSettings(std::optional<std::string> tab) override;
+    Failure quit() override;
     Subscription importFiles(std::vector<SessionFile> files, ImportReceiver receiver) override;
     Subscription observeData(std::function<void()> receiver) override;
     std::optional<std::vector<BrowserReading>> browsers() override;
+    std::optional<AgentCost> ownCost() override;
     Subscription observe(std::function<void(const AgentStatus&)> receiver) override;
+    Subscription observeMonitor(std::function<void(const MonitorReading&)> receiver) override;
+    OptimizerLink* optimizer() override { return services_.optimizer; }
 
     /// Runs work on the queue after what runs now.
     void afterwards(Queue::Work work) { model_.queue().async(std::move(work)); }
@@ -46,13 +57,12 @@ public:
     Subscription observeState(std::function<void()> receiver);
 
 private:
+    Failure openWindow(const WindowRequest& request);
     void tellSoon();
 
     AppModel& model_;
     const Facts facts_;
-    const OpenDashboard openDashboard_;
-    const ImportFiles importFiles_;
-    const Browsers browsers_; // empty: nobody reads them
+    const Services services_;
     Signal<AgentStatus> changed_;
     Signal<> stateChanged_;
     Signal<> activityDataDidChange_;

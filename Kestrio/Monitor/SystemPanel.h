@@ -104,6 +104,8 @@ struct OptimizerCounts {
     std::uint64_t frozenMemory = 0; // bytes
     std::size_t efficient = 0;      // on efficiency cores
     bool isManaging = false;        // anything at all, what it is just letting go among it
+
+    friend bool operator==(const OptimizerCounts&, const OptimizerCounts&) = default;
 };
 
 struct OptimizerLine {

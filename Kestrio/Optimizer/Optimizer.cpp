@@ -82,7 +82,8 @@ struct Optimizer::CarryOut {
     Date now;
 
     void operator()(const decision::Freeze& freeze) {
-        if (!optimizer.mayStop(candidate) || !optimizer.stopProcesses(app))
+        const auto keys = optimizer.stoppable(candidate, app);
+        if (!keys || !optimizer.stop(app, *keys))
             return;
         follow(freeze);
         app.frozenFootprint = optimizer.footprint(app.id);
@@ -106,9 +107,11 @@ struct Optimizer::CarryOut {
     }
 
     void operator()(const decision::Refreeze& refreeze) {
-        if (!std::holds_alternative<control::Waking>(app.control) || !optimizer.mayStop(candidate))
+        const bool isWaking = std::holds_alternative<control::Waking>(app.control);
+        const auto keys = isWaking ? optimizer.stoppable(candidate, app) : std::nullopt;
+        if (!keys)
             return;
-        if (optimizer.stopProcesses(app))
+        if (optimizer.stop(app, *keys))
             follow(refreeze);
         else
             app.control = control::Running{};
@@ -143,20 +146,33 @@ Optimizer::~Optimizer() {
 
 // Being switched on and off.
 
-void Optimizer::start() {
+void Optimizer::start(std::size_t recovered) {
     if (std::exchange(started_, true))
         return;
-    if (const auto recovered = host_.processes.recoverEarlierRuns(); recovered > 0)
+    recovered += host_.processes.recoverEarlierRuns();
+    if (recovered > 0)
         log(ResourceEventKind::recovered, std::nullopt, OptimizerWords::recovered(recovered));
     listen();
     if (isEnabled_.value())
         begin();
 }
 
+void Optimizer::finish() {
+    end();
+    releaseAll();
+    isEnabled_.set(false);
+}
+
 void Optimizer::setEnabled(bool enabled) {
     if (enabled == isEnabled_.value())
         return;
     host_.settings.set(enabledKey, enabled);
+    switchTo(enabled);
+}
+
+void Optimizer::switchTo(bool enabled) {
+    if (enabled == isEnabled_.value())
+        return;
     if (enabled) {
         log(ResourceEventKind::optimizerOn, std::nullopt, OptimizerWords::switchedOn(tuning_.value().mode));
         isEnabled_.set(true);
@@ -252,8 +268,7 @@ void Optimizer::tick() {
     const Date now = host_.clock.now();
     if (auto rules = rules_.value(); rules.pruneOverrides(coreDate(now)))
         setRules(std::move(rules));
-    const Pass pass{now, localTime(host_.calendar, now), frontmostID(),
-                    parts_.mediaUse ? parts_.mediaUse() : MediaUse{}};
+    const auto pass = newPass(now);
     if (pass.front)
         lastActive_[*pass.front] = now;
 
@@ -267,6 +282,10 @@ void Optimizer::tick() {
     publish();
 }
 
+Optimizer::Pass Optimizer::newPass(Date now) {
+    return {now, localTime(host_.calendar, now), frontmostID(), parts_.mediaUse ? parts_.mediaUse() : MediaUse{}};
+}
+
 void Optimizer::visit(const Candidate& candidate, const Pass& pass) {
     auto app = entry(candidate);
     if (candidate.launched && lastActive(candidate.id) < candidate.launched)
@@ -276,7 +295,7 @@ void Optimizer::visit(const Candidate& candidate, const Pass& pass) {
     giveBackWhereRefused(candidate, app);
     if (!app.isManual) {
         CarryOut carryOut{*this, candidate, app, idle(candidate, pass.now), pass.now};
-        for (const auto& decision : decisions(candidate, app, pass))
+        for (const auto& decision : planned(candidate, app, pass).decisions)
             std::visit(carryOut, decision);
     }
     store(std::move(app));
@@ -299,20 +318,53 @@ void Optimizer::slowNewHelpers() {
     }
 }
 
-std::vector<Decision> Optimizer::decisions(const Candidate& candidate, const ManagedApp& app, const Pass& pass) {
+PlannedApp Optimizer::planned(const Candidate& candidate, const ManagedApp& app, const Pass& pass) const {
     const auto& rules = rules_.value();
-    const auto protection = protectionOf(candidate.id, candidate.launched,
-                                         {pass.front, essentials_, rules.neverTouch, pass.media, pass.now});
+    const auto [tier, source] = rules.tier(candidate.id, coreDate(pass.now), pass.localTime);
+    const auto active = lastActive(candidate.id);
+    PlannedApp plan{.id = candidate.id,
+                    .name = candidate.name,
+                    .tier = tier,
+                    .source = source,
+                    .protection = protectionOf(candidate.id, candidate.launched,
+                                               {pass.front, essentials_, rules.neverTouch, pass.media, pass.now}),
+                    .control = app.control,
+                    .isSlowed = !app.slowed.empty(),
+                    .isManual = app.isManual,
+                    .cpu = cpuShare(candidate.id),
+                    .footprint = footprint(candidate.id)};
+    if (active || candidate.launched)
+        plan.idle = idle(candidate, pass.now);
     const tindra::AppObservation observation{.appID = candidate.id,
                                              .isFrontmost = candidate.id == pass.front,
-                                             .lastActive = coreDate(lastActive(candidate.id)),
+                                             .lastActive = coreDate(active),
                                              .launched = coreDate(candidate.launched),
-                                             .protection = protection,
-                                             .control = app.control,
-                                             .isEfficient = !app.slowed.empty(),
-                                             .cpu = cpuShare(candidate.id)};
-    const auto tier = rules.tier(candidate.id, coreDate(pass.now), pass.localTime).tier;
-    return decide(tier, observation, tuning_.value(), true, coreDate(pass.now));
+                                             .protection = plan.protection,
+                                             .control = plan.control,
+                                             .isEfficient = plan.isSlowed,
+                                             .cpu = plan.cpu};
+    plan.decisions = decide(tier, observation, tuning_.value(), true, coreDate(pass.now));
+    return plan;
+}
+
+std::vector<PlannedApp> Optimizer::plan() {
+    const auto pass = newPass(host_.clock.now());
+    std::vector<PlannedApp> all;
+    for (const auto& candidate : candidates()) {
+        const auto held = held_.find(candidate.id);
+        const bool isHeld = held != held_.end() && held->second.pid == candidate.pid;
+        auto plan = planned(candidate, isHeld ? held->second : newEntry(candidate), pass);
+        if (plan.isManual)
+            plan.decisions.clear();
+        const bool wouldStop = std::ranges::any_of(plan.decisions, [](const Decision& decision) {
+            return std::holds_alternative<decision::Freeze>(decision) ||
+                   std::holds_alternative<decision::Refreeze>(decision);
+        });
+        if (wouldStop || tindra::isFrozen(plan.control))
+            plan.refusal = refusal(candidate.application);
+        all.push_back(std::move(plan));
+    }
+    return all;
 }
 
 Seconds Optimizer::idle(const Candidate& candidate, Date now) const {
@@ -379,6 +431,10 @@ ManagedApp Optimizer::entry(const Candidate& candidate) {
         return found->second;
     if (found != held_.end())
         giveBack(found->second);
+    return newEntry(candidate);
+}
+
+ManagedApp Optimizer::newEntry(const Candidate& candidate) const {
     ManagedApp app;
     app.id = candidate.id;
     app.name = candidate.name;
@@ -421,22 +477,36 @@ void Optimizer::publish() {
     managed_.set(held_);
 }
 
-/// Asked again right before a stop: the person may just have brought it to the front.
-bool Optimizer::mayStop(const Candidate& candidate) {
+/// A host that does not tell who is in front has every application in front.
+bool Optimizer::isInFront(const Candidate& candidate) {
     const auto front = frontmost();
-    if (!hasSeenFront_)
-        return false;
-    if (front && (front->processIdentifier == candidate.pid || front->bundleIdentifier == candidate.id))
-        return false;
-    return !parts_.refusal || !parts_.refusal(candidate.application);
+    return !hasSeenFront_ ||
+           (front && (front->processIdentifier == candidate.pid || front->bundleIdentifier == candidate.id));
+}
+
+/// What is to be stopped of it now; absent where it must be left alone. Who is in front is asked last: the person may
+/// just have brought it there.
+std::optional<std::vector<ProcessKey>> Optimizer::stoppable(const Candidate& candidate, const ManagedApp& app) {
+    auto keys = without(host_.processes.processes(app.pid), app.frozen);
+    if (refusal({candidate.application, keys, false}) || isInFront(candidate))
+        return std::nullopt;
+    return keys;
 }
 
 /// False when nothing of it is stopped then.
-bool Optimizer::stopProcesses(ManagedApp& app) {
-    const auto others = without(host_.processes.processes(app.pid), app.frozen);
-    if (!others.empty())
-        append(app.frozen, host_.processes.freeze(others));
+bool Optimizer::stop(ManagedApp& app, const std::vector<ProcessKey>& keys) {
+    if (!keys.empty())
+        append(app.frozen, host_.processes.freeze(keys));
     return !app.frozen.empty();
+}
+
+std::optional<std::string> Optimizer::refusal(const StopQuestion& question) const {
+    return parts_.refusal ? parts_.refusal(question) : std::nullopt;
+}
+
+std::optional<std::string> Optimizer::refusal(const RunningApplication& application) {
+    const auto chosen = candidate(application);
+    return chosen ? refusal({application, host_.processes.processes(chosen->pid), false}) : std::nullopt;
 }
 
 /// False when nothing of it is slowed then.
@@ -467,9 +537,7 @@ void Optimizer::giveBack(ManagedApp& app) {
 
 /// Holds for what the person froze, too: the host does not ask who did it.
 void Optimizer::giveBackWhereRefused(const Candidate& candidate, ManagedApp& app) {
-    if (!app.isFrozen() || !parts_.refusal)
-        return;
-    const auto reason = parts_.refusal(candidate.application);
+    const auto reason = app.isFrozen() ? refusal({candidate.application, app.frozen, true}) : std::nullopt;
     if (!reason)
         return;
     resumeProcesses(app);
@@ -507,10 +575,11 @@ void Optimizer::didSample(const SampledApps& sample) {
 
 void Optimizer::freezeNow(const RunningApplication& application) {
     const auto chosen = candidate(application);
-    if (!isEnabled_.value() || !chosen || isLocked(chosen->id) || !mayStop(*chosen))
+    if (!isEnabled_.value() || !chosen || isLocked(chosen->id))
         return;
     auto app = entry(*chosen);
-    if (stopProcesses(app)) {
+    const auto keys = stoppable(*chosen, app);
+    if (keys && stop(app, *keys)) {
         app.control = control::Frozen{coreDate(host_.clock.now()), std::nullopt};
         app.isManual = true;
         app.frozenFootprint = footprint(app.id);
@@ -586,6 +655,13 @@ void Optimizer::removeOverride(const std::string& appID) {
 }
 
 // Settings.
+
+void Optimizer::settingsChanged() {
+    rules_.set(storedRules(host_.settings));
+    tuning_.set(storedTuning(host_.settings));
+    switchTo(host_.settings.boolean(enabledKey));
+    tick();
+}
 
 void Optimizer::setRules(OptimizerRules rules) {
     if (rules == rules_.value())

@@ -14,6 +14,7 @@
 #include "Kestrio/Base/Observable.h"
 #include "Kestrio/Base/Queue.h"
 #include "Kestrio/Optimizer/ManagedApp.h"
+#include "Kestrio/Optimizer/PlannedApp.h"
 #include "Kestrio/Optimizer/ProcessHolding.h"
 #include "Kestrio/Optimizer/Protections.h"
 #include "Kestrio/Optimizer/SampledApps.h"
@@ -47,6 +48,13 @@ public:
         ProcessHolding& processes;
     };
 
+    /// Whether an application may be stopped, or stay so.
+    struct StopQuestion {
+        const RunningApplication& application;
+        const std::vector<ProcessKey>& processes; // what would be stopped or is, its main process first
+        bool isStopped = false;
+    };
+
     /// The rest of the program, as far as the optimizer needs it. A function left empty answers nothing. None of them
     /// may call back into the optimizer.
     struct Collaborators {
@@ -60,7 +68,7 @@ public:
         /// Why this host must not have the application stopped now, as the rest of the sentence "Resumed: ", with its
         /// full stop; absent when it may be. Asked before every stop, and at each pass of what is frozen, which is
         /// then given back.
-        std::function<std::optional<std::string>(const RunningApplication&)> refusal = {};
+        std::function<std::optional<std::string>(const StopQuestion&)> refusal = {};
         /// Takes what the log tells of the optimizer. Does not wait.
         std::function<void(const ResourceEvent&)> log = {};
         /// Given each sample, and the application in front, while the optimizer is on.
@@ -74,7 +82,14 @@ public:
     Optimizer& operator=(const Optimizer&) = delete;
 
     /// Gives back what earlier runs left held, and begins if switched on. Only the first call does anything.
-    void start();
+    /// `recovered` processes were given back before, for the log.
+    void start(std::size_t recovered = 0);
+
+    /// Gives everything back and begins nothing any more by itself: the program ends. The setting stays.
+    void finish();
+
+    /// Reads the settings again: somebody else changed them.
+    void settingsChanged();
 
     void setEnabled(bool enabled);
     const Observable<bool>& isEnabled() const { return isEnabled_; }
@@ -101,6 +116,12 @@ public:
 
     /// Whether the application is never frozen or slowed by a rule, nor frozen by hand.
     bool isLocked(std::string_view appID) const { return essentials_.contains(appID); }
+
+    /// What a pass would do now, were it switched on, with each application in the workspace's order. Does nothing.
+    std::vector<PlannedApp> plan();
+
+    /// Why the host would not have the application stopped now, as in `Collaborators::refusal`.
+    std::optional<std::string> refusal(const RunningApplication& application);
 
     // The person's own actions. What cannot be done is left undone, in silence.
 
@@ -143,6 +164,7 @@ private:
     };
     struct CarryOut;
 
+    void switchTo(bool enabled);
     void begin();
     void end();
     void listen();
@@ -155,18 +177,22 @@ private:
     std::optional<std::string> frontmostID();
     std::vector<Candidate> candidates() const;
     std::optional<Candidate> candidate(const RunningApplication& application) const;
+    Pass newPass(Date now);
     void visit(const Candidate& candidate, const Pass& pass);
-    std::vector<tindra::Decision> decisions(const Candidate& candidate, const ManagedApp& app, const Pass& pass);
+    PlannedApp planned(const Candidate& candidate, const ManagedApp& app, const Pass& pass) const;
     Seconds idle(const Candidate& candidate, Date now) const;
 
     ManagedApp entry(const Candidate& candidate);
+    ManagedApp newEntry(const Candidate& candidate) const;
     void store(ManagedApp app);
     void slowNewHelpers();
     void dropOthers(const AppIDs& present);
     void publish();
 
-    bool mayStop(const Candidate& candidate);
-    bool stopProcesses(ManagedApp& app);
+    bool isInFront(const Candidate& candidate);
+    std::optional<std::vector<ProcessKey>> stoppable(const Candidate& candidate, const ManagedApp& app);
+    bool stop(ManagedApp& app, const std::vector<ProcessKey>& keys);
+    std::optional<std::string> refusal(const StopQuestion& question) const;
     void slow(ManagedApp& app, std::vector<ProcessKey> keys);
     bool slowProcesses(ManagedApp& app);
     void resumeProcesses(ManagedApp& app);

@@ -1,5 +1,7 @@
 #include "Kestrio/Optimizer/OptimizerJSON.h"
 
+#include "Kestrio/Base/StoredDates.h"
+
 #include <cmath>
 #include <limits>
 #include <nlohmann/json.hpp>
@@ -10,9 +12,6 @@ namespace {
 // Writing keeps the order of the keys, reading finds them fast.
 using Written = nlohmann::ordered_json;
 using JSON = nlohmann::json;
-
-/// The origin of stored dates, 2001-01-01 00:00 UTC, in seconds since 1970.
-constexpr double originOfStoredDates = 978'307'200;
 
 /// Thrown and caught in this file: leads from any depth to the one answer that there is then.
 struct Unusable {};
@@ -55,11 +54,11 @@ const std::string& text(const JSON& json) {
 }
 
 tindra::Date date(const JSON& json) {
-    return tindra::Date{number(json) + originOfStoredDates};
+    return tindra::Date{number(json) + originOfStoredDates.seconds()};
 }
 
 Written stored(tindra::Date date) {
-    return finite(date.seconds - originOfStoredDates);
+    return finite(date.seconds - originOfStoredDates.seconds());
 }
 
 const JSON& list(const JSON& json) {

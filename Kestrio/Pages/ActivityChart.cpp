@@ -3,6 +3,8 @@
 #include "Kestrio/Base/Formatters.h"
 
 #include <algorithm>
+#include <fmt/format.h>
+#include <fmt/ranges.h>
 #include <numeric>
 
 namespace kestrio {
@@ -27,10 +29,17 @@ double highest(const std::vector<ChartColumn>& columns) {
     return most;
 }
 
-std::string tooltipHead(Granularity granularity, Date start, const Calendar& calendar) {
-    if (granularity == Granularity::hour)
-        return Fmt::timeRange(start, start + Seconds(3600), calendar);
-    return calendar.localized(start, "EEEdMMM");
+/// "2h 10m active. Busiest: 09:00 – 10:00 with 40m. Development 1h 30m, Social Media 40m."
+std::string chartWords(const ActivityReport& report, const ActivityChart& chart, const Calendar& calendar) {
+    if (chart.columns.empty())
+        return "No activity";
+    const auto busiest = std::ranges::max_element(chart.columns, {}, &ChartColumn::height);
+    std::vector<std::string> categories;
+    for (const auto& usage : report.categories)
+        categories.push_back(fmt::format("{} {}", label(usage.category), Fmt::duration(usage.duration)));
+    return fmt::format("{} active. Busiest: {} with {}. {}.", Fmt::duration(report.total),
+                       bucketTitle(busiest->interval.start, report.granularity, calendar),
+                       Fmt::duration(busiest->height() * chart.unit.length), fmt::join(categories, ", "));
 }
 
 } // namespace
@@ -49,6 +58,7 @@ ActivityChart activityChart(const ActivityReport& report, const Calendar& calend
     chart.timeMarks = timeMarks(report.interval, report.granularity, chart.columns.size(), calendar);
     for (const auto category : allActivityCategories)
         chart.legend.push_back(categoryPill(category));
+    chart.words = chartWords(report, chart, calendar);
     return chart;
 }
 
@@ -66,7 +76,7 @@ ChartTooltip chartTooltip(const ActivityReport& report, Date start, const Calend
         if (bucket.start == start)
             buckets.push_back(bucket);
     std::ranges::stable_sort(buckets, std::ranges::greater(), &TimeBucket::duration);
-    ChartTooltip tooltip{.head = tooltipHead(report.granularity, start, calendar), .rows = {}, .sum = "No activity"};
+    ChartTooltip tooltip{.head = bucketTitle(start, report.granularity, calendar), .rows = {}, .sum = "No activity"};
     Seconds sum{};
     for (const auto& bucket : buckets) {
         tooltip.rows.push_back({categoryPill(bucket.category), Fmt::duration(bucket.duration)});
@@ -75,6 +85,21 @@ ChartTooltip chartTooltip(const ActivityReport& report, Date start, const Calend
     if (!buckets.empty())
         tooltip.sum = Fmt::duration(sum) + " active";
     return tooltip;
+}
+
+std::string spoken(const ChartTooltip& tooltip) {
+    auto text = fmt::format("{}: {}", tooltip.head, tooltip.sum);
+    for (const auto& row : tooltip.rows)
+        text += fmt::format(", {} {}", row.category.label, row.duration);
+    return text;
+}
+
+std::optional<DateInterval> steppedBucket(const ActivityReport& report, const ActivityChart& chart,
+                                          std::optional<DateInterval> from, ChartStep step, const Calendar& calendar) {
+    std::vector<DateInterval> active;
+    for (const auto& column : chart.columns)
+        active.push_back(column.interval);
+    return steppedBucket(active, from, step, report.interval, report.granularity, calendar);
 }
 
 } // namespace kestrio

@@ -33,6 +33,7 @@ struct ActivityChart {
     std::vector<ValueMark> valueMarks;
     std::vector<TimeMark> timeMarks;
     std::vector<CategoryPill> legend; // all categories in their order, so that it never changes
+    std::string words;                // the chart for somebody who does not see it
 
     friend bool operator==(const ActivityChart&, const ActivityChart&) = default;
 };
@@ -59,5 +60,12 @@ struct ChartTooltip {
 
 /// What is said of the bucket that begins at `start`.
 ChartTooltip chartTooltip(const ActivityReport& report, Date start, const Calendar& calendar);
+
+/// The same in one sentence, to be read aloud.
+std::string spoken(const ChartTooltip& tooltip);
+
+/// Where a step with the keyboard leads; absent in a chart without activity.
+std::optional<DateInterval> steppedBucket(const ActivityReport& report, const ActivityChart& chart,
+                                          std::optional<DateInterval> from, ChartStep step, const Calendar& calendar);
 
 } // namespace kestrio

@@ -2,6 +2,9 @@
 
 #include "Kestrio/Base/Formatters.h"
 
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
 namespace kestrio {
 
 std::vector<double> CategoryStackBar::widths(double width) const {
@@ -13,10 +16,17 @@ std::vector<double> CategoryStackBar::widths(double width) const {
 
 CategoryStackBar categoryStackBar(std::span<const CategoryUsage> categories, Seconds total) {
     CategoryStackBar bar;
+    bar.words = "No activity";
     if (total <= Seconds(0))
         return bar;
-    for (const auto& usage : categories)
+    std::vector<std::string> shares;
+    for (const auto& usage : categories) {
         bar.parts.push_back({categoryPill(usage.category), usage.duration / total});
+        shares.push_back(
+            fmt::format("{} {}", label(usage.category), Fmt::percent(usage.duration.count(), total.count())));
+    }
+    if (!shares.empty())
+        bar.words = fmt::format("{}", fmt::join(shares, ", "));
     return bar;
 }
 

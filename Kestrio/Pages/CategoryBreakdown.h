@@ -15,8 +15,10 @@ struct CategoryStackBar {
         friend bool operator==(const Part&, const Part&) = default;
     };
     std::vector<Part> parts; // none without any time: the bar is then an empty track
+    std::string words;       // the bar for somebody who does not see it
 
-    /// How wide each part is in a bar of this width, in points.
+    /// How wide each part is in a bar of this width, in points. Together they may be wider, since none is thinner than
+    /// `leastPartWidth`.
     std::vector<double> widths(double width) const;
 
     friend bool operator==(const CategoryStackBar&, const CategoryStackBar&) = default;

@@ -1,5 +1,7 @@
 #include "Kestrio/Pages/ChartAxis.h"
 
+#include "Kestrio/Base/Formatters.h"
+
 #include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
@@ -16,7 +18,7 @@ std::vector<TimeMark> hourMarks(DateInterval interval, const Calendar& calendar)
     std::vector<TimeMark> marks;
     for (auto at = interval.start; at < interval.end; at = calendar.hour(at).end)
         if (calendar.components(at).hour % hoursPerMark == 0)
-            marks.push_back({at, calendar.localized(at, "j")});
+            marks.push_back({at, calendar.localized(at, "j"), at});
     return marks;
 }
 
@@ -24,7 +26,7 @@ std::vector<TimeMark> dayMarks(DateInterval interval, int stride, const std::str
                                const Calendar& calendar) {
     std::vector<TimeMark> marks;
     for (auto at = interval.start; at < interval.end; at = calendar.startOfDay(calendar.addingDays(at, stride)))
-        marks.push_back({at, calendar.localized(at, skeleton)});
+        marks.push_back({at, calendar.localized(at, skeleton), at + calendar.day(at).duration() / 2});
     return marks;
 }
 
@@ -61,6 +63,27 @@ std::vector<TimeMark> timeMarks(DateInterval interval, Granularity granularity, 
         return hourMarks(interval, calendar);
     const bool eachDay = bucketCount <= mostBucketsWithEachDay && interval.duration() <= longestWithEachDay;
     return eachDay ? dayMarks(interval, 1, "EEEd", calendar) : dayMarks(interval, daysPerWideMark, "dMMM", calendar);
+}
+
+std::string bucketTitle(Date start, Granularity granularity, const Calendar& calendar) {
+    if (granularity == Granularity::hour)
+        return Fmt::timeRange(start, start + Seconds(3600), calendar);
+    return calendar.localized(start, "EEEdMMM");
+}
+
+std::optional<DateInterval> steppedBucket(std::span<const DateInterval> active, std::optional<DateInterval> from,
+                                          ChartStep step, DateInterval interval, Granularity granularity,
+                                          const Calendar& calendar) {
+    if (active.empty())
+        return std::nullopt;
+    if (step == ChartStep::first || (!from && step == ChartStep::later))
+        return active.front();
+    if (step == ChartStep::last || !from)
+        return active.back();
+    // Intervals follow one another without a gap, so the least bit beside one lies in its neighbour.
+    constexpr Seconds beside{1};
+    const auto next = step == ChartStep::later ? from->end : from->start - beside;
+    return interval.contains(next) ? bucketInterval(next, granularity, calendar) : *from;
 }
 
 DateInterval bucketInterval(Date date, Granularity granularity, const Calendar& calendar) {

@@ -4,6 +4,9 @@
 #include "Kestrio/Base/Calendar.h"
 #include "Kestrio/Reports/Report.h"
 
+#include <optional>
+#include <span>
+
 namespace kestrio {
 
 /// The unit in which a chart counts time: minutes within hours, hours within days.
@@ -28,6 +31,7 @@ std::vector<ValueMark> valueMarks(double highest);
 struct TimeMark {
     Date at;
     std::string label;
+    Date labelAt; // where the label's middle stands: at the beginning of an hour, in the middle of a day
     friend bool operator==(const TimeMark&, const TimeMark&) = default;
 };
 
@@ -35,6 +39,18 @@ struct TimeMark {
 /// short interval, otherwise every seventh.
 std::vector<TimeMark> timeMarks(DateInterval interval, Granularity granularity, std::size_t bucketCount,
                                 const Calendar& calendar);
+
+/// How an hour or a day of a chart is named: "09:00 – 10:00" or "Fri, 20 Nov".
+std::string bucketTitle(Date start, Granularity granularity, const Calendar& calendar);
+
+/// Ways through the hours or days of a chart, one key each.
+enum class ChartStep { earlier, later, first, last };
+
+/// The hour or day that a step leads to, with activity or without, never out of the interval. From nowhere a step leads
+/// to the first or the last hour or day that `active` names, which ascend; absent when there is none.
+std::optional<DateInterval> steppedBucket(std::span<const DateInterval> active, std::optional<DateInterval> from,
+                                          ChartStep step, DateInterval interval, Granularity granularity,
+                                          const Calendar& calendar);
 
 /// The calendar's hour or day that contains the date.
 DateInterval bucketInterval(Date date, Granularity granularity, const Calendar& calendar);

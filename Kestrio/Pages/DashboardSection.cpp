@@ -1,5 +1,7 @@
 #include "Kestrio/Pages/DashboardSection.h"
 
+#include <fmt/format.h>
+
 namespace kestrio {
 namespace {
 
@@ -35,6 +37,15 @@ std::optional<DashboardSection> dashboardSection(std::string_view raw) {
         if (rawValue(section) == raw)
             return section;
     return std::nullopt;
+}
+
+std::optional<std::string> dashboardSectionError(std::string_view text) {
+    if (dashboardSection(text))
+        return std::nullopt;
+    std::vector<std::string_view> known;
+    for (const auto section : allDashboardSections)
+        known.push_back(rawValue(section));
+    return fmt::format("there is no page \"{}\"; there are {}", text, fmt::join(known, ", "));
 }
 
 std::string_view label(DashboardSection section) {

@@ -19,6 +19,8 @@ inline constexpr std::array allDashboardSections{DashboardSection::overview,    
 std::string_view rawValue(DashboardSection section);
 /// Absent for a text that is not exactly one of the raw texts.
 std::optional<DashboardSection> dashboardSection(std::string_view rawValue);
+/// What is wrong with a text that somebody gave for a section's raw text, and which there are. Absent when it is one.
+std::optional<std::string> dashboardSectionError(std::string_view text);
 std::string_view label(DashboardSection section);
 std::string_view symbol(DashboardSection section);
 

@@ -59,6 +59,64 @@ const ClassifiedSession* nearest(SessionSpan sessions, Date time, Seconds tolera
     return found != sessions.end() && gap(*found, time) <= tolerance ? &*found : nullptr;
 }
 
+struct StripRow {
+    const DayStrips::Day* day = nullptr;
+    bool isAlongside = false;
+    SessionSpan sessions() const { return isAlongside ? day->alongside : day->sessions; }
+};
+
+/// From above to below; those with sessions alone.
+std::vector<StripRow> stripRows(const DayStrips& strips) {
+    std::vector<StripRow> rows;
+    for (const auto& day : strips.days)
+        for (const StripRow row : {StripRow{&day, false}, StripRow{&day, true}})
+            if (!row.sessions().empty())
+                rows.push_back(row);
+    return rows;
+}
+
+StripHover hoverOf(const ClassifiedSession& session, const StripRow& row, const DayStrips& strips) {
+    const auto canvas = row.isAlongside ? strips.mediaLine(*row.day) : strips.strip(*row.day);
+    const auto middle = session.start + session.duration() / 2;
+    const auto fraction = std::clamp((middle - canvas.origin) / canvas.span, 0.0, 1.0);
+    return {.day = row.day->start,
+            .isAlongside = row.isAlongside,
+            .fraction = fraction,
+            .time = canvas.origin + canvas.span * fraction,
+            .session = session};
+}
+
+/// The session before or after the one that is pointed at, or the moment between sessions; the last one there is at the
+/// ends of the row.
+const ClassifiedSession& neighbour(SessionSpan sessions, const StripHover& from, StripStep step) {
+    const auto moment = from.session ? from.session->start : from.time;
+    if (step == StripStep::later) {
+        const auto next = std::ranges::upper_bound(sessions, moment, {}, &ClassifiedSession::start);
+        return next == sessions.end() ? sessions.back() : *next;
+    }
+    const auto here = std::ranges::lower_bound(sessions, moment, {}, &ClassifiedSession::start);
+    return here == sessions.begin() ? sessions.front() : *std::prev(here);
+}
+
+const ClassifiedSession& nearestInDay(const StripRow& row, Date day, Date time) {
+    return *nearest(row.sessions(), row.day->start + (time - day), Seconds::max());
+}
+
+/// "{n} days: 31h active. Busiest: Friday, 20 Nov with 8h."
+std::string stripsWords(const DayStrips& strips, const Calendar& calendar) {
+    if (strips.days.empty())
+        return "No activity";
+    const auto date = [&](const DayStrips::Day& day) { return calendar.localized(day.start, "EEEEdMMM"); };
+    if (strips.days.size() == 1)
+        return fmt::format("{}: {} active", date(strips.days.front()), Fmt::duration(strips.days.front().active()));
+    Seconds sum{};
+    for (const auto& day : strips.days)
+        sum += day.active();
+    const auto busiest = std::ranges::max_element(strips.days, {}, &DayStrips::Day::active);
+    return fmt::format("{} days: {} active. Busiest: {} with {}.", strips.days.size(), Fmt::duration(sum),
+                       date(*busiest), Fmt::duration(busiest->active()));
+}
+
 /// "Fri 20, " where there are several days to tell apart.
 std::string dayInFront(Date date, bool manyDays, const Calendar& calendar) {
     return manyDays ? calendar.localized(date, "EEEd") + ", " : "";
@@ -165,6 +223,7 @@ DayStrips dayStrips(const ActivityReport& report, const Viewpoint& viewpoint) {
     strips.hourAxis = hourAxis(strips.hours, viewpoint);
     for (const auto& usage : report.categories)
         strips.legend.push_back(categoryPill(usage.category));
+    strips.words = stripsWords(strips, viewpoint.calendar);
     return strips;
 }
 
@@ -207,6 +266,41 @@ StripReadout stripReadout(const std::optional<StripHover>& hover, bool manyDays,
                           .times = fmt::format(" · {}{} · {}", dayInFront(session.start, manyDays, calendar),
                                                Fmt::timeRange(session.start, session.end, calendar),
                                                Fmt::duration(session.duration()))};
+}
+
+std::string spoken(const StripReadout& readout) {
+    if (const auto* note = std::get_if<ReadoutNote>(&readout))
+        return note->text;
+    const auto& session = std::get<ReadoutSession>(readout);
+    return fmt::format("{}, {}, {}{}", session.appName, session.title, session.category.label, session.times);
+}
+
+std::optional<StripHover> steppedHover(const DayStrips& strips, const std::optional<StripHover>& from, StripStep step) {
+    const auto rows = stripRows(strips);
+    if (rows.empty())
+        return std::nullopt;
+    const auto at = [&](const StripRow& row) {
+        return from && row.day->start == from->day && row.isAlongside == from->isAlongside;
+    };
+    const auto row = std::ranges::find_if(rows, at);
+    if (row == rows.end()) {
+        const bool fromTheEnd = step == StripStep::earlier || step == StripStep::above || step == StripStep::last;
+        return fromTheEnd ? hoverOf(rows.back().sessions().back(), rows.back(), strips)
+                          : hoverOf(rows.front().sessions().front(), rows.front(), strips);
+    }
+    switch (step) {
+    case StripStep::earlier:
+    case StripStep::later: return hoverOf(neighbour(row->sessions(), *from, step), *row, strips);
+    case StripStep::above:
+    case StripStep::below: {
+        const auto& edge = step == StripStep::above ? rows.front() : rows.back();
+        const auto& next = &*row == &edge ? *row : *(step == StripStep::above ? row - 1 : row + 1);
+        return hoverOf(nearestInDay(next, from->day, from->time), next, strips);
+    }
+    case StripStep::first: return hoverOf(row->sessions().front(), *row, strips);
+    case StripStep::last: return hoverOf(row->sessions().back(), *row, strips);
+    }
+    return std::nullopt;
 }
 
 } // namespace kestrio

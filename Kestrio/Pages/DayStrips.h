@@ -91,6 +91,7 @@ struct DayStrips {
     std::vector<HourMark> hourAxis;
     bool showsAlongside = false;
     std::vector<CategoryPill> legend;
+    std::string words; // the strips for somebody who does not see them
 
     StripCanvas strip(const Day& day) const;
     StripCanvas mediaLine(const Day& day) const;
@@ -144,5 +145,17 @@ struct ReadoutSession {
 using StripReadout = std::variant<ReadoutNote, ReadoutSession>;
 
 StripReadout stripReadout(const std::optional<StripHover>& hover, bool manyDays, const Calendar& calendar);
+
+/// The same in one sentence, to be read aloud.
+std::string spoken(const StripReadout& readout);
+
+/// Ways through the strips with the keyboard: to the neighbouring session, to the row above or below at the same time
+/// of day, and to the ends of a row. Strips and media lines are rows alike; those without sessions are passed over.
+enum class StripStep { earlier, later, above, below, first, last };
+
+/// The middle of the session that a step leads to; at the end of the way the same again. From nowhere a step leads to
+/// the first session of the first row, or for `earlier`, `above` and `last` to the last of the last row. Absent without
+/// any sessions.
+std::optional<StripHover> steppedHover(const DayStrips& strips, const std::optional<StripHover>& from, StripStep step);
 
 } // namespace kestrio

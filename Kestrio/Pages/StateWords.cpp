@@ -66,6 +66,10 @@ ActivityBanner activityBanner(TrackingState state, const std::optional<Date>& pa
     return banner;
 }
 
+ActivityBanner notRunningBanner() {
+    return {"Not running", "Red: Kestrio does not answer. Nothing is being recorded until it is started again.", false};
+}
+
 MenuBarLabel menuBarLabel(TrackingState state, Seconds activeToday, const MenuBarSettings& settings) {
     const bool isActive = state == TrackingState::tracking;
     MenuBarLabel label;

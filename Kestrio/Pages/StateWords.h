@@ -30,6 +30,9 @@ struct ActivityBanner {
 ActivityBanner activityBanner(TrackingState state, const std::optional<Date>& pausedUntil,
                               const std::optional<std::string>& appName, Seconds idleLimit, const Calendar& calendar);
 
+/// The same where the agent that records does not answer.
+ActivityBanner notRunningBanner();
+
 /// What stands in the bar.
 struct MenuBarLabel {
     std::string symbol;

@@ -2,6 +2,7 @@
 
 #include "Kestrio/Base/Formatters.h"
 #include "Kestrio/Classification/TextTools.h"
+#include "Kestrio/Pages/DashboardWords.h"
 
 #include <fmt/format.h>
 
@@ -24,17 +25,37 @@ LiveActivityRow::Line line(const LiveActivity& live) {
     return line;
 }
 
-ControlButton pauseOrResume(TrackingState state) {
-    if (state == TrackingState::paused)
-        return {.title = "Resume tracking", .symbol = "play.fill"};
-    return {.title = "Pause tracking", .symbol = "pause.fill"};
+ControlButton pauseOrResume(const PanelState& state) {
+    if (state.state == TrackingState::paused)
+        return {.title = "Resume tracking", .symbol = "play.fill", .isEnabled = state.isAgentRunning};
+    return {.title = "Pause tracking", .symbol = "pause.fill", .isEnabled = state.isAgentRunning};
 }
 
-std::optional<PanelWarning> accessibilityHint(bool isGranted) {
-    if (isGranted)
+ControlButton quit(const PanelState& state) {
+    return {.title = "Quit",
+            .symbol = "power",
+            .help = "Quit Kestrio (stops tracking)",
+            .key = 'q',
+            .isEnabled = state.isAgentRunning};
+}
+
+std::optional<PanelWarning> accessibilityHint(const PanelState& state) {
+    if (state.isAccessibilityGranted || !state.isAgentRunning)
         return std::nullopt;
-    return PanelWarning{"exclamationmark.triangle.fill", "Allow Accessibility access to record window titles.",
-                        "Allow"};
+    return PanelWarning{"exclamationmark.triangle.fill", "Allow Accessibility access to record window titles.", "Allow",
+                        state.accessibilityAdvice};
+}
+
+ActivityBanner banner(const PanelState& state, const Calendar& calendar) {
+    if (!state.isAgentRunning)
+        return notRunningBanner();
+    return activityBanner(state.state, state.pausedUntil, state.appName, state.idleLimit, calendar);
+}
+
+LiveActivityRow liveRow(const PanelState& state) {
+    if (!state.isAgentRunning)
+        return {agentAbsentWords(), {}};
+    return liveActivityRow(state.live, state.state, state.alongside, state.thumbnails);
 }
 
 } // namespace
@@ -58,15 +79,15 @@ TodayPanel todayPanel(const ActivityReport& today, const PanelState& state, cons
         .activeTime = Fmt::duration(today.total),
         .productive = Fmt::percent(productive.count(), today.total.count()) + " productive",
         .switches = fmt::format("{} app switches", today.switches),
-        .banner = activityBanner(state.state, state.pausedUntil, state.appName, state.idleLimit, calendar),
-        .live = liveActivityRow(state.live, state.state, state.alongside, state.thumbnails),
-        .accessibilityHint = accessibilityHint(state.isAccessibilityGranted),
+        .banner = banner(state, calendar),
+        .live = liveRow(state),
+        .accessibilityHint = accessibilityHint(state),
         .topApps = appRows(today.apps, TodayPanel::topLimit),
         .topWebsites = domainRows(today.domains, TodayPanel::topLimit),
         .dashboard = {.title = "Dashboard", .symbol = "rectangle.grid.2x2", .help = "Open the dashboard", .key = 'd'},
-        .pauseOrResume = pauseOrResume(state.state),
+        .pauseOrResume = pauseOrResume(state),
         .settings = {.title = "Settings", .symbol = "gearshape", .key = ','},
-        .quit = {.title = "Quit", .symbol = "power", .help = "Quit Kestrio (stops tracking)", .key = 'q'},
+        .quit = quit(state),
     };
 }
 

@@ -30,6 +30,7 @@ struct PanelWarning {
     std::string symbol;
     std::string text;
     std::string button;
+    std::optional<std::string> advice = {}; // what the host says, once somebody asked
     friend bool operator==(const PanelWarning&, const PanelWarning&) = default;
 };
 
@@ -37,6 +38,7 @@ struct TodayPanel {
     static constexpr auto title = "Today";
     static constexpr auto topAppsTitle = "Top Apps";
     static constexpr auto topWebsitesTitle = "Top Websites";
+    static constexpr auto noAnswer = "Kestrio does not answer"; // to what a button asked for
     static constexpr std::size_t topLimit = 5;
 
     std::string activeTime;
@@ -57,12 +59,14 @@ struct TodayPanel {
 
 /// What the panel shows besides the report.
 struct PanelState {
+    bool isAgentRunning = true; // without it, nothing is recorded and nothing can be done about that here
     TrackingState state = TrackingState::tracking;
     std::optional<Date> pausedUntil = {};
     std::optional<LiveActivity> live = {};
     std::vector<LiveActivity> alongside = {};
     std::optional<std::string> appName = {}; // of the application in front
     bool isAccessibilityGranted = true;
+    std::optional<std::string> accessibilityAdvice = {}; // what a person can do on this host, once they asked
     Seconds idleLimit{};
     Thumbnails thumbnails = Thumbnails::off;
 };

@@ -25,6 +25,7 @@ struct UsageTrend {
     std::vector<ValueMark> valueMarks;
     std::vector<TimeMark> timeMarks;
     SystemColor tint = SystemColor::gray;
+    std::string words; // the chart for somebody who does not see it
     friend bool operator==(const UsageTrend&, const UsageTrend&) = default;
 };
 

@@ -47,7 +47,8 @@ public:
     virtual std::optional<ProcessPriority> priority(ProcessKey process) = 0;
 
     /// Moves the process, with all its threads, to the cores that save power and behind others in line. True when
-    /// anything of it was slowed. Processes that it starts from then on are slow from their beginning: see `heirs`.
+    /// anything of it was slowed, or is already. Processes that it starts from then on are slow from their beginning:
+    /// see `heirs`.
     virtual bool slow(ProcessKey process) = 0;
 
     /// Undoes what `slow` did, and only where it still stands: what the process has chosen itself since then stays.

@@ -63,16 +63,16 @@ void ReportStore::load() {
                                calendar = std::make_shared<const Calendar>(calendar_)] {
         if (*latest != number)
             return; // given up before it began
-        auto report = std::make_shared<ActivityReport>(
+        auto report = std::make_shared<const ActivityReport>(
             ReportBuilder::build(parts.sessions(range), range, width, *calendar, parts.classification()));
         parts.queue.async([this, latest, number, report] {
             if (*latest == number) // and so the store is still there
-                accept(std::move(*report));
+                accept(report);
         });
     });
 }
 
-void ReportStore::accept(ActivityReport report) {
+void ReportStore::accept(std::shared_ptr<const ActivityReport> report) {
     // Before anybody is told: who is told may ask for another load, which then stands as the latest.
     lastLoaded_ = parts_.clock.now();
     const auto accepted = latestLoad_->load();

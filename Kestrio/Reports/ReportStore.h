@@ -9,6 +9,7 @@
 #include "Kestrio/Base/Clock.h"
 #include "Kestrio/Base/Observable.h"
 #include "Kestrio/Base/Queue.h"
+#include "Kestrio/Base/SharedObservable.h"
 #include "Kestrio/Reports/RangeMode.h"
 #include "Kestrio/Reports/ReportBuilder.h"
 
@@ -48,7 +49,7 @@ public:
     const Observable<RangeMode>& mode() const { return mode_; }
     /// Any date inside the range that is shown.
     const Observable<Date>& anchor() const { return anchor_; }
-    const Observable<ActivityReport>& report() const { return report_; }
+    const SharedObservable<ActivityReport>& report() const { return report_; }
     const Observable<bool>& isLoading() const { return isLoading_; }
 
     /// Another mode always loads.
@@ -82,7 +83,7 @@ public:
 private:
     DateInterval range() const { return interval(mode_.value(), anchor_.value(), calendar_); }
     void load();
-    void accept(ActivityReport report);
+    void accept(std::shared_ptr<const ActivityReport> report);
     void refresh();
     bool isDue() const;
 
@@ -91,7 +92,7 @@ private:
     Calendar calendar_;
     Observable<RangeMode> mode_;
     Observable<Date> anchor_;
-    Observable<ActivityReport> report_;
+    SharedObservable<ActivityReport> report_;
     Observable<bool> isLoading_{false};
     bool isOnScreen_ = true;
     std::optional<Date> lastLoaded_; // when the last report was accepted

@@ -24,6 +24,15 @@ struct OwnCost {
     friend bool operator==(const OwnCost&, const OwnCost&) = default;
 };
 
+/// The program took too much of the machine and records minutes alone for a while.
+struct LoweredPace {
+    Date since;
+    Date until;   // as it looks; a person who changes the pace ends it
+    OwnCost cost; // that was too much
+
+    friend bool operator==(const LoweredPace&, const LoweredPace&) = default;
+};
+
 class OwnCostWatch {
 public:
     /// The most that the program may take, of one core.

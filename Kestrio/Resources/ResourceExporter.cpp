@@ -216,17 +216,25 @@ fs::path freshFolder(const fs::path& destination, Date now, const Calendar& cale
 /// Too long for a file that appears whole; a failure leaves the rows up to it. Answers what went wrong.
 std::optional<std::string> writeSecondsFile(const fs::path& file, ResourceStore& store, DateInterval interval,
                                             const Calendar& calendar,
-                                            const std::function<void(std::int64_t rows)>& progress) {
+                                            const std::function<bool(std::int64_t rows)>& wantsMore) {
     if (const auto error = makePrivateFile(file))
         return "seconds.csv: " + error.message();
     std::ofstream stream(file, std::ios::binary | std::ios::trunc);
     writeSecondsCSV(
         store, interval, calendar,
         [&](std::string_view piece) { stream.write(piece.data(), static_cast<std::streamsize>(piece.size())); },
-        progress);
+        wantsMore);
     if (stream.flush())
         return std::nullopt;
     return "seconds.csv: it could not be written to its end";
+}
+
+/// Takes away what an export of ours wrote, and its folder with it unless somebody put something else there.
+void removeExport(const fs::path& folder) {
+    std::error_code ignored;
+    for (const auto* name : fileNames)
+        fs::remove(folder / name, ignored);
+    fs::remove(folder, ignored);
 }
 
 } // namespace
@@ -335,7 +343,7 @@ void writeSessionsCSV(const std::vector<UsedSession>& sessions, const Calendar& 
 }
 
 void writeSecondsCSV(ResourceStore& store, DateInterval interval, const Calendar& calendar, const Sink& sink,
-                     const std::function<void(std::int64_t rows)>& progress) {
+                     const std::function<bool(std::int64_t rows)>& wantsMore) {
     sink("time,cpu_percent,fast_cores_percent,efficiency_cores_percent,memory_used_mb,compressed_mb,swap_used_mb,"
          "pressure,thermal,ram_read_mb_s,ram_write_mb_s,ssd_read_mb_s,ssd_write_mb_s,swap_read_mb_s,swap_written_mb_s,"
          "stall_ms,seconds_since_input,state,front_app\n");
@@ -352,8 +360,8 @@ void writeSecondsCSV(ResourceStore& store, DateInterval interval, const Calendar
                       speed(second.swapInRate), speed(second.swapOutRate), number(second.lagMilliseconds),
                       number(second.idleSeconds), number(second.state), second.frontApp.value_or("")});
         rows += static_cast<std::int64_t>(page.size());
-        if (progress)
-            progress(rows);
+        if (wantsMore && !wantsMore(rows))
+            return;
         if (static_cast<std::int64_t>(page.size()) < secondsPerPage)
             return;
         last = page.back().at;
@@ -424,10 +432,11 @@ std::string readme(const Snapshot& snapshot, const Surroundings& surroundings, s
         "critical.\n\n";
     text += "PRIVACY\n"
             "Only app names, categories and numbers. Never window titles, tabs, URLs or content.\n\n";
+    text = surroundings.hostWords(text, {});
     text += "SETTINGS WHEN EXPORTED\n";
     for (const auto& [key, value] : surroundings.settings.items())
         text += fmt::format("{}: {}\n", key, value.is_string() ? value.get<std::string>() : line(value));
-    return surroundings.hostWords(std::move(text));
+    return text;
 }
 
 Export exportEverything(const Request& request, const Surroundings& surroundings, ResourceStore& store) {
@@ -440,37 +449,51 @@ Export exportEverything(const Request& request, const Surroundings& surroundings
     const auto interval =
         request.interval.value_or(DateInterval{store.earliestMinute().value_or(request.now), request.now});
     auto snapshot = load(interval, request.title, store);
+    std::vector<std::string> names;
+    std::ranges::transform(snapshot.summaries, std::back_inserter(names), &AppResourceSummary::name);
     for (auto& event : snapshot.events)
-        event.detail = surroundings.hostWords(std::move(event.detail));
+        event.detail = surroundings.hostWords(event.detail, names);
     const auto sessions = request.sessions(interval);
+
+    const auto isOver = [&] { return result.error || request.work.stop.stop_requested(); };
 
     // The share of each file is about what it takes; the seconds tell their own.
     const auto write = [&](const char* name, double shareAfter, const std::function<void(const Sink&)>& fill) {
-        if (result.error)
+        if (isOver())
             return;
         ReplacementFile file(result.folder / name, ownerOnly);
-        fill([&](std::string_view piece) { file.write(piece); });
+        fill([&](std::string_view piece) {
+            if (!isOver())
+                file.write(piece);
+        });
+        if (isOver())
+            return;
         if (const auto error = file.commit())
             result.error = fmt::format("{}: {}", name, error.message());
         else
-            request.progress(shareAfter);
+            request.work.progress(shareAfter);
     };
     write("report.md", 0.05, [&](const Sink& sink) { sink(report(snapshot, surroundings)); });
     write("system-minutes.csv", 0.1, [&](const Sink& sink) { writeSystemCSV(snapshot, calendar, sink); });
     write("apps-minutes.csv", 0.3, [&](const Sink& sink) { writeAppsCSV(snapshot, calendar, sink); });
-    if (!result.error)
+    if (!isOver())
         result.error =
             writeSecondsFile(result.folder / "seconds.csv", store, interval, calendar, [&](std::int64_t rows) {
                 const auto all = static_cast<double>(std::max<std::int64_t>(snapshot.secondsLogged, 1));
-                request.progress(0.3 + 0.4 * std::min(static_cast<double>(rows) / all, 1.0));
+                request.work.progress(0.3 + 0.4 * std::min(static_cast<double>(rows) / all, 1.0));
+                return !request.work.stop.stop_requested();
             });
     write("events.csv", 0.72, [&](const Sink& sink) { writeEventsCSV(snapshot, calendar, sink); });
     write("optimization-impact.csv", 0.73, [&](const Sink& sink) { writeImpactCSV(snapshot, calendar, sink); });
     write("activity-sessions.csv", 0.75, [&](const Sink& sink) { writeSessionsCSV(sessions, calendar, sink); });
     write("data.json", 0.9, [&](const Sink& sink) { writeJSON(snapshot, surroundings, sink); });
-    if (!result.error && !store.copyDatabase(result.folder / ResourceStore::fileName))
+    if (!isOver() && !store.copyDatabase(result.folder / ResourceStore::fileName))
         result.error = fmt::format("{}: the copy could not be made", ResourceStore::fileName);
     write("README.txt", 1, [&](const Sink& sink) { sink(readme(snapshot, surroundings, sessions.size())); });
+    if (request.work.stop.stop_requested()) {
+        removeExport(result.folder);
+        result.wasStopped = true;
+    }
     return result;
 }
 

@@ -6,14 +6,17 @@
 #pragma once
 
 #include "Kestrio/Base/Calendar.h"
+#include "Kestrio/Base/LongWork.h"
 #include "Kestrio/Resources/ResourceStore.h"
 #include "Kestrio/Resources/SSDSpeedTest.h"
 
+#include <array>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -70,8 +73,9 @@ struct Surroundings {
     std::optional<double> topRAMSpeed; // bytes per second
     std::optional<SSDSpeedTest::Result> driveTest;
     Calendar calendar = Calendar("en", "GMT");
-    /// Puts this host's words in the place of others in a text for people.
-    std::function<std::string(std::string text)> hostWords = [](std::string text) { return text; };
+    /// Puts this host's words in the place of others in a text for people, names of applications within it excepted.
+    std::function<std::string(const std::string& text, std::span<const std::string> names)> hostWords =
+        [](const std::string& text, auto) { return text; };
 };
 
 /// Takes the pieces of a file, in order.
@@ -83,18 +87,25 @@ void writeEventsCSV(const Snapshot& snapshot, const Calendar& calendar, const Si
 void writeImpactCSV(const Snapshot& snapshot, const Calendar& calendar, const Sink& sink);
 void writeSessionsCSV(const std::vector<UsedSession>& sessions, const Calendar& calendar, const Sink& sink);
 
-/// Reads the seconds from the store page by page as it writes them; after each page the number so far is told.
+/// Reads the seconds from the store page by page as it writes them; after each page the number so far is told, and the
+/// answer says whether to go on.
 void writeSecondsCSV(ResourceStore& store, DateInterval interval, const Calendar& calendar, const Sink& sink,
-                     const std::function<void(std::int64_t rows)>& progress = {});
+                     const std::function<bool(std::int64_t rows)>& wantsMore = {});
 
 void writeJSON(const Snapshot& snapshot, const Surroundings& surroundings, const Sink& sink);
 
 std::string readme(const Snapshot& snapshot, const Surroundings& surroundings, std::size_t sessions);
 
+/// The files of an export.
+inline constexpr std::array fileNames{"README.txt",  "activity-sessions.csv",   "apps-minutes.csv", "data.json",
+                                      "events.csv",  "optimization-impact.csv", "report.md",        "resources.sqlite",
+                                      "seconds.csv", "system-minutes.csv"};
+
 /// Writes everything into a new folder, "kestrio-{date}", inside `destination`.
 struct Export {
     std::filesystem::path folder;     // where it is, or would have been
     std::optional<std::string> error; // absent when all went well; what was written until then stays
+    bool wasStopped = false;          // on request; nothing of it is left
 };
 struct Request {
     std::filesystem::path destination;
@@ -103,8 +114,7 @@ struct Request {
     Date now;
     /// The sessions of the range, from wherever they are kept.
     std::function<std::vector<UsedSession>(DateInterval)> sessions;
-    /// The share that is done, from 0 to 1.
-    std::function<void(double share)> progress = [](double) {};
+    LongWork work = {};
 };
 Export exportEverything(const Request& request, const Surroundings& surroundings, ResourceStore& store);
 

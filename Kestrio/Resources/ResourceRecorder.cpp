@@ -173,7 +173,7 @@ void ResourceRecorder::lowerPace(const OwnCost& cost, Date now) {
         fmt::format("Kestrio resource log: the program took {:.1f} % of a core for {:.0f} minutes; recording minutes "
                     "alone for an hour",
                     cost.cores * 100, cost.span.count() / 60));
-    lowered_ = LoweredPace{now, cost};
+    lowered_ = LoweredPace{now, now + lowPaceSpan, cost};
     costWatch_.beginAnew();
     restoring_ = host_.main.after(lowPaceSpan, [this] {
         restorePace();

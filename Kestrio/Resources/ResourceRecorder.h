@@ -122,11 +122,7 @@ public:
     /// The pace that the person set, in seconds: 1, 5 or 10, or 0 for minutes alone.
     std::int64_t detailSeconds() const;
 
-    /// The program took too much of the machine and records minutes alone for a while.
-    struct LoweredPace {
-        Date since;
-        OwnCost cost; // that was too much
-    };
+    /// Absent while the pace is the person's.
     const std::optional<LoweredPace>& loweredPace() const { return lowered_; }
 
     /// What the program takes, over the last ten minutes at most; absent while nothing is logged and at first.

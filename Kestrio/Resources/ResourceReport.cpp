@@ -147,6 +147,9 @@ public:
 private:
     void line(const std::string& text) { text_ += text + "\n"; }
 
+    /// A fixed text in the words of this host. What the log holds, names among it, is written as it stands.
+    std::string words(const std::string& text) const { return surroundings_.hostWords(text, {}); }
+
     void section(const std::string& title) {
         line("");
         line("## " + title);
@@ -176,8 +179,9 @@ private:
         if (snapshot_.configs.empty())
             return;
         section("Optimization: off versus on");
-        line(fmt::format("Only minutes you were at the Mac are counted; under {} minutes is too little to judge. Each "
-                         "combination of mode, freeze time, efficiency cores and app rules is its own setup.",
+        line(words("Only minutes you were at the Mac are counted") +
+             fmt::format("; under {} minutes is too little to judge. Each combination of mode, freeze time, efficiency "
+                         "cores and app rules is its own setup.",
                          tindra::ConfigStats::reliableMinutes));
         line("");
         line("| Setup | Counted | Under pressure | Read back / hr | Slowdowns / hr | Freezes / hr | Avg CPU | Avg "
@@ -253,9 +257,9 @@ private:
     }
 
     void behaviour() {
-        section("How you used the Mac");
+        section(words("How you used the Mac"));
         const auto spent = [](std::int64_t seconds) { return duration(Seconds(static_cast<double>(seconds))); };
-        line(fmt::format("- At the Mac (active): {}. Idle: {}. Away (locked or asleep): {}.",
+        line(fmt::format("- {}: {}. Idle: {}. Away (locked or asleep): {}.", words("At the Mac (active)"),
                          spent(sums_.activeSeconds), spent(sums_.idleSeconds), spent(sums_.awaySeconds)));
         const double activeHours = static_cast<double>(sums_.activeSeconds) / 3600;
         auto switches = fmt::format("- App switches: {}", sums_.switches);
@@ -312,7 +316,8 @@ private:
         if (snapshot_.hours.empty())
             return;
         section("By hour of day");
-        line("| Hour | At the Mac | Idle or away | Switches | Minutes logged | Memory used | Swap read back | Under "
+        line("| Hour | " + words("At the Mac") +
+             " | Idle or away | Switches | Minutes logged | Memory used | Swap read back | Under "
              "pressure | CPU | Stall peak |");
         line("|---|---|---|---|---|---|---|---|---|---|");
         for (const auto& hour : snapshot_.hours)
@@ -402,7 +407,7 @@ private:
         for (const auto& event : snapshot_.events)
             ++counts[event.kind];
         for (const auto& [kind, count] : counts)
-            line(fmt::format("- {}: {}", title(kind), count));
+            line(fmt::format("- {}: {}", words(std::string(title(kind))), count));
     }
 
     bool wasOffThroughout() const {
@@ -433,7 +438,7 @@ private:
 } // namespace
 
 std::string report(const Snapshot& snapshot, const Surroundings& surroundings) {
-    return surroundings.hostWords(Writer(snapshot, surroundings).document());
+    return Writer(snapshot, surroundings).document();
 }
 
 } // namespace kestrio::ResourceExporter

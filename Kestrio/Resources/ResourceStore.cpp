@@ -2,81 +2,27 @@
 
 #include "Kestrio/Base/Files.h"
 #include "Kestrio/Base/Log.h"
-#include "Kestrio/Base/SqliteFold.h"
 #include "Kestrio/Resources/ResourceTables.h"
+#include "Kestrio/Resources/StoredValues.h"
 
-#include <cmath>
 #include <exception>
-#include <limits>
 
 namespace kestrio {
 namespace {
 
 namespace fs = std::filesystem;
+using namespace storedValues;
 using sqlite::Columns;
 using sqlite::Statement;
 using sqlite::Step;
 
 constexpr std::int64_t minuteLength = 60;
-constexpr int bitsPerMiB = 20;
-constexpr std::int64_t pressureWarning = 2; // the code from which on a minute counts as one under pressure
 
 /// The version of a file whose minutes all know their setup.
 constexpr std::int64_t backFilledVersion = 2;
 
 void logSQLError(const std::string& message) {
     logLine("Kestrio resource log SQL error: " + message);
-}
-
-/// Towards zero. Beyond 64 bits the nearest there is, and 0 for what is no number.
-std::int64_t truncated(double value) {
-    constexpr double bound = 0x1p63;
-    if (std::isnan(value))
-        return 0;
-    if (value >= bound)
-        return std::numeric_limits<std::int64_t>::max();
-    if (value < -bound)
-        return std::numeric_limits<std::int64_t>::min();
-    return static_cast<std::int64_t>(value);
-}
-
-std::int64_t wholeSeconds(Date date) {
-    return truncated(date.seconds());
-}
-
-std::int64_t permille(double share) {
-    return std::isnan(share) ? 0 : std::llround(std::clamp(share, 0.0, 1.0) * 1000);
-}
-
-double share(std::int64_t permille) {
-    return static_cast<double>(permille) / 1000;
-}
-
-std::int64_t stored(std::uint64_t value) {
-    return static_cast<std::int64_t>(
-        std::min(value, static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max())));
-}
-
-std::int64_t mebibytes(std::uint64_t bytes) {
-    return static_cast<std::int64_t>(bytes >> bitsPerMiB);
-}
-
-std::uint64_t fromMebibytes(std::uint64_t mebibytes) {
-    return mebibytes << bitsPerMiB;
-}
-
-/// An average of counts, as a count.
-std::uint64_t averageCount(double value) {
-    return static_cast<std::uint64_t>(std::max(truncated(value), std::int64_t{0}));
-}
-
-std::int64_t clampedTo32Bits(std::int64_t value) {
-    return std::clamp<std::int64_t>(value, std::numeric_limits<std::int32_t>::min(),
-                                    std::numeric_limits<std::int32_t>::max());
-}
-
-std::optional<std::int64_t> flag(std::optional<bool> value) {
-    return value ? std::optional(std::int64_t{*value}) : std::nullopt;
 }
 
 // The decoders below read each column in the order in which their statement names them.
@@ -197,102 +143,6 @@ ConfigGroup decodeConfigGroup(Columns row) {
             .uncertainMinutes = row.integer()};
 }
 
-// Periods in the making hold sums where they will hold averages; the columns are those that the series name.
-
-void add(SystemBucket& bucket, sqlite::RowValues row) {
-    ++bucket.minutes;
-    bucket.cpu += row.real();
-    bucket.cpuPeak = std::max(bucket.cpuPeak, row.real());
-    bucket.cpuPerformance += row.real();
-    bucket.cpuEfficiency += row.real();
-    bucket.memoryUsed += row.natural();
-    bucket.swapUsed = std::max(bucket.swapUsed, row.natural());
-    bucket.swapIn += row.natural();
-    bucket.swapOut += row.natural();
-    const auto pressure = row.integer();
-    bucket.pressure = std::max(bucket.pressure, pressure);
-    bucket.pressureMinutes += pressure >= pressureWarning;
-    bucket.lagMilliseconds = std::max(bucket.lagMilliseconds, row.integer());
-    bucket.ramRead += row.real();
-    bucket.ramWrite += row.real();
-    bucket.ramPeak = std::max(bucket.ramPeak, row.real());
-    bucket.ssdRead += row.real();
-    bucket.ssdWrite += row.real();
-    bucket.ssdPeak = std::max(bucket.ssdPeak, row.real());
-    bucket.activeSeconds += row.integer();
-    bucket.idleSeconds += row.integer();
-    bucket.awaySeconds += row.integer();
-    bucket.switches += row.integer();
-}
-
-void finish(SystemBucket& bucket, double rows) {
-    bucket.memoryUsed = averageCount(static_cast<double>(bucket.memoryUsed) / rows);
-    for (auto* sum : {&bucket.cpu, &bucket.cpuPerformance, &bucket.cpuEfficiency, &bucket.ramRead, &bucket.ramWrite,
-                      &bucket.ssdRead, &bucket.ssdWrite})
-        *sum /= rows;
-}
-
-void add(SecondBucket& bucket, sqlite::RowValues row) {
-    const auto cpu = row.real();
-    bucket.cpu += cpu;
-    bucket.cpuPeak = std::max(bucket.cpuPeak, cpu);
-    const auto ramRead = row.real();
-    const auto ramWrite = row.real();
-    bucket.ramRead += ramRead;
-    bucket.ramWrite += ramWrite;
-    bucket.ramPeak = std::max(bucket.ramPeak, ramRead + ramWrite);
-    const auto ssdRead = row.real();
-    const auto ssdWrite = row.real();
-    bucket.ssdRead += ssdRead;
-    bucket.ssdWrite += ssdWrite;
-    bucket.ssdPeak = std::max(bucket.ssdPeak, ssdRead + ssdWrite);
-    bucket.swapUsed = std::max(bucket.swapUsed, row.natural());
-    bucket.pressure = std::max(bucket.pressure, row.integer());
-    bucket.lagMilliseconds = std::max(bucket.lagMilliseconds, row.integer());
-}
-
-void finish(SecondBucket& bucket, double rows) {
-    bucket.cpu = bucket.cpu / rows / 1000;
-    bucket.cpuPeak /= 1000;
-    bucket.swapUsed = fromMebibytes(bucket.swapUsed);
-    for (auto* sum : {&bucket.ramRead, &bucket.ramWrite, &bucket.ssdRead, &bucket.ssdWrite})
-        *sum /= rows;
-}
-
-/// The periods of rows that come in the order of time, which is each row's first value.
-template <class Bucket>
-class Series {
-public:
-    explicit Series(std::int64_t length) : length_(length) {}
-
-    void receive(sqlite::RowValues row) {
-        const auto start = row.integer() / length_ * length_;
-        if (buckets_.empty() || start != start_) {
-            finishLast();
-            buckets_.push_back({.start = Date(static_cast<double>(start))});
-            start_ = start;
-        }
-        ++rows_;
-        add(buckets_.back(), row);
-    }
-
-    std::vector<Bucket> take() {
-        finishLast();
-        return std::move(buckets_);
-    }
-
-private:
-    void finishLast() {
-        if (!buckets_.empty())
-            finish(buckets_.back(), std::exchange(rows_, 0));
-    }
-
-    const std::int64_t length_;
-    std::int64_t start_ = 0; // of the last one
-    double rows_ = 0;        // in the last one
-    std::vector<Bucket> buckets_;
-};
-
 constexpr auto secondColumns =
     "SELECT s.ts, s.cpu, s.cpu_p, s.cpu_e, s.mem_mb, s.comp_mb, s.swap_mb, s.pressure, s.thermal, s.ram_r, s.ram_w,\n"
     "s.ssd_r, s.ssd_w, s.swap_in, s.swap_out, s.lag_ms, s.idle_s, s.state, a.key\n"
@@ -374,6 +224,7 @@ ResourceStore::ResourceStore(const fs::path& file, Queue& queue, const Clock& cl
                 migrate();
             else // opening alone looks at nothing; a file that is no log would read as an empty one
                 executeOrThrow(connection_.get(), "SELECT frozen_mb FROM system_minutes LIMIT 0");
+            hasHours_ = !tableColumns(connection_.get(), "system_hours").empty();
         } catch (const DatabaseError&) {
             connection_.reset();
             failure = std::current_exception();
@@ -405,6 +256,7 @@ void ResourceStore::migrate() {
     addColumns("system_minutes", resourceTables::systemMinuteColumns);
     addColumns("app_minutes", resourceTables::appMinuteColumns);
     backFillConfigs();
+    sumUpHours();
 }
 
 void ResourceStore::addColumns(const std::string& table,
@@ -492,19 +344,6 @@ std::vector<Record> ResourceStore::collect(Statement& statement, Decode decode) 
     return records;
 }
 
-/// `sql` folds the rows of a range in the order of time.
-template <class Bucket>
-std::vector<Bucket> ResourceStore::series(std::string_view sql, DateInterval range, std::int64_t bucket) {
-    return queue_.sync([&] {
-        Series<Bucket> made(bucket);
-        const sqlite::RowFold fold(connection_.get(), [&](sqlite::RowValues row) { made.receive(row); });
-        auto select = prepare(sql);
-        select.bindAll(range.start, range.end);
-        run(select);
-        return made.take();
-    });
-}
-
 // Interning.
 
 std::optional<std::int64_t> ResourceStore::appID(const std::string& key, const std::optional<std::string>& name) {
@@ -566,6 +405,7 @@ void ResourceStore::write(SystemMinute minute, std::vector<AppMinute> apps) {
             return logSQLError(sqlite::errorMessage(connection_.get()));
         writeMinute(minute);
         writeApps(apps);
+        sumUpHourBefore(minute.minute);
         if (!transaction.commit())
             logSQLError(sqlite::errorMessage(connection_.get()));
     });
@@ -671,7 +511,8 @@ void ResourceStore::prune(Date before, std::optional<Date> seconds) {
 
 void ResourceStore::deleteAll() {
     queue_.async([this] {
-        execute("DELETE FROM system_minutes; DELETE FROM system_seconds; DELETE FROM app_minutes; DELETE FROM events;"
+        execute("DELETE FROM system_minutes; DELETE FROM system_hours; DELETE FROM system_seconds; DELETE FROM "
+                "app_minutes; DELETE FROM events;"
                 " DELETE FROM apps; DELETE FROM configs;");
         forgetIdentifiers();
         execute("VACUUM");
@@ -734,14 +575,6 @@ std::vector<ResourceEvent> ResourceStore::events(DateInterval range, std::int64_
     });
 }
 
-std::vector<SystemBucket> ResourceStore::systemSeries(DateInterval range, std::int64_t bucket) {
-    return series<SystemBucket>(
-        "SELECT fold(minute, cpu, cpu_peak, cpu_p, cpu_e, mem_used, swap_used, swap_in, swap_out,\n"
-        "pressure, lag_ms, ram_r, ram_w, ram_peak, ssd_r, ssd_w, ssd_peak, active_s, idle_s,\n"
-        "away_s, switches) FROM system_minutes WHERE minute >= ? AND minute < ?",
-        range, std::max(bucket, minuteLength));
-}
-
 std::vector<HourProfile> ResourceStore::hourProfiles(DateInterval range) {
     return queue_.sync([&] {
         auto select = prepare("SELECT CAST(strftime('%H', minute, 'unixepoch', 'localtime') AS INTEGER) AS h,\n"
@@ -769,12 +602,6 @@ std::vector<ConfigGroup> ResourceStore::configGroups(DateInterval range) {
         select.bindAll(range.start, range.end);
         return collect<ConfigGroup>(select, decodeConfigGroup);
     });
-}
-
-std::vector<SecondBucket> ResourceStore::secondsSeries(DateInterval range, std::int64_t bucket) {
-    return series<SecondBucket>("SELECT fold(ts, cpu, ram_r, ram_w, ssd_r, ssd_w, swap_mb, pressure, lag_ms)\n"
-                                "FROM system_seconds WHERE ts >= ? AND ts < ?",
-                                range, std::max(bucket, std::int64_t{1}));
 }
 
 std::vector<SystemSecond> ResourceStore::seconds(DateInterval range, std::optional<Date> after, std::int64_t limit) {

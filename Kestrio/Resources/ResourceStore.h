@@ -95,6 +95,11 @@ private:
     void backFillConfigs();
     std::vector<DateInterval> recordedOptimizerSpans();
 
+    void sumUpHours();
+    void sumUpHours(std::int64_t from, std::int64_t to);
+    void sumUpHourBefore(Date minute);
+    std::vector<SystemBucket> wholeHours(DateInterval range, std::int64_t period);
+
     void writeMinute(const SystemMinute& minute);
     void writeApps(const std::vector<AppMinute>& apps);
     void writeSeconds(const std::vector<SystemSecond>& seconds);
@@ -109,8 +114,6 @@ private:
     void execute(const char* sql);
     template <class Record, class Decode>
     std::vector<Record> collect(sqlite::Statement& statement, Decode decode);
-    template <class Bucket>
-    std::vector<Bucket> series(std::string_view sql, DateInterval range, std::int64_t bucket);
 
     const std::filesystem::path file_;
     Queue& queue_;
@@ -121,6 +124,8 @@ private:
     std::unordered_map<std::string, std::int64_t> appIDs_;
     std::unordered_map<std::string, std::string> appNames_; // as last stored
     std::unordered_map<std::string, std::int64_t> configIDs_;
+    bool hasHours_ = false;                // a file that an earlier version alone has written has none
+    std::optional<std::int64_t> openHour_; // of the minute that was written last
 };
 
 } // namespace kestrio

@@ -6,7 +6,8 @@
 
 namespace kestrio::resourceTables {
 
-/// Everything that is made when missing.
+/// Everything that is made when missing. `system_hours` holds the sums and the greatest of whole hours of minutes; a
+/// change of a minute, by whatever version of the program, does away with those of its hour.
 inline constexpr auto schema = R"(
 CREATE TABLE IF NOT EXISTS apps (
     id   INTEGER PRIMARY KEY,
@@ -30,6 +31,37 @@ CREATE TABLE IF NOT EXISTS system_minutes (
     lag_ms     INTEGER NOT NULL,
     front      INTEGER
 );
+CREATE TABLE IF NOT EXISTS system_hours (
+    hour         INTEGER PRIMARY KEY,
+    cpu          REAL NOT NULL,
+    cpu_peak     REAL NOT NULL,
+    cpu_p        REAL NOT NULL,
+    cpu_e        REAL NOT NULL,
+    mem_used     INTEGER NOT NULL,
+    swap_used    INTEGER NOT NULL,
+    swap_in      INTEGER NOT NULL,
+    swap_out     INTEGER NOT NULL,
+    pressure     INTEGER NOT NULL,
+    pressure_min INTEGER NOT NULL,
+    lag_ms       INTEGER NOT NULL,
+    minutes      INTEGER NOT NULL,
+    ram_r        REAL NOT NULL,
+    ram_w        REAL NOT NULL,
+    ram_peak     REAL NOT NULL,
+    ssd_r        REAL NOT NULL,
+    ssd_w        REAL NOT NULL,
+    ssd_peak     REAL NOT NULL,
+    active_s     INTEGER NOT NULL,
+    idle_s       INTEGER NOT NULL,
+    away_s       INTEGER NOT NULL,
+    switches     INTEGER NOT NULL
+);
+CREATE TRIGGER IF NOT EXISTS system_minutes_written AFTER INSERT ON system_minutes BEGIN
+    DELETE FROM system_hours WHERE hour = new.minute / 3600 * 3600;
+END;
+CREATE TRIGGER IF NOT EXISTS system_minutes_deleted AFTER DELETE ON system_minutes BEGIN
+    DELETE FROM system_hours WHERE hour = old.minute / 3600 * 3600;
+END;
 CREATE TABLE IF NOT EXISTS app_minutes (
     minute    INTEGER NOT NULL,
     app       INTEGER NOT NULL,

@@ -1,5 +1,7 @@
 #include "Kestrio/Resources/SSDSpeedTest.h"
 
+#include "Kestrio/Base/StoredDates.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -12,9 +14,6 @@ namespace {
 
 constexpr std::size_t blockSize = 4'194'304; // 4 MiB: long enough that the drive, not the calls, sets the pace
 constexpr std::size_t megabytesPerBlock = 4;
-
-/// The origin of stored dates, 2001-01-01 00:00 UTC.
-constexpr Date originOfStoredDates{978'307'200};
 
 /// Memory that a drive can be read into and written from past the cache.
 class Block {

@@ -18,6 +18,7 @@ using Behaviour = tindra::BehaviourAccumulator;
 constexpr Seconds minuteLength{60};
 constexpr Seconds longestGap{10};   // between two of the log's seconds, at its slowest pace
 constexpr double leastCores = 0.05; // less is no work to speak of
+constexpr std::uint64_t leastDisk = 1 << 20;
 constexpr std::int64_t warning = 2; // the log's codes of memory pressure
 constexpr std::int64_t critical = 4;
 constexpr std::int64_t feltLag = 100; // milliseconds; a shorter stall is not worth a word
@@ -66,6 +67,8 @@ void takeMinute(Slowness& made, const SystemMinute& minute) {
     made.lagMilliseconds = minute.lagMilliseconds;
     made.cpu = minute.cpu;
     made.thermal = minute.thermal;
+    made.ssdWaitMicroseconds = minute.ssdWaitMicroseconds;
+    made.ssdSpeed = minute.ssdRead + minute.ssdWrite;
 }
 
 void takeSeconds(Slowness& made, const std::vector<SystemSecond>& seconds, bool hasMinute) {
@@ -95,6 +98,8 @@ std::vector<Cause> causesOf(const Slowness& seen) {
         causes.push_back(Cause::criticalMemory);
     if (isSlow({.swapInBytes = seen.readBack}))
         causes.push_back(Cause::readBack);
+    if (seen.ssdWaitMicroseconds >= Slowness::longWaitMicroseconds && seen.ssdSpeed >= Slowness::leastTraffic)
+        causes.push_back(Cause::heldUpDrive);
     if (seen.cpu >= Slowness::busyShare)
         causes.push_back(Cause::busyCores);
     if (seen.thermal >= Slowness::throttlingFrom)
@@ -106,11 +111,13 @@ void takeApps(Slowness& made, const std::vector<AppMinute>& apps, Date minute) {
     for (const auto& app : apps) {
         if (app.minute != minute)
             continue;
-        const Slowness::App seen{app.appID, app.name, app.memory, app.cpu};
+        const Slowness::App seen{app.appID, app.name, app.memory, app.cpu, app.diskRead + app.diskWritten};
         if (!made.largest || seen.memory > made.largest->memory)
             made.largest = seen;
         if (seen.cpu >= leastCores && (!made.busiest || seen.cpu > made.busiest->cpu))
             made.busiest = seen;
+        if (seen.disk >= leastDisk && (!made.writingMost || seen.disk > made.writingMost->disk))
+            made.writingMost = seen;
     }
 }
 
@@ -169,6 +176,9 @@ std::string causeInWords(Cause cause, const Slowness& seen, const Calendar& cale
     case Cause::criticalMemory: return "its memory was full (critical pressure)";
     case Cause::readBack:
         return fmt::format("{} had to be read back from the SSD within a minute", Fmt::memory(seen.readBack, calendar));
+    case Cause::heldUpDrive:
+        return fmt::format("its SSD could not keep up (a request waited {} ms, at {})",
+                           (seen.ssdWaitMicroseconds + 500) / 1000, Fmt::speed(seen.ssdSpeed, calendar));
     case Cause::busyCores: return fmt::format("its cores were all busy ({})", Fmt::percent(seen.cpu, 1));
     case Cause::heat: return "it was hot and slowed itself down to cool off";
     }
@@ -212,17 +222,21 @@ std::string doing(const Slowness& seen) {
 }
 
 std::vector<std::string> appsInWords(const Slowness& seen, const Calendar& calendar) {
+    std::vector<std::string> clauses;
     if (!seen.largest)
-        return {};
-    const auto memory = Fmt::memory(seen.largest->memory, calendar);
-    if (!seen.busiest)
-        return {fmt::format("{} held the most memory ({})", seen.largest->name, memory)};
-    const auto cores = Fmt::cores(seen.busiest->cpu, calendar);
-    if (seen.busiest->id == seen.largest->id)
-        return {
-            fmt::format("{} held the most memory ({}) and was the busiest ({})", seen.largest->name, memory, cores)};
-    return {fmt::format("{} held the most memory ({})", seen.largest->name, memory),
-            fmt::format("{} was the busiest ({})", seen.busiest->name, cores)};
+        return clauses;
+    auto holding =
+        fmt::format("{} held the most memory ({})", seen.largest->name, Fmt::memory(seen.largest->memory, calendar));
+    if (seen.busiest && seen.busiest->id == seen.largest->id)
+        holding += fmt::format(" and was the busiest ({})", Fmt::cores(seen.busiest->cpu, calendar));
+    clauses.push_back(std::move(holding));
+    if (seen.busiest && seen.busiest->id != seen.largest->id)
+        clauses.push_back(
+            fmt::format("{} was the busiest ({})", seen.busiest->name, Fmt::cores(seen.busiest->cpu, calendar)));
+    if (seen.writingMost && std::ranges::find(seen.causes, Cause::heldUpDrive) != seen.causes.end())
+        clauses.push_back(fmt::format("{} read and wrote the most ({})", seen.writingMost->name,
+                                      Fmt::fileSize(seen.writingMost->disk, calendar)));
+    return clauses;
 }
 
 std::string upperFirst(std::string text) {

@@ -34,6 +34,7 @@ struct Slowness {
         stall,          // the screen stood still for half a second or more
         criticalMemory, // there was no memory left
         readBack,       // much memory had to be read back from the drive
+        heldUpDrive,    // whatever the drive was asked for had to wait
         busyCores,      // every core was at work
         heat,           // the chip held itself back to cool down
     };
@@ -42,11 +43,17 @@ struct Slowness {
     /// From this thermal code on the chip is slowed.
     static constexpr std::int64_t throttlingFrom = 2;
 
+    /// From this wait of an average request on, opening anything, which takes hundreds, is felt. An idle drive takes
+    /// its time too, so that it has to move this much as well, in bytes per second.
+    static constexpr std::int64_t longWaitMicroseconds = 10'000;
+    static constexpr double leastTraffic = 1e6;
+
     struct App {
         std::string id;
         std::string name;
         std::uint64_t memory = 0;
-        double cpu = 0; // in cores
+        double cpu = 0;         // in cores
+        std::uint64_t disk = 0; // bytes read and written in the minute
 
         friend bool operator==(const App&, const App&) = default;
     };
@@ -62,9 +69,13 @@ struct Slowness {
     std::optional<Date> lagAt = {}; // the second of the longest stall, where seconds are logged
     double cpu = 0;
     std::int64_t thermal = 0;
+    std::int64_t ssdWaitMicroseconds = 0; // of the minute's average request
+    double ssdSpeed = 0;                  // bytes per second, read and written, averaged over the minute
 
+    // The applications with the most of each; absent when none had anything to speak of.
     std::optional<App> largest = {};
-    std::optional<App> busiest = {}; // absent when none did anything to speak of
+    std::optional<App> busiest = {};
+    std::optional<App> writingMost = {}; // or reading
     std::optional<std::string> front = {};
     std::optional<std::int64_t> activity = {}; // the log's code; absent if it cannot be told
     bool wasAsleep = false;                    // why nothing is logged

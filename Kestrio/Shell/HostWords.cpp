@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
+#include <vector>
 
 namespace kestrio {
 namespace {
@@ -78,13 +80,40 @@ std::string capitalised(std::string_view word) {
     return made;
 }
 
+/// Whether the name holds one of the words, beside others that tell it from the word.
+bool isToBeKept(const std::string& name) {
+    return std::ranges::any_of(words, [&](const Word& word) {
+        return name.size() > word.foreign.size() && name.find(word.foreign) != std::string::npos;
+    });
+}
+
+/// Length of the longest name that the text begins with, or 0.
+std::size_t nameLength(std::string_view text, const std::vector<std::string_view>& names) {
+    std::size_t longest = 0;
+    for (const auto name : names)
+        if (text.starts_with(name))
+            longest = std::max(longest, name.size());
+    return longest;
+}
+
 } // namespace
 
 std::string hostWords(std::string_view text) {
+    return hostWords(text, {});
+}
+
+std::string hostWords(std::string_view text, std::span<const std::string> names) {
+    std::vector<std::string_view> kept;
+    std::ranges::copy_if(names, std::back_inserter(kept), isToBeKept);
     std::string made;
     made.reserve(text.size());
     for (std::size_t at = 0; at < text.size();) {
         const auto rest = text.substr(at);
+        if (const auto length = nameLength(rest, kept); length > 0) {
+            made += rest.substr(0, length);
+            at += length;
+            continue;
+        }
         const auto* const word = std::ranges::find_if(words, [&](const Word& candidate) {
             return rest.starts_with(candidate.foreign) && endsWord(rest.substr(candidate.foreign.size()));
         });

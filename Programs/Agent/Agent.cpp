@@ -7,12 +7,13 @@
 #include "Kestrio/Link/BackgroundClient.h"
 #include "Kestrio/Link/BackgroundService.h"
 #include "Kestrio/Link/LocalBackground.h"
+#include "Kestrio/Pages/StateWords.h"
 #include "Kestrio/Platform/Linux/AutostartLoginItem.h"
 #include "Kestrio/Platform/Linux/BusAddress.h"
 #include "Kestrio/Platform/Linux/BusConnection.h"
-#include "Kestrio/Platform/Linux/DetachedProgram.h"
 #include "Kestrio/Platform/Linux/FileKeyValueStore.h"
 #include "Kestrio/Platform/Linux/SingleInstance.h"
+#include "Kestrio/Platform/Linux/StatusNotifierTray.h"
 #include "Kestrio/Reports/SessionImport.h"
 #include "Kestrio/Shell/AppInfo.h"
 #include "Kestrio/Shell/AppModel.h"
@@ -23,7 +24,11 @@
 #include "Programs/Agent/HostClassification.h"
 #include "Programs/Agent/HostDesktop.h"
 #include "Programs/Agent/HostMedia.h"
+#include "Programs/Agent/HostMonitor.h"
 #include "Programs/Agent/HostResources.h"
+#include "Programs/Agent/HostTray.h"
+#include "Programs/Agent/TodaysTime.h"
+#include "Programs/Agent/WindowLauncher.h"
 
 #include <csignal>
 #include <cstdio>
@@ -86,6 +91,9 @@ public:
         dataFolder_ = Database::directory(locations_.data);
         if (const auto status = refuseSecondCopy())
             return *status;
+        // Before anything that may fail or take long.
+        optimizer_.emplace(HostOptimizer::Host{clock_, main_, settings_, dataFolder_, ownProgram().parent_path(),
+                                               options_.wrapSignals});
         if (!openDatabase())
             return 1;
         import_.emplace(*database_, main_);
@@ -94,24 +102,36 @@ public:
         monitor_.emplace(ActivityMonitor::Host{clock_, monitorQueue_, desktop_->workspace, desktop_->windowTitles,
                                                desktop_->inputIdle, desktop_->sessionEvents, settings_},
                          *database_, HostDesktop::hostApplications(), collaborators());
-        resources_.emplace(clock_, main_, settings_, dataFolder_, monitorQueue_, *desktop_, *monitor_);
+        systemMonitor_.emplace(clock_, main_);
+        resources_.emplace(clock_, main_, settings_, dataFolder_, monitorQueue_, *desktop_, *monitor_, *optimizer_);
+        optimizer_->connect(optimizerParts());
+        systemMonitor_->followOptimizer([this] { return optimizer_->counts(); });
         const auto program = ownProgram();
         loginItem_.emplace(locations_.autostartFolder(), program);
         model_.emplace(AppModel::Parts{clock_, main_, *monitor_, settings_, *loginItem_, isInstalledCopy(program)});
         background_.emplace(
             *model_, LocalBackground::Facts{AppInfo::version(), getpid(), dataFolder_.string(), clock_.now()},
-            [this] { return openDashboard(); },
-            [this](auto files, auto receiver) { return importFiles(std::move(files), std::move(receiver)); },
-            [this] { return browsers_->readings(); });
+            LocalBackground::Services{
+                .openWindow = [this](const WindowRequest& request) { return windows_->show(request); },
+                .importFiles = [this](auto files,
+                                      auto receiver) { return importFiles(std::move(files), std::move(receiver)); },
+                .browsers = [this] { return browsers_->readings(); },
+                .observeMonitor = [this](auto receiver) { return systemMonitor_->observe(std::move(receiver)); },
+                .ownCost = [this] { return resources_->cost(); },
+                .quit = [this] { quit(); },
+                .optimizer = optimizer_->link(),
+            });
         if (!offerOnBus())
             return 0;
         const auto signals = signals_.observe(main_, [this] { endBySignal(); });
         if (options_.onChange)
             changes_ = background_->observe(options_.onChange);
         model_->start();
+        optimizer_->start();
         resources_->recorder().start();
-        if (isLaunchedByUser())
-            openDashboard();
+        showInTray();
+        systemMonitor_->start();
+        openDashboardAtLaunch();
         giveBackMemory_ = main_.after(Seconds(10), [] { malloc_trim(0); });
         main_.run();
         return 0;
@@ -119,10 +139,16 @@ public:
 
     ~Agent() {
         changes_.cancel();
+        trayStates_.cancel();
+        hostTray_.reset();
+        tray_.reset();
         service_.reset();
         background_.reset();
         model_.reset();
+        optimizer_.reset();
+        monitorQueue_.sync([] {}); // what it asked there is answered
         resources_.reset();
+        systemMonitor_.reset();
         monitor_.reset();
         monitorQueue_.sync([this] {
             media_.reset();
@@ -164,8 +190,8 @@ private:
         const auto said = BusConnection::address(BusConnection::Bus::session);
         const auto address = said ? answeringBus(*said, BusConnection::callDeadline) : std::nullopt;
         const auto running = address ? BackgroundClient::connect(*address) : nullptr;
-        if (running)
-            running->openDashboard();
+        if (const auto failure = running ? running->openDashboard(std::nullopt) : std::nullopt)
+            say(*failure);
     }
 
     bool openDatabase() {
@@ -209,9 +235,29 @@ private:
         return all;
     }
 
+    HostOptimizer::Parts optimizerParts() {
+        return {.readMedia =
+                    [this](auto answer) {
+                        monitorQueue_.async([this, answer = std::move(answer)] { answer(mediaUse()); });
+                    },
+                .log = [this](const ResourceEvent& event) { resources_->log(event); },
+                .openDashboard = [this] { windows_->show(DashboardRequest()); },
+                .switched = [this] { resources_->recorder().schedule(); }};
+    }
+
+    /// Who is watched or listened to alongside is not to be frozen, however quiet. On the monitor's queue.
+    MediaUse mediaUse() {
+        auto use = media_->use();
+        for (const auto& session : monitor_->published().alongside)
+            use.keepDisplayAwake.insert(session.sample.bundleID);
+        return use;
+    }
+
     /// False when another agent of this session has the name already; this one then leaves it alone.
     bool offerOnBus() {
         sessionBus_ = BusConnection::open(main_, BusConnection::Bus::session);
+        windows_.emplace(WindowLauncher::Parts{main_, sessionBus_.get(), ownProgram().parent_path() / "kestrio-window",
+                                               processEnvironment});
         if (!sessionBus_)
             return true; // the lock in the data folder is guard enough
         sessionBus_->onDeath([this] {
@@ -226,9 +272,35 @@ private:
         return false;
     }
 
+    void showInTray() {
+        const auto address = BusConnection::address(BusConnection::Bus::session);
+        if (!sessionBus_ || !address || options_.onChange)
+            return; // nobody to show it, or in the foreground of a terminal
+        tray_.emplace(main_, *address);
+        hostTray_.emplace(HostTray::Parts{
+            .model = *model_,
+            .settings = settings_,
+            .tray = *tray_,
+            .calendar = Calendar::current(),
+            .timeInFront = [this](auto interval, auto receiver) { addUpTime(interval, std::move(receiver)); },
+            .open =
+                [this](const auto& request, const auto& token) {
+                    if (const auto failure = windows_->show(request, token))
+                        logLine("Kestrio: " + *failure);
+                },
+            .quit = [this] { quit(); },
+        });
+        systemMonitor_->followIcon([this] { return hostTray_->isSystemIconShown(); });
+        trayStates_ = systemMonitor_->monitor().observe([this](const auto& state) { hostTray_->showSystem(state); });
+    }
+
+    void addUpTime(DateInterval interval, std::function<void(Seconds)> receiver) {
+        monitorQueue_.async([this, interval, receiver = std::move(receiver)] {
+            main_.async([receiver, time = timeInFront(*database_, *monitor_, interval)] { receiver(time); });
+        });
+    }
+
     bool isLaunchedByUser() {
-        if (options_.onChange)
-            return false; // in the foreground of a terminal
         const auto sessionStart = monitorQueue_.sync([this] { return desktop_->sessionEvents.sessionStart(); });
         return !isLoginLaunch(options_.isLoginItem, sessionStart, clock_.now(), clock_.uptime());
     }
@@ -241,14 +313,17 @@ private:
         return isInstalled(program, error ? home : resolved);
     }
 
-    Background::Failure openDashboard() {
-        const auto window = ownProgram().parent_path() / "kestrio-window";
-        std::error_code ignored;
-        if (!fs::exists(window, ignored))
-            return "the dashboard is not part of this installation";
-        if (!startDetached({window.string()}))
-            return "the dashboard could not be started";
-        return std::nullopt;
+    void openDashboardAtLaunch() {
+        if (options_.onChange)
+            return; // in the foreground of a terminal
+        const bool byUser = isLaunchedByUser();
+        if (!opensDashboardAtLaunch(byUser, settings_.boolean(settingKey::hasOnboarded)))
+            return;
+        const auto failure = windows_->show(DashboardRequest());
+        if (!failure)
+            settings_.set(settingKey::hasOnboarded, true);
+        else if (byUser)
+            say(*failure);
     }
 
     Subscription importFiles(std::vector<SessionFile> files, ImportReceiver receiver) {
@@ -261,13 +336,33 @@ private:
 
     /// The path without promise of time: what is open is saved first.
     void endBySignal() {
+        stopRecording();
+        giveBackHeld();
+        stopLogging();
+        main_.stop();
+    }
+
+    /// On the person's word: whatever else happens, nothing stays frozen.
+    void quit() {
+        giveBackHeld();
+        stopLogging();
+        stopRecording();
+        main_.stop();
+    }
+
+    void stopRecording() {
         if (import_)
             import_->stop(); // the monitor's last rows would wait for it
-        if (resources_)
-            resources_->recorder().stop();
         if (monitor_)
             monitor_->stop();
-        main_.stop();
+    }
+    void giveBackHeld() {
+        if (optimizer_)
+            optimizer_->finish();
+    }
+    void stopLogging() {
+        if (resources_)
+            resources_->recorder().stop();
     }
 
     const Locations locations_;
@@ -279,6 +374,7 @@ private:
     fs::path dataFolder_;
     std::optional<SingleInstance> instance_;
     WorkerQueue databaseQueue_{"Kestrio.database"};
+    std::optional<HostOptimizer> optimizer_;
     std::optional<Database> database_;
     WorkerQueue monitorQueue_{"Kestrio.monitor"};
     std::optional<BrowserTabs> browserTabs_;
@@ -288,12 +384,17 @@ private:
     std::unique_ptr<HostMedia> media_;
     std::optional<BackgroundImport> import_;
     std::optional<ActivityMonitor> monitor_;
+    std::optional<HostMonitor> systemMonitor_;
     std::optional<HostResources> resources_;
     std::optional<AutostartLoginItem> loginItem_;
     std::optional<AppModel> model_;
     std::optional<LocalBackground> background_;
     std::unique_ptr<BusConnection> sessionBus_;
     std::unique_ptr<BackgroundService> service_;
+    std::optional<WindowLauncher> windows_;
+    std::optional<StatusNotifierTray> tray_;
+    std::optional<HostTray> hostTray_;
+    Subscription trayStates_;
     Subscription changes_;
     Subscription giveBackMemory_;
 };

@@ -4,6 +4,7 @@
 
 #include "Kestrio/Link/Background.h"
 #include "Kestrio/Platform/Linux/Locations.h"
+#include "Programs/Agent/WrapSignals.h"
 
 #include <functional>
 #include <string>
@@ -19,6 +20,8 @@ struct AgentOptions {
     bool isLoginItem = false;
     /// Hears of every published change; for recording in the foreground.
     std::function<void(const AgentStatus&)> onChange = {};
+    /// For tests that let the agent die at a chosen moment.
+    WrapSignals wrapSignals = {};
 };
 
 /// Runs the agent on the calling thread, the program's first and so far only one, until SIGTERM, SIGINT or the end of

@@ -11,6 +11,7 @@
 #include "Kestrio/Platform/Linux/BridgeBrowserReader.h"
 #include "Kestrio/Platform/Linux/BusConnection.h"
 #include "Kestrio/Platform/Linux/PreferringBrowserReader.h"
+#include "Kestrio/Platform/Linux/ResponsibleProcess.h"
 #include "Kestrio/Platform/Linux/TitledBrowserReader.h"
 #include "Programs/Agent/HostDesktop.h"
 
@@ -98,6 +99,15 @@ private:
         return std::ranges::find(connected, id) != connected.end();
     }
 
+    /// Whoever asks a browser that is stopped waits for nothing, as long as it may take.
+    bool isStopped(const std::string& id) {
+        for (const auto& application : desktop_.workspace.runningApplications())
+            if (application.bundleIdentifier == id && application.processIdentifier &&
+                isProcessStopped(*application.processIdentifier))
+                return true;
+        return false;
+    }
+
     HostDesktop& desktop_;
     const TabBoard& board_;
     mutable std::mutex lock_; // guards `accessible_` alone
@@ -108,8 +118,9 @@ private:
     AccessibilityBrowserReader accessibility_;
     TitledBrowserReader titled_{titledWindows(desktop_.windows, applicationOf_),
                                 [this](const std::string& id) { return !accessibility_.knowsPrivacy(id); }};
-    PreferringBrowserReader chain_{
-        {{bridge_, [this](const std::string& id) { return isConnected(id); }}, {accessibility_}, {titled_}}};
+    PreferringBrowserReader chain_{{{bridge_, [this](const std::string& id) { return isConnected(id); }},
+                                    {accessibility_, [this](const std::string& id) { return !isStopped(id); }},
+                                    {titled_}}};
 
 public:
     BrowserInspector inspector;

@@ -5,6 +5,7 @@
 #include "Kestrio/Activity/AlongsideDetection.h"
 #include "Kestrio/Activity/MediaInspector.h"
 #include "Kestrio/Activity/ScreenInspector.h"
+#include "Kestrio/Optimizer/Protections.h"
 #include "Kestrio/Platform/Linux/ApplicationOwners.h"
 #include "Kestrio/Platform/Linux/LinuxSleepInhibitors.h"
 #include "Kestrio/Platform/Linux/PulseAudioUse.h"
@@ -30,6 +31,14 @@ public:
                          return all;
                      },
                      [this] { return screenInspector_.visibleWindows(); }}) {}
+
+    /// What the optimizer needs to know.
+    MediaUse use() {
+        return {.recording = inspector.appsRecordingAudio(),
+                .playing = inspector.appsPlayingAudio(),
+                .keepDisplayAwake = inspector.apps(MediaInspector::displayAssertionTypes()),
+                .keepAwake = inspector.apps(sleepAssertionTypes())};
+    }
 
 private:
     LinuxSleepInhibitors::Setup inhibitorSetup(HostDesktop& desktop) {

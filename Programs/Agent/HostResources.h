@@ -6,6 +6,7 @@
 
 #include "Kestrio/Activity/ActivityMonitor.h"
 #include "Kestrio/Base/LoopQueue.h"
+#include "Kestrio/Link/AgentCost.h"
 #include "Kestrio/Monitor/SystemSampler.h"
 #include "Kestrio/Platform/Linux/LinuxOwnUse.h"
 #include "Kestrio/Platform/Linux/LinuxSensors.h"
@@ -15,6 +16,8 @@
 #include "Kestrio/Resources/TemperatureReader.h"
 #include "Programs/Agent/DesktopFacts.h"
 #include "Programs/Agent/HostMachine.h"
+#include "Programs/Agent/HostOptimizer.h"
+#include "Programs/Agent/SavingPower.h"
 
 #include <filesystem>
 #include <memory>
@@ -26,11 +29,14 @@ class HostResources {
 public:
     /// All must outlive this. Without a log that can be opened nothing is stored, and a line in the log says so.
     HostResources(const Clock& clock, Queue& main, KeyValueStore& settings, const std::filesystem::path& dataFolder,
-                  Queue& monitorQueue, HostDesktop& desktop, const ActivityMonitor& monitor)
+                  LoopQueue& monitorQueue, HostDesktop& desktop, const ActivityMonitor& monitor,
+                  HostOptimizer& optimizer)
         : clock_(clock),
           monitor_(monitor),
+          optimizer_(optimizer),
           store_(ResourceStore::openOrLog(dataFolder / ResourceStore::fileName, storeQueue_, clock)),
-          facts_(main, monitorQueue, desktop) {
+          facts_(main, monitorQueue, desktop),
+          savingPower_(monitorQueue) {
         samplerQueue_.sync([this] { readers_ = std::make_unique<Readers>(clock_); });
         recorder_.emplace(ResourceRecorder::Host{clock, main, samplerQueue_, probeQueue_, settings, readers_->sampler,
                                                  store_.get(), Calendar::current()},
@@ -44,6 +50,17 @@ public:
     HostResources& operator=(const HostResources&) = delete;
 
     ResourceRecorder& recorder() { return *recorder_; }
+
+    /// Takes events for the log. Any thread, until this is dropped.
+    void log(const ResourceEvent& event) {
+        std::optional<AppReference> app;
+        if (event.appID)
+            app = AppReference{*event.appID, event.appName.value_or(*event.appID)};
+        if (store_)
+            store_->add(event.kind, std::move(app), event.detail, event.bytes, event.at);
+    }
+
+    AgentCost cost() const { return {.cost = recorder_->ownCost(), .lowered = recorder_->loweredPace()}; }
 
 private:
     /// Batteries and heat change slowly.
@@ -72,6 +89,8 @@ private:
         all.activity = [this] { return monitor_.published().state; };
         all.inputIdle = [this] { return facts_.inputIdle(); };
         all.power = [this] { return power(); };
+        all.optimizer = [this] { return optimizer_.state(); };
+        all.didSample = [this](const LiveResources& live) { optimizer_.didSample(live); };
         all.ownUse = [] { return readOwnUse(); };
         return all;
     }
@@ -92,12 +111,14 @@ private:
 
     const Clock& clock_;
     const ActivityMonitor& monitor_;
+    HostOptimizer& optimizer_;
     WorkerQueue storeQueue_{ResourceStore::queueLabel};
     WorkerQueue samplerQueue_{ResourceRecorder::samplerQueueLabel};
     WorkerQueue probeQueue_{StallProbe::queueLabel};
     std::unique_ptr<ResourceStore> store_; // null when it could not be opened
     DesktopFacts facts_;
-    LinuxSensors powerSensors_{{}};
+    SavingPower savingPower_;
+    LinuxSensors powerSensors_{{.isSavingPower = [this] { return savingPower_(); }}};
     PowerState power_;
     std::optional<Uptime> powerRead_;
     std::unique_ptr<Readers> readers_; // on the sampler's queue

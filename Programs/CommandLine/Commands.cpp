@@ -3,8 +3,10 @@
 #include "Kestrio/Base/Formatters.h"
 #include "Kestrio/Base/Text.h"
 #include "Kestrio/Model/ModelsJSON.h"
+#include "Kestrio/Pages/DashboardSection.h"
 #include "Kestrio/Shell/Settings.h"
 #include "Programs/Agent/Agent.h"
+#include "Programs/CommandLine/CostText.h"
 #include "Programs/CommandLine/Moments.h"
 #include "Programs/CommandLine/Places.h"
 #include "Programs/CommandLine/StatusText.h"
@@ -134,12 +136,14 @@ int status(bool json) {
         const auto today = calendar.day(now);
         const auto sessions = sessionsOf(database, status, today);
         const auto focused = focusedTime(sessions, today);
+        const auto lowered = agent ? agent->ownCost().value_or(AgentCost()).lowered : std::nullopt;
         if (json) {
             JSON object = toJSON(status.value_or(AgentStatus()));
             if (!status)
                 for (auto& [key, value] : object.items())
                     value = nullptr;
             object["running"] = status.has_value();
+            object["loweredPace"] = lowered ? toJSON(*lowered) : JSON();
             object["focusedToday"] = focused.count();
             object["sessionCount"] = database ? JSON(database->sessionCount()) : JSON(0);
             object["fileSize"] = database ? JSON(database->fileSize()) : JSON(0);
@@ -156,6 +160,8 @@ int status(bool json) {
                                 text::fittedToColumns(stateInWords(*status, now, calendar), outputStyle().width - 13));
             if (status->unsaved > 0)
                 text += fmt::format("  Unsaved    {} sessions wait in memory for the disk\n", status->unsaved);
+            if (lowered)
+                text += fmt::format("  Log        {}\n", loweredPaceText(*lowered, calendar));
         } else {
             text += "  Kestrio is not running.\n";
         }
@@ -238,6 +244,21 @@ int resume() {
         return failed;
     }
     print("Recording.\n");
+    return done;
+}
+
+int openDashboard(const std::optional<std::string>& page) {
+    if (const auto error = page ? dashboardSectionError(text::fittedToColumns(*page, 60)) : std::nullopt) {
+        complain(*error);
+        return wrongUsage;
+    }
+    const auto agent = runningAgent(placesOrExit());
+    if (!agent)
+        return reportNotRunning();
+    if (const auto failure = agent->openDashboard(page)) {
+        complain(*failure);
+        return failed;
+    }
     return done;
 }
 

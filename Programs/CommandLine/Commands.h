@@ -20,6 +20,8 @@ int sessions(const SessionsOptions& options);
 /// Until somebody resumes, when no length is given.
 int pause(const std::optional<std::string>& length);
 int resume();
+/// Shows the dashboard: a page by its raw text, or the one that was open last.
+int openDashboard(const std::optional<std::string>& page);
 int listSettings(bool json);
 int getSetting(const std::string& key);
 int setSetting(const std::string& key, const std::string& value);

@@ -9,6 +9,7 @@
 #include "Kestrio/Shell/AppInfo.h"
 #include "Programs/Agent/HostDesktop.h"
 #include "Programs/CommandLine/Commands.h"
+#include "Programs/CommandLine/CostText.h"
 #include "Programs/CommandLine/Places.h"
 #include "Programs/CommandLine/Terminal.h"
 
@@ -129,6 +130,19 @@ Finding agent(const Locations& places) {
             fmt::format("process {}, {}", status->processIdentifier, kestrio::rawValue(status->state))};
 }
 
+/// What the program takes of the machine, where it watches that.
+std::vector<Finding> ownCost(const Locations& places) {
+    const auto running = runningAgent(places);
+    const auto cost = running ? running->ownCost() : std::nullopt;
+    const auto calendar = Calendar::current();
+    if (cost && cost->lowered)
+        return {{"Own cost", State::missing, loweredPaceText(*cost->lowered, calendar),
+                 "Settings: a detailed reading every 5 or 10 seconds costs less."}};
+    if (cost && cost->cost)
+        return {{"Own cost", State::fine, costText(*cost->cost, calendar)}};
+    return {};
+}
+
 Finding dataFolderFinding(const fs::path& folder) {
     struct stat status {};
     if (stat(folder.c_str(), &status) != 0)
@@ -231,6 +245,7 @@ int doctor(bool json) {
     std::move(desktop.begin(), desktop.end(), std::back_inserter(findings));
     findings.push_back(sessionBus());
     findings.push_back(agent(places));
+    std::ranges::move(ownCost(places), std::back_inserter(findings));
     findings.push_back(dataFolderFinding(dataFolder(places)));
     findings.push_back(database(dataFolder(places) / Database::fileName));
     findings.push_back(settings(places));

@@ -2,9 +2,9 @@
 
 #include "Kestrio/Base/Formatters.h"
 #include "Kestrio/Base/Text.h"
+#include "Kestrio/Monitor/MonitorJSON.h"
 #include "Kestrio/Resources/KernelStats.h"
 #include "Programs/CommandLine/TableParts.h"
-#include "Programs/CommandLine/TopTable.h"
 
 #include <algorithm>
 #include <array>

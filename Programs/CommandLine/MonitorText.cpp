@@ -1,9 +1,9 @@
 #include "Programs/CommandLine/MonitorText.h"
 
 #include "Kestrio/Base/Text.h"
+#include "Kestrio/Monitor/MonitorJSON.h"
 #include "Kestrio/Monitor/SystemPanel.h"
 #include "Programs/CommandLine/TableParts.h"
-#include "Programs/CommandLine/TopTable.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -69,8 +69,8 @@ double shareOf(double part, double total) {
 
 class Lines {
 public:
-    Lines(const MonitorReading& reading, const Calendar& calendar, const TableStyle& style)
-        : reading_(reading), calendar_(calendar), paint_(style.hasColour), width_(std::max(style.width, leastWidth)) {}
+    Lines(const MonitorPicture& picture, const Calendar& calendar, const TableStyle& style)
+        : picture_(picture), calendar_(calendar), paint_(style.hasColour), width_(std::max(style.width, leastWidth)) {}
 
     std::string text() {
         addHeader();
@@ -83,20 +83,20 @@ public:
 
 private:
     void addHeader() {
-        const auto header = systemHeader(reading_.chip, reading_.uptime, reading_.insights);
-        const auto level = highestLevel(reading_.insights);
+        const auto header = systemHeader(picture_.chip, picture_.uptime, picture_.insights);
+        const auto level = highestLevel(picture_.insights);
         text_ += fmt::format("  {}   {}\n", paint_.bold(header.title),
                              painted(paint_, header.tone, fmt::format("{} {}", mark(level), header.status)));
         const auto facts = header.chip + (header.chip.empty() ? "" : " · ") + "up " + header.uptime +
-                           (reading_.isLowPowerMode ? " · saving power" : "");
+                           (picture_.isLowPowerMode ? " · saving power" : "");
         text_ += "  " + paint_.dim(text::fittedToColumns(facts, width_ - 2)) + "\n\n";
     }
 
     void addTiles() {
-        const auto& snapshot = reading_.snapshot;
-        auto tiles = systemTiles(snapshot, {}, reading_.cores, calendar_);
+        const auto& snapshot = picture_.snapshot;
+        auto tiles = systemTiles(snapshot, {}, picture_.cores, calendar_);
         // One moment has no trend.
-        tiles[0].detail = fmt::format("{} {}", reading_.cores, reading_.cores == 1 ? "core" : "cores");
+        tiles[0].detail = fmt::format("{} {}", picture_.cores, picture_.cores == 1 ? "core" : "cores");
         const std::array shares{
             snapshot.cpu, shareOf(static_cast<double>(snapshot.memoryUsed), static_cast<double>(snapshot.memoryTotal)),
             shareOf(snapshot.temperature.value_or(0), hottest),
@@ -108,10 +108,10 @@ private:
     }
 
     void addBattery() {
-        if (!reading_.snapshot.battery)
+        if (!picture_.snapshot.battery)
             return;
-        const auto row = batteryRow(*reading_.snapshot.battery);
-        addRow("Battery", row.figure, row.words, static_cast<double>(reading_.snapshot.battery->level) / 100,
+        const auto row = batteryRow(*picture_.snapshot.battery);
+        addRow("Battery", row.figure, row.words, static_cast<double>(picture_.snapshot.battery->level) / 100,
                row.tone == SystemTone::neutral ? SystemTone::good : row.tone);
     }
 
@@ -129,7 +129,7 @@ private:
 
     void addInsights() {
         text_ += "\n";
-        for (const auto& insight : reading_.insights) {
+        for (const auto& insight : picture_.insights) {
             const auto lines = wrapped(insight.text, std::min(width_, mostTextColumns) - 4);
             for (std::size_t i = 0; i < lines.size(); ++i)
                 text_ += "  " + (i == 0 ? painted(paint_, tone(insight.level), mark(insight.level)) : " ") + " " +
@@ -164,7 +164,7 @@ private:
     /// Each line exactly so many columns wide.
     std::vector<std::string> list(TopAppsMode mode, std::size_t columns) const {
         constexpr std::size_t figureColumns = 10;
-        const auto apps = topApps(reading_.snapshot, mode, calendar_);
+        const auto apps = topApps(picture_.snapshot, mode, calendar_);
         const auto nameRoom = columns - figureColumns;
         const std::string title = mode == TopAppsMode::memory ? "Top apps by memory" : "Top apps by power";
         std::vector<std::string> lines{paint_.dim(padded(title, columns))};
@@ -181,86 +181,29 @@ private:
         text_ += line + "\n";
     }
 
-    const MonitorReading& reading_;
+    const MonitorPicture& picture_;
     const Calendar& calendar_;
     const Painter paint_;
     const std::size_t width_;
     std::string text_;
 };
 
-std::string_view rawValue(ThermalState state) {
-    switch (state) {
-    case ThermalState::nominal: return "nominal";
-    case ThermalState::fair: return "fair";
-    case ThermalState::serious: return "serious";
-    case ThermalState::critical: return "critical";
-    }
-    return {};
-}
-
-std::string_view rawValue(SystemInsight::Level level) {
-    switch (level) {
-    case SystemInsight::Level::good: return "good";
-    case SystemInsight::Level::info: return "info";
-    case SystemInsight::Level::warning: return "warning";
-    case SystemInsight::Level::critical: return "critical";
-    }
-    return {};
-}
-
-template <class Value>
-JSON optional(const std::optional<Value>& value) {
-    return value ? JSON(*value) : JSON();
-}
-
-JSON appsJSON(const std::vector<AppResource>& apps) {
-    auto json = JSON::array();
-    for (const auto& app : apps)
-        json.push_back({{"id", app.id},
-                        {"name", app.name},
-                        {"appPath", optional(app.appPath)},
-                        {"cpu", app.cpu},
-                        {"memory", app.memory},
-                        {"processes", app.processes}});
-    return json;
-}
-
-JSON batteryJSON(const BatteryInfo& battery) {
-    return {{"level", battery.level},
-            {"isCharging", battery.isCharging},
-            {"isPluggedIn", battery.isPluggedIn},
-            {"minutesRemaining", optional(battery.minutesRemaining)},
-            {"minutesToFull", optional(battery.minutesToFull)}};
-}
-
 } // namespace
 
-std::string monitorText(const MonitorReading& reading, const Calendar& calendar, const TableStyle& style) {
-    return Lines(reading, calendar, style).text();
+std::string monitorText(const MonitorPicture& picture, const Calendar& calendar, const TableStyle& style) {
+    return Lines(picture, calendar, style).text();
 }
 
-JSON toJSON(const MonitorReading& reading) {
-    const auto& snapshot = reading.snapshot;
-    auto insights = JSON::array();
-    for (const auto& insight : reading.insights)
-        insights.push_back({{"id", insight.id}, {"level", rawValue(insight.level)}, {"text", insight.text}});
-    return {{"chip", reading.chip.empty() ? JSON() : JSON(reading.chip)},
-            {"cores", reading.cores},
-            {"uptime", reading.uptime.count()},
-            {"lowPowerMode", reading.isLowPowerMode},
-            {"cpu", snapshot.cpu},
-            {"memoryUsed", snapshot.memoryUsed},
-            {"memoryTotal", snapshot.memoryTotal},
-            {"swapUsed", snapshot.swapUsed},
-            {"pressure", rawValue(snapshot.pressure)},
-            {"thermalState", rawValue(snapshot.thermalState)},
-            {"temperature", optional(snapshot.temperature)},
-            {"disk", snapshot.disk ? JSON{{"free", snapshot.disk->free}, {"total", snapshot.disk->total}} : JSON()},
-            {"battery", snapshot.battery ? batteryJSON(*snapshot.battery) : JSON()},
-            {"hasAppCPU", snapshot.hasAppCPU},
-            {"topCPU", appsJSON(snapshot.topCPU)},
-            {"topMemory", appsJSON(snapshot.topMemory)},
-            {"insights", std::move(insights)}};
+JSON toJSON(const MonitorPicture& picture) {
+    JSON json{{"chip", picture.chip.empty() ? JSON() : JSON(picture.chip)},
+              {"cores", picture.cores},
+              {"uptime", picture.uptime.count()},
+              {"lowPowerMode", picture.isLowPowerMode}};
+    json.update(toJSON(picture.snapshot));
+    json["insights"] = JSON::array();
+    for (const auto& insight : picture.insights)
+        json["insights"].push_back({{"id", insight.id}, {"level", rawValue(insight.level)}, {"text", insight.text}});
+    return json;
 }
 
 } // namespace kestrio

@@ -13,7 +13,7 @@
 
 namespace kestrio {
 
-struct MonitorReading {
+struct MonitorPicture {
     std::string chip; // may be empty
     std::size_t cores = 1;
     Seconds uptime{0};
@@ -23,8 +23,8 @@ struct MonitorReading {
 };
 
 /// Ends with a line feed.
-std::string monitorText(const MonitorReading& reading, const Calendar& calendar, const TableStyle& style);
+std::string monitorText(const MonitorPicture& picture, const Calendar& calendar, const TableStyle& style);
 
-nlohmann::ordered_json toJSON(const MonitorReading& reading);
+nlohmann::ordered_json toJSON(const MonitorPicture& picture);
 
 } // namespace kestrio

@@ -75,6 +75,8 @@ bool isFolder(const std::string& path) {
 }
 
 int tellExport(const ResourceExporter::Export& made) {
+    if (made.wasStopped)
+        return interrupted;
     if (made.error) {
         complain("the export failed: " + *made.error);
         return failed;
@@ -135,13 +137,15 @@ int logStatus(bool json) {
     const auto places = placesOrExit();
     return withLog(places, [&](ResourceStore& store) {
         const auto settings = openSettings(places);
+        const auto agent = runningAgent(places);
         const LogStatus status{.file = dataFolder(places) / ResourceStore::fileName,
                                .fileSize = store.fileSize(),
                                .contents = store.contents(),
                                .isOn = settings->boolean(settingKey::resourceLogEnabled),
                                .days = settings->integer(settingKey::resourceLogDays),
                                .detailDays = settings->integer(settingKey::resourceDetailDays),
-                               .pace = settings->integer(settingKey::resourceDetail)};
+                               .pace = settings->integer(settingKey::resourceDetail),
+                               .agent = agent ? agent->ownCost() : std::nullopt};
         if (json)
             printJSON(toJSON(status));
         else
@@ -151,6 +155,7 @@ int logStatus(bool json) {
 }
 
 int logExport(const LogExportOptions& options) {
+    Interruption interruption; // so that nothing half made is left behind
     const auto calendar = Calendar::current();
     const SystemClock clock;
     const auto now = clock.now();
@@ -176,17 +181,17 @@ int logExport(const LogExportOptions& options) {
     return withLog(places, [&](ResourceStore& store) {
         return withStored(places, [&](Database* database) {
             ProgressLine line("Exporting…");
-            const ResourceExporter::Request request{.destination = options.folder,
-                                                    .interval = range ? std::optional(range->interval) : std::nullopt,
-                                                    .title = range ? range->title : "everything that is logged",
-                                                    .now = now,
-                                                    .sessions =
-                                                        [&](DateInterval interval) {
-                                                            return usedSessions(sessionsOf(database, status, interval),
-                                                                                interval, calendar,
-                                                                                currentClassification(places, clock));
-                                                        },
-                                                    .progress = [&](double share) { line.show(share); }};
+            const ResourceExporter::Request request{
+                .destination = options.folder,
+                .interval = range ? std::optional(range->interval) : std::nullopt,
+                .title = range ? range->title : "everything that is logged",
+                .now = now,
+                .sessions =
+                    [&](DateInterval interval) {
+                        return usedSessions(sessionsOf(database, status, interval), interval, calendar,
+                                            currentClassification(places, clock));
+                    },
+                .work = {.progress = [&](double share) { line.show(share); }, .stop = interruption.token()}};
             return tellExport(ResourceExporter::exportEverything(
                 request, resourceSurroundings(*openSettings(places), calendar), store));
         });
@@ -282,9 +287,12 @@ int why(const std::optional<std::string>& at) {
         return wrongUsage;
     }
     return withLog(placesOrExit(), [&](ResourceStore& store) {
+        const auto log = logAround(*moment, store);
+        std::vector<std::string> names;
+        std::ranges::transform(log.apps, std::back_inserter(names), &AppMinute::name);
         std::string told;
-        for (const auto& sentence : sentences(slowness(logAround(*moment, store)), calendar))
-            told += hostWords(sentence) + "\n";
+        for (const auto& sentence : sentences(slowness(log), calendar))
+            told += hostWords(sentence, names) + "\n";
         print(text::withoutInvisibleMarks(told));
         return done;
     });

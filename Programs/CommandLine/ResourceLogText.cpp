@@ -3,11 +3,13 @@
 #include "Kestrio/Base/Formatters.h"
 #include "Kestrio/Base/Text.h"
 #include "Kestrio/Shell/HostWords.h"
+#include "Programs/CommandLine/CostText.h"
 #include "Programs/CommandLine/TableParts.h"
 
 #include <algorithm>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
+#include <set>
 
 namespace kestrio {
 namespace {
@@ -47,7 +49,9 @@ std::string rows(std::int64_t count) {
     return counted(static_cast<std::size_t>(std::max<std::int64_t>(count, 0)), "row");
 }
 
-std::string pace(const LogStatus& status) {
+std::string pace(const LogStatus& status, const Calendar& calendar) {
+    if (status.agent && status.agent->lowered)
+        return loweredPaceText(*status.agent->lowered, calendar);
     if (status.pace <= 0)
         return "minute summaries only";
     return status.pace == 1 ? "a detailed reading every second"
@@ -58,6 +62,14 @@ std::string kept(const LogStatus& status) {
     return fmt::format("minutes and events for {}, seconds for {}",
                        counted(static_cast<std::size_t>(std::max<std::int64_t>(status.days, 0)), "day"),
                        counted(static_cast<std::size_t>(std::max<std::int64_t>(status.detailDays, 0)), "day"));
+}
+
+/// Without an agent there is nothing to tell.
+std::string cost(const LogStatus& status, const Calendar& calendar) {
+    if (!status.agent || !status.isOn)
+        return {};
+    return statusLine("Cost", status.agent->cost ? costText(*status.agent->cost, calendar)
+                                                 : "measured in the program's first minute");
 }
 
 JSON optionalDate(const std::optional<Date>& date) {
@@ -78,6 +90,14 @@ std::string pressureCell(std::int64_t code, const Painter& painter) {
     return code >= critical ? painter.bad(word) : code >= warning ? painter.doubtful(word) : word;
 }
 
+std::vector<std::string> namesOf(const std::vector<ResourceEvent>& events) {
+    std::set<std::string> names;
+    for (const auto& event : events)
+        if (event.appName)
+            names.insert(*event.appName);
+    return {names.begin(), names.end()};
+}
+
 std::string figure(const std::string& text) {
     return paddedLeft(text, figureColumns);
 }
@@ -86,7 +106,7 @@ std::string figure(const std::string& text) {
 
 std::string logStatusText(const LogStatus& status, const Calendar& calendar) {
     const auto& contents = status.contents;
-    return statusLine("Log", status.isOn ? "on, " + pace(status) : "off") +
+    return statusLine("Log", status.isOn ? "on, " + pace(status, calendar) : "off") +
            statusLine("Covers", covered(contents, calendar)) + statusLine("Minutes", rows(contents.minutes)) +
            statusLine("Apps", fmt::format("{} of {}", rows(contents.appMinutes),
                                           counted(static_cast<std::size_t>(contents.apps), "app"))) +
@@ -95,7 +115,8 @@ std::string logStatusText(const LogStatus& status, const Calendar& calendar) {
            statusLine("Kept", kept(status)) +
            statusLine("File",
                       fmt::format("{}, {}", Fmt::fileSize(static_cast<std::uint64_t>(status.fileSize), calendar),
-                                  status.file.string()));
+                                  status.file.string())) +
+           cost(status, calendar);
 }
 
 JSON toJSON(const LogStatus& status) {
@@ -114,7 +135,8 @@ JSON toJSON(const LogStatus& status) {
             {"setups", contents.setups},
             {"firstMinute", optionalDate(contents.firstMinute)},
             {"lastMinute", optionalDate(contents.lastMinute)},
-            {"firstSecond", optionalDate(contents.firstSecond)}};
+            {"firstSecond", optionalDate(contents.firstSecond)},
+            {"agent", status.agent ? toJSON(*status.agent) : JSON()}};
 }
 
 std::string eventTable(const std::vector<ResourceEvent>& events, const Calendar& calendar, const TableStyle& style) {
@@ -122,11 +144,12 @@ std::string eventTable(const std::vector<ResourceEvent>& events, const Calendar&
     std::size_t titleColumns = 0;
     for (const auto& event : events)
         titleColumns = std::max(titleColumns, text::columns(hostWords(title(event.kind))));
+    const auto names = namesOf(events);
     std::string table;
     for (const auto& event : events) {
         std::string about = event.appName.value_or("");
         for (const auto& part :
-             {hostWords(event.detail), event.bytes ? Fmt::memory(*event.bytes, calendar) : std::string()})
+             {hostWords(event.detail, names), event.bytes ? Fmt::memory(*event.bytes, calendar) : std::string()})
             if (!part.empty())
                 about += (about.empty() ? "" : ", ") + part;
         const auto used = 2 + timeColumns + titleColumns + 2;

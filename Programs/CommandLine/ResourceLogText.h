@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Kestrio/Base/Calendar.h"
+#include "Kestrio/Link/AgentCost.h"
 #include "Kestrio/Resources/ResourceRecords.h"
 #include "Programs/CommandLine/SessionTable.h"
 
@@ -18,9 +19,10 @@ struct LogStatus {
     std::int64_t fileSize = 0; // bytes
     LogContents contents;
     bool isOn = true;
-    std::int64_t days = 0;       // for which minutes and events are kept
-    std::int64_t detailDays = 0; // for which seconds are kept
-    std::int64_t pace = 0;       // seconds between detailed readings; 0 without any
+    std::int64_t days = 0;               // for which minutes and events are kept
+    std::int64_t detailDays = 0;         // for which seconds are kept
+    std::int64_t pace = 0;               // seconds between detailed readings; 0 without any
+    std::optional<AgentCost> agent = {}; // absent when none runs
 };
 
 /// Ends with a line feed, as all tables do.

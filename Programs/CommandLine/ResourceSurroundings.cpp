@@ -74,7 +74,7 @@ ResourceExporter::Surroundings resourceSurroundings(const KeyValueStore& store, 
             .topRAMSpeed = RAMSpeed::topSpeed(stats.chipName()),
             .driveTest = SSDSpeedTest::saved(store),
             .calendar = calendar,
-            .hostWords = [](const std::string& text) { return hostWords(text); }};
+            .hostWords = [](const auto& text, auto names) { return hostWords(text, names); }};
 }
 
 std::vector<ResourceExporter::UsedSession> usedSessions(std::vector<ActivitySession> sessions, DateInterval interval,

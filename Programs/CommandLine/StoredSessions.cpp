@@ -1,6 +1,5 @@
 #include "Programs/CommandLine/StoredSessions.h"
 
-#include "Kestrio/Activity/AlongsideSessions.h"
 #include "Kestrio/Activity/LiveRows.h"
 
 #include <fmt/format.h>
@@ -19,14 +18,8 @@ std::vector<ActivitySession> sessionsOf(Database* database, const std::optional<
     std::vector<ActivitySession> found;
     if (database)
         found = database->sessions(interval.start, interval.end);
-    if (!agent)
-        return found;
-    std::int64_t nextID = -1;
-    if (agent->live)
-        joinLive(found, *agent->live, interval, nextID);
-    for (const auto& session : agent->alongside)
-        if (session.lastSeen - session.start >= AlongsideSessions::minimum)
-            joinLive(found, session, interval, nextID);
+    if (agent)
+        joinOpen(found, agent->live, agent->alongside, interval);
     return found;
 }
 

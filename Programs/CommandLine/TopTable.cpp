@@ -2,6 +2,7 @@
 
 #include "Kestrio/Base/Formatters.h"
 #include "Kestrio/Base/Text.h"
+#include "Kestrio/Monitor/MonitorJSON.h"
 #include "Kestrio/Resources/KernelStats.h"
 #include "Programs/CommandLine/TableParts.h"
 
@@ -194,15 +195,6 @@ std::optional<TopOrder> topOrder(std::string_view word) {
     if (word == "cpu")
         return TopOrder::cpu;
     return word == "memory" ? std::optional(TopOrder::memory) : std::nullopt;
-}
-
-std::string_view rawValue(MemoryPressure pressure) {
-    switch (pressure) {
-    case MemoryPressure::normal: return "normal";
-    case MemoryPressure::warning: return "warning";
-    case MemoryPressure::critical: return "critical";
-    }
-    return {};
 }
 
 std::vector<AppProcesses> ordered(std::vector<AppProcesses> apps, TopOrder order) {

@@ -31,8 +31,6 @@ struct TopReading {
     MemoryPressure pressure = MemoryPressure::normal;
 };
 
-std::string_view rawValue(MemoryPressure pressure);
-
 /// Ordered by what was asked for, the greatest first; equal ones by name.
 std::vector<AppProcesses> ordered(std::vector<AppProcesses> apps, TopOrder order);
 

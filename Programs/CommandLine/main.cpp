@@ -1,8 +1,10 @@
 #include "Kestrio/Shell/AppInfo.h"
+#include "Programs/CommandLine/AddCommand.h"
 #include "Programs/CommandLine/ClassificationCommands.h"
 #include "Programs/CommandLine/Commands.h"
 #include "Programs/CommandLine/MachineCommands.h"
 #include "Programs/CommandLine/MonitorCommand.h"
+#include "Programs/CommandLine/OptimizerCommandLine.h"
 #include "Programs/CommandLine/ReportCommand.h"
 #include "Programs/CommandLine/ResourceLogCommands.h"
 #include "Programs/CommandLine/SessionFiles.h"
@@ -14,14 +16,7 @@
 
 namespace {
 
-/// A command without arguments of its own beyond what `configure` adds; `run` gives the exit status.
-void add(CLI::App& to, const char* name, const char* about, int& status, std::function<int()> run,
-         const std::function<void(CLI::App&)>& configure = {}) {
-    auto* command = to.add_subcommand(name, about);
-    if (configure)
-        configure(*command);
-    command->callback([&status, run = std::move(run)] { status = run(); });
-}
+using kestrio::commandLine::add;
 
 /// Where the options and arguments of the commands about categories and projects end up.
 struct ClassificationArguments {
@@ -303,6 +298,15 @@ int main(int argc, char** argv) {
         [&](CLI::App& command) { command.add_option("length", length, "30m, 1h, 1h30m or until-tomorrow"); });
     add(app, "resume", "Go on recording", result, kestrio::resume);
 
+    std::optional<std::string> page;
+    add(
+        app, "open", "Show the dashboard", result, [&] { return kestrio::openDashboard(page); },
+        [&](CLI::App& command) {
+            command.add_option("page", page,
+                               "overview, timeline, apps, websites, youtube, projects, performance or resourceLog; "
+                               "the one that was open last unless said");
+        });
+
     auto* settings = app.add_subcommand("settings", "Read and change the settings");
     settings->require_subcommand(1);
     std::string key;
@@ -326,6 +330,9 @@ int main(int argc, char** argv) {
     addCategories(app, classification, result);
     addProjects(app, classification, result);
     addExplain(app, classification, result);
+
+    kestrio::OptimizerArguments optimizerArguments;
+    kestrio::addOptimizer(app, optimizerArguments, result);
 
     try {
         app.parse(argc, argv);

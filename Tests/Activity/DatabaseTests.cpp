@@ -107,12 +107,31 @@ TEST_F(DatabaseTest, aRangeFindsWhatReachesIntoIt) {
         database->insert(plain, at(row.start), at(row.end));
         const auto found = database->sessions(at(row.from), at(row.to));
         ASSERT_EQ(found.size(), row.found ? 1u : 0u) << row.name;
+        const auto inside = std::min(row.end, row.to) - std::max(row.start, row.from);
+        EXPECT_NEAR(database->timeInFront({at(row.from), at(row.to)}, std::nullopt).count(),
+                    row.found ? inside * hour : 0, 0.001)
+            << row.name; // clipped
         if (row.found) {
             EXPECT_EQ(found[0].start, at(row.start)) << row.name; // not clipped
             EXPECT_EQ(found[0].end, at(row.end)) << row.name;
         }
         database->deleteAll();
     }
+}
+
+TEST_F(DatabaseTest, timeInFrontLeavesOutWhatRanAlongsideAndARowOnRequest) {
+    const auto database = open();
+    const DateInterval day{noon, noon + Seconds(24 * hour)};
+    EXPECT_EQ(database->timeInFront(day, std::nullopt), Seconds(0)) << "of nothing";
+    database->insert(plain, noon, noon + Seconds(100));
+    const auto row = database->insert(plain, noon + Seconds(100), noon + Seconds(130));
+    database->insert(full, noon, noon + Seconds(50));
+    EXPECT_EQ(database->timeInFront(day, std::nullopt), Seconds(130));
+    EXPECT_EQ(database->timeInFront(day, row), Seconds(100));
+    run(file, "UPDATE sessions SET kind = 7 WHERE id = " + std::to_string(*row));
+    EXPECT_EQ(database->timeInFront(day, std::nullopt), Seconds(130)) << "a kind that nobody knows";
+    run(file, "UPDATE sessions SET end = start - 5 WHERE id = " + std::to_string(*row));
+    EXPECT_EQ(database->timeInFront(day, std::nullopt), Seconds(100)) << "no row counts less than nothing";
 }
 
 TEST_F(DatabaseTest, sessionsComeInTheOrderOfTheirStarts) {

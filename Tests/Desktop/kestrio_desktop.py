@@ -18,10 +18,10 @@ DEADLINE = 30  # seconds; what is waited for takes a fraction of it
 TICK = 2.0  # seconds between two looks of the agent
 
 
-def eventually(condition, what):
+def eventually(condition, what, deadline=DEADLINE):
     """The first true answer of the condition."""
-    deadline = time.monotonic() + DEADLINE
-    while time.monotonic() < deadline:
+    end = time.monotonic() + deadline
+    while time.monotonic() < end:
         answer = condition()
         if answer:
             return answer
@@ -36,6 +36,8 @@ class Home:
         self.path = pathlib.Path(folder or tempfile.mkdtemp(prefix="kestrio-home."))
         self.database = self.path / "data" / "Kestrio" / "activity.sqlite"
         self.environment = os.environ | {"KESTRIO_HOME": str(self.path)}
+        # One who knows Kestrio: the first run of all would open the dashboard.
+        self.control("settings", "set", "hasOnboarded", "true")
 
     def agent(self, *prefix, **more):
         more = {"stderr": subprocess.PIPE, "text": True, "env": self.environment} | more

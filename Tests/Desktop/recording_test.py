@@ -135,7 +135,7 @@ class Recording(DesktopTest):
         agent = self.start_agent()
         second = subprocess.run([BIN / "kestrio"], env=self.home.environment, capture_output=True, text=True, timeout=20)
         self.assertEqual(second.returncode, 0)
-        self.assertEqual(second.stderr, f"kestrio: Kestrio is already running (process {agent.pid}).\n")
+        self.assertEqual(second.stderr.splitlines()[0], f"kestrio: Kestrio is already running (process {agent.pid}).")
         self.assertIsNotNone(self.home.status())
         self.assertEqual(self.stop(agent), 0)
 

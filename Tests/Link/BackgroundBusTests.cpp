@@ -72,11 +72,24 @@ TEST(BackgroundOnTheBus, everyMethodDoesItsWork) {
     EXPECT_EQ(client->resume(), std::nullopt);
     agent.with([](LinkBench& bench) { bench.time.runPending(); });
     EXPECT_EQ(client->status()->state, TrackingState::tracking);
+}
 
-    EXPECT_EQ(client->openDashboard(), std::nullopt);
-    agent.with([](LinkBench& bench) { bench.dashboardFailure = "the dashboard is elsewhere"; });
-    EXPECT_EQ(client->openDashboard(), "the dashboard is elsewhere");
-    EXPECT_EQ(agent.with([](LinkBench& bench) { return bench.dashboards; }), 2);
+TEST(BackgroundOnTheBus, windowsAreAskedFor) {
+    const PrivateBus bus;
+    TestAgent agent(bus.address());
+    const auto client = BackgroundClient::connect(bus.address());
+    ASSERT_TRUE(client);
+    EXPECT_EQ(client->openDashboard(std::nullopt), std::nullopt);
+    EXPECT_EQ(client->openDashboard("timeline"), std::nullopt);
+    EXPECT_EQ(client->openSettings(std::nullopt), std::nullopt);
+    EXPECT_EQ(client->openSettings("data"), std::nullopt);
+    EXPECT_EQ(agent.with([](LinkBench& bench) { return bench.windows; }),
+              (std::vector<WindowRequest>{DashboardRequest{}, DashboardRequest{"timeline"}, SettingsRequest{},
+                                          SettingsRequest{"data"}}));
+    agent.with([](LinkBench& bench) { bench.windowFailure = "the dashboard is elsewhere"; });
+    EXPECT_EQ(client->openDashboard(std::nullopt), "the dashboard is elsewhere");
+    EXPECT_EQ(client->openDashboard("apps"), "the dashboard is elsewhere");
+    EXPECT_EQ(client->openSettings(std::nullopt), "the dashboard is elsewhere");
 }
 
 TEST(BackgroundOnTheBus, howBrowsersAreReadIsTold) {
@@ -91,6 +104,24 @@ TEST(BackgroundOnTheBus, howBrowsersAreReadIsTold) {
     EXPECT_EQ(client->browsers(), readings);
     agent.end();
     EXPECT_EQ(client->browsers(), std::nullopt);
+}
+
+TEST(BackgroundOnTheBus, whatTheAgentCostsIsTold) {
+    const OwnCost cost{.span = Seconds(600),
+                       .cores = 0.00625,
+                       .memory = 14'000'000,
+                       .wakeupsPerSecond = 3.5,
+                       .bytesWrittenPerSecond = 7};
+    const AgentCost told{cost, LoweredPace{Date(1'700'000'000), Date(1'700'003'600), cost}};
+    const PrivateBus bus;
+    TestAgent agent(bus.address());
+    const auto client = BackgroundClient::connect(bus.address());
+    ASSERT_TRUE(client);
+    EXPECT_EQ(client->ownCost(), AgentCost()) << "answered, but not measured";
+    agent.with([&](LinkBench& bench) { bench.ownCost = told; });
+    EXPECT_EQ(client->ownCost(), told);
+    agent.end();
+    EXPECT_EQ(client->ownCost(), std::nullopt);
 }
 
 TEST(BackgroundOnTheBus, aRefusedPauseSaysWhy) {
@@ -300,7 +331,7 @@ TEST(BackgroundClient, anAgentThatHangsHoldsNobodyUpForLong) {
     face([](BackgroundClient& client) { return client.status() == std::nullopt; });
     face([](BackgroundClient& client) { return client.resume() == "Kestrio does not answer"; });
     face([](BackgroundClient& client) { return client.pause(std::nullopt) == "Kestrio does not answer"; });
-    face([](BackgroundClient& client) { return client.openDashboard() == "Kestrio does not answer"; });
+    face([](BackgroundClient& client) { return client.openDashboard(std::nullopt) == "Kestrio does not answer"; });
     face([](BackgroundClient& client) { return client.browsers() == std::nullopt; });
     face([](BackgroundClient& client) {
         const auto token = client.observe([](const AgentStatus&) {});

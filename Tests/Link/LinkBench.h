@@ -16,12 +16,19 @@ struct LinkBench : MonitorBench {
         model = std::make_unique<AppModel>(AppModel::Parts{time, mainQueue, *monitor, settings, loginItem});
         background = std::make_unique<LocalBackground>(
             *model, LocalBackground::Facts{"1.2.3", 4711, "/home/ada/data/Kestrio", origin},
-            [this] {
-                ++dashboards;
-                return dashboardFailure;
-            },
-            [this](auto files, auto receiver) { return importFiles(std::move(files), std::move(receiver)); },
-            [this] { return browsers; });
+            LocalBackground::Services{
+                .openWindow =
+                    [this](const WindowRequest& request) {
+                        windows.push_back(request);
+                        return windowFailure;
+                    },
+                .importFiles = [this](auto files,
+                                      auto receiver) { return importFiles(std::move(files), std::move(receiver)); },
+                .browsers = [this] { return browsers; },
+                .observeMonitor = [this](auto receiver) { return observeMonitor(std::move(receiver)); },
+                .ownCost = [this] { return ownCost; },
+                .quit = [this] { ++quits; },
+            });
         model->start();
         pass(2.6);
     }
@@ -29,10 +36,13 @@ struct LinkBench : MonitorBench {
     VirtualQueue virtualMain{time, "main"};
     Queue& mainQueue;
     ScriptedLoginItem loginItem;
-    int dashboards = 0;
-    Background::Failure dashboardFailure;
+    std::vector<WindowRequest> windows; // that were asked for
+    Background::Failure windowFailure;
     LocalBackground::ImportFiles importFiles;
     std::vector<BrowserReading> browsers;
+    LocalBackground::ObserveMonitor observeMonitor = [](const auto&) { return Subscription(); };
+    AgentCost ownCost;
+    int quits = 0;
     std::unique_ptr<AppModel> model;
     std::unique_ptr<LocalBackground> background;
 };

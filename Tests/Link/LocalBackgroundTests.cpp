@@ -52,12 +52,31 @@ TEST(LocalBackground, pausesAndResumes) {
     EXPECT_EQ(bench.background->status()->pausedUntil, std::nullopt);
 }
 
+TEST(LocalBackground, quitsAfterItAnswered) {
+    LinkBench bench;
+    EXPECT_EQ(bench.background->quit(), std::nullopt);
+    EXPECT_EQ(bench.quits, 0);
+    bench.pass(0);
+    EXPECT_EQ(bench.quits, 1);
+    LocalBackground other(*bench.model, {}, {});
+    EXPECT_EQ(other.quit(), "This is not a program that can be ended.");
+}
+
+TEST(LocalBackground, opensTheDashboardAndTheSettingsWhereTheyWereLeftOrWhereItIsTold) {
+    LinkBench bench;
+    EXPECT_EQ(bench.background->openDashboard(std::nullopt), std::nullopt);
+    EXPECT_EQ(bench.background->openDashboard("timeline"), std::nullopt);
+    EXPECT_EQ(bench.background->openSettings(std::nullopt), std::nullopt);
+    EXPECT_EQ(bench.background->openSettings("data"), std::nullopt);
+    EXPECT_EQ(bench.windows, (std::vector<WindowRequest>{DashboardRequest{}, DashboardRequest{"timeline"},
+                                                         SettingsRequest{}, SettingsRequest{"data"}}));
+}
+
 TEST(LocalBackground, saysWhyThereIsNoDashboard) {
     LinkBench bench;
-    EXPECT_EQ(bench.background->openDashboard(), std::nullopt);
-    bench.dashboardFailure = "it is not there";
-    EXPECT_EQ(bench.background->openDashboard(), "it is not there");
-    EXPECT_EQ(bench.dashboards, 2);
+    bench.windowFailure = "it is not there";
+    EXPECT_EQ(bench.background->openDashboard(std::nullopt), "it is not there");
+    EXPECT_EQ(bench.background->openSettings(std::nullopt), "it is not there");
 }
 
 TEST(LocalBackground, saysHowBrowsersAreRead) {
@@ -65,8 +84,38 @@ TEST(LocalBackground, saysHowBrowsersAreRead) {
     EXPECT_EQ(bench.background->browsers(), std::vector<BrowserReading>());
     bench.browsers = {{"org.chromium.Chromium", true, false}, {"org.mozilla.firefox", false, true}};
     EXPECT_EQ(bench.background->browsers(), bench.browsers);
-    LocalBackground without(*bench.model, {}, [] { return std::nullopt; });
+    LocalBackground without(*bench.model, {}, {});
     EXPECT_EQ(without.browsers(), std::vector<BrowserReading>());
+    EXPECT_EQ(without.openDashboard(std::nullopt), "There are no windows here.");
+}
+
+TEST(LocalBackground, handsOnWhatTheSystemMonitorSees) {
+    LinkBench bench;
+    std::function<void(const MonitorReading&)> told;
+    bench.observeMonitor = [&](auto receiver) {
+        told = std::move(receiver);
+        return Subscription([&] { told = nullptr; });
+    };
+    std::size_t cores = 0;
+    auto token = bench.background->observeMonitor([&](const MonitorReading& reading) { cores = reading.cores; });
+    MonitorReading reading;
+    reading.cores = 12;
+    told(reading);
+    EXPECT_EQ(cores, 12u);
+    token.cancel();
+    EXPECT_FALSE(told);
+    LocalBackground without(*bench.model, {}, {});
+    EXPECT_FALSE(without.observeMonitor([](const auto&) {}).isActive());
+}
+
+TEST(LocalBackground, saysWhatItCosts) {
+    LinkBench bench;
+    EXPECT_EQ(bench.background->ownCost(), AgentCost());
+    const OwnCost cost{.span = Seconds(600), .cores = 0.006, .memory = 1, .wakeupsPerSecond = 2};
+    bench.ownCost = AgentCost{cost, LoweredPace{origin, origin + Seconds(3600), cost}};
+    EXPECT_EQ(bench.background->ownCost(), bench.ownCost);
+    LocalBackground without(*bench.model, {}, {});
+    EXPECT_EQ(without.ownCost(), AgentCost());
 }
 
 TEST(LocalBackground, changesOfOneMomentAreToldTogetherAndOnlyWhenThereAreAny) {

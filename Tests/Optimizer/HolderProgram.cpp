@@ -9,60 +9,17 @@
 #include "Kestrio/Platform/Linux/LinuxProcessSignals.h"
 #include "Kestrio/Platform/Linux/LinuxProcessTable.h"
 #include "Kestrio/Platform/Linux/LinuxWatchdog.h"
+#include "Tests/Support/SteppedSignals.h"
 
 #include <cstdlib>
 #include <fmt/format.h>
 #include <fstream>
-#include <map>
-#include <sys/prctl.h>
 #include <unistd.h>
 
 namespace kestrio {
 namespace {
 
 namespace fs = std::filesystem;
-
-class Steps {
-public:
-    Steps(std::string wanted, fs::path notes) : wanted_(std::move(wanted)), notes_(std::move(notes)) {}
-
-    bool isWanted(const std::string& step) const { return step == wanted_; }
-
-    void reach(const std::string& step) const {
-        if (!isWanted(step))
-            return;
-        std::ofstream(notes_ / "there") << step;
-        for (;;)
-            pause();
-    }
-
-    void reachNext(const std::string& kind) { reach(fmt::format("{} {}", kind, ++counts_[kind])); }
-
-private:
-    const std::string wanted_;
-    const fs::path notes_;
-    std::map<std::string, int> counts_;
-};
-
-/// Passes everything on, and lets the test stop it before each deed.
-class SteppedSignals final : public ProcessSignals {
-public:
-    SteppedSignals(ProcessSignals& real, Steps& steps) : real_(real), steps_(steps) {}
-
-    ProcessCondition condition(ProcessKey key) override { return real_.condition(key); }
-    bool stop(ProcessKey key) override { return steps_.reachNext("stop"), real_.stop(key); }
-    bool resume(ProcessKey key) override { return steps_.reachNext("resume"), real_.resume(key); }
-    std::optional<ProcessPriority> priority(ProcessKey key) override { return real_.priority(key); }
-    bool slow(ProcessKey key) override { return steps_.reachNext("slow"), real_.slow(key); }
-    bool restore(ProcessKey key, const ProcessPriority& before) override {
-        return steps_.reachNext("restore"), real_.restore(key, before);
-    }
-    std::vector<ProcessKey> heirs(const ProcessPriority& before) override { return real_.heirs(before); }
-
-private:
-    ProcessSignals& real_;
-    Steps& steps_;
-};
 
 int hold(const std::vector<std::string>& arguments) {
     const fs::path notes = arguments[1];

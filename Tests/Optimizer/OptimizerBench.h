@@ -50,7 +50,7 @@ struct OptimizerBench {
                 .hostEssentials = {"org.example.panel"},
                 .launchDate = [this](pid_t pid) { return machine.launchDate(pid); },
                 .mediaUse = [this] { return media; },
-                .refusal = [this](const RunningApplication& application) { return refusal(application); },
+                .refusal = [this](const auto& question) { return refusal(question.application); },
                 .log = [this](const ResourceEvent& event) { events.push_back(described(event)); },
                 .checkAlerts = [this](const SampledApps&,
                                       const std::optional<std::string>& front) { alertChecks.push_back(front); }});

@@ -77,6 +77,53 @@ TEST(ActivityChart, marksTheBucketUnderThePointer) {
     EXPECT_EQ(selectedBucket(daily, bench.at(9, 59), bench.calendar), bench.day);
 }
 
+TEST(ActivityChart, saysItselfInWords) {
+    PagesBench bench;
+    bench.add(9 * hour, 1800).add(9.5 * hour, 600).add(11 * hour, 60);
+    const auto report = bench.report();
+    EXPECT_EQ(activityChart(report, bench.calendar).words, "41m active. Busiest: 09:00 – 10:00 with 40m. Other 41m.");
+    const auto daily = bench.report(Granularity::day);
+    EXPECT_EQ(activityChart(daily, bench.calendar).words, "41m active. Busiest: Fri, 20 Nov with 41m. Other 41m.");
+    EXPECT_EQ(activityChart(ActivityReport::empty(bench.day, Granularity::hour), bench.calendar).words, "No activity");
+}
+
+TEST(ActivityChart, isWalkedThroughWithKeys) {
+    using enum ChartStep;
+    const PagesBench bench;
+    const auto report = hourly(bench);
+    const auto chart = activityChart(report, bench.calendar);
+    struct Row {
+        std::optional<int> from; // the hour
+        ChartStep step;
+        int to;
+    };
+    const Row rows[] = {{std::nullopt, later, 9},
+                        {std::nullopt, earlier, 11},
+                        {std::nullopt, first, 9},
+                        {std::nullopt, last, 11},
+                        {9, later, 10},
+                        {10, later, 11},
+                        {10, earlier, 9},
+                        {23, later, 23},
+                        {0, earlier, 0},
+                        {3, first, 9},
+                        {3, last, 11}};
+    for (const auto& row : rows) {
+        const auto from = row.from ? std::optional(bench.calendar.hour(bench.at(*row.from))) : std::nullopt;
+        EXPECT_EQ(steppedBucket(report, chart, from, row.step, bench.calendar), bench.calendar.hour(bench.at(row.to)))
+            << (row.from ? *row.from : -1) << " to " << row.to;
+    }
+    const auto empty = ActivityReport::empty(bench.day, Granularity::hour);
+    EXPECT_FALSE(steppedBucket(empty, activityChart(empty, bench.calendar), std::nullopt, later, bench.calendar));
+}
+
+TEST(ChartTooltip, isReadAloudInOneSentence) {
+    const PagesBench bench;
+    EXPECT_EQ(spoken(chartTooltip(hourly(bench), bench.at(9), bench.calendar)),
+              "09:00 – 10:00: 40m active, Social Media 20m, Development 10m, Work & Docs 10m");
+    EXPECT_EQ(spoken(chartTooltip(hourly(bench), bench.at(10), bench.calendar)), "10:00 – 11:00: No activity");
+}
+
 TEST(ChartTooltip, listsTheCategoriesLongestFirst) {
     const PagesBench bench;
     const auto tooltip = chartTooltip(hourly(bench), bench.at(9), bench.calendar);
@@ -131,6 +178,16 @@ TEST(ChartAxis, daysAreMarkedEachOnlyWhereTheyFit) {
     EXPECT_EQ(labels(marks(30, 30)), (Texts{"20 Nov", "27 Nov", "4 Dec", "11 Dec", "18 Dec"}));
 }
 
+TEST(ChartAxis, labelsStandAtHoursAndAmidDays) {
+    const PagesBench bench;
+    const auto hours = timeMarks(bench.day, Granularity::hour, 24, bench.calendar);
+    EXPECT_EQ(hours[3].at, bench.at(9));
+    EXPECT_EQ(hours[3].labelAt, bench.at(9));
+    const auto days = timeMarks(bench.day, Granularity::day, 1, bench.calendar);
+    EXPECT_EQ(days[0].at, bench.day.start);
+    EXPECT_EQ(days[0].labelAt, bench.at(12));
+}
+
 TEST(ChartAxis, hoursStandEveryThreeAlsoWhereTheClocksChange) {
     const PagesBench bench;
     EXPECT_EQ(labels(timeMarks(bench.day, Granularity::hour, 24, bench.calendar)),
@@ -145,7 +202,10 @@ TEST(CategoryStackBar, dividesItsWidthAndKeepsSmallPartsVisible) {
     const auto bar = categoryStackBar(categories, Seconds(1000));
     EXPECT_EQ(bar.widths(200), (std::vector<double>{180, 19.8, 2}));
     EXPECT_EQ(bar.parts[0].category, categoryPill(work));
+    EXPECT_EQ(bar.words, "Work & Docs 90%, Social Media 10%, Other 0%");
     EXPECT_TRUE(categoryStackBar(categories, Seconds(0)).parts.empty());
+    EXPECT_EQ(categoryStackBar(categories, Seconds(0)).words, "No activity");
+    EXPECT_EQ(categoryStackBar({}, Seconds(10)).words, "No activity");
     EXPECT_DOUBLE_EQ(CategoryStackBar::emptyTrackOpacity, 0.08);
 }
 
@@ -171,6 +231,8 @@ TEST(UsageTrend, spansTheWholeRange) {
     EXPECT_EQ(trend.columns[0], (UsageTrend::Column{{bench.at(9), bench.at(10)}, 30}));
     EXPECT_EQ(trend.columns[1], (UsageTrend::Column{{bench.at(10), bench.at(11)}, 30}));
     const auto daily = usageTrend(bench.report(Granularity::day), mine, SystemColor::teal, bench.calendar);
+    EXPECT_EQ(trend.words, "1h in all. Busiest: 09:00 – 10:00 with 30m.");
+    EXPECT_EQ(daily.words, "1h in all. Busiest: Fri, 20 Nov with 1h.");
     EXPECT_EQ(daily.unit.title, "Hours");
     ASSERT_EQ(daily.columns.size(), 1u);
     EXPECT_DOUBLE_EQ(daily.columns[0].value, 1);

@@ -42,6 +42,14 @@ TEST(DashboardSection, hasItsWordsAndItsGroup) {
                                          {"Mac", {performance, resourceLog}}}));
 }
 
+TEST(DashboardSection, anUnknownPageIsSaidWithThoseThatThereAre) {
+    EXPECT_EQ(dashboardSectionError("resourceLog"), std::nullopt);
+    for (const std::string text : {"", "Overview", "settings"})
+        EXPECT_EQ(dashboardSectionError(text),
+                  "there is no page \"" + text +
+                      "\"; there are overview, timeline, apps, websites, youtube, projects, performance, resourceLog");
+}
+
 TEST(DashboardSection, anUnknownPageOpensTheOverview) {
     using enum DashboardSection;
     struct Row {

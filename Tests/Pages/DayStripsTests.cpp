@@ -191,6 +191,74 @@ TEST(StripReadout, saysWhatWasDoneAtThatMoment) {
     EXPECT_EQ(std::get<ReadoutSession>(readout(300, false)).title, "Untitled window");
 }
 
+TEST(StripReadout, isReadAloudInOneSentence) {
+    PagesBench bench;
+    bench.add(9 * hour, 900, {.title = "main.cpp"});
+    const auto report = bench.report();
+    const auto strips = dayStrips(report, bench.viewpoint());
+    const auto readout = stripReadout(stripHover(strips, strips.days[0], false, 10, 400), false, bench.calendar);
+    EXPECT_EQ(spoken(readout), "Editor, main.cpp, Other · 09:00 – 09:15 · 15m");
+    EXPECT_EQ(spoken(stripReadout(std::nullopt, false, bench.calendar)),
+              "Move the pointer over a bar to see what you were doing at that moment.");
+}
+
+TEST(StripSteps, leadFromSessionToSession) {
+    using enum StripStep;
+    PagesBench bench;
+    bench.add(9 * hour, 900, {.title = "a"})
+        .add(10 * hour, 900, {.title = "b"})
+        .add(11 * hour, 900, {.title = "c"})
+        .add(10 * hour, 600, {.title = "song", .kind = listening})
+        .add(33 * hour, 900, {.title = "d"})
+        .add(35 * hour, 900, {.title = "e"});
+    const auto report = wholeMonth(bench);
+    const auto strips = dayStrips(report, bench.viewpoint());
+    const auto titleOf = [](const std::optional<StripHover>& hover) {
+        return hover && hover->session ? hover->session->title : "none";
+    };
+    const auto walked = [&](std::vector<StripStep> steps) {
+        std::optional<StripHover> hover;
+        for (const auto step : steps)
+            hover = steppedHover(strips, hover, step);
+        return titleOf(hover);
+    };
+    struct Row {
+        std::vector<StripStep> steps;
+        const char* title;
+    };
+    const Row rows[] = {{{later}, "a"},
+                        {{below}, "a"},
+                        {{first}, "a"},
+                        {{earlier}, "e"},
+                        {{above}, "e"},
+                        {{last}, "e"},
+                        {{later, later}, "b"},
+                        {{later, earlier}, "a"},
+                        {{later, last}, "c"},
+                        {{later, last, later}, "c"},
+                        {{later, last, earlier}, "b"},
+                        {{later, last, first}, "a"},
+                        {{later, above}, "a"},
+                        {{later, below}, "song"},
+                        {{later, below, below}, "d"},
+                        {{later, last, below, below}, "d"},
+                        {{later, below, below, below}, "d"},
+                        {{last, above}, "song"},
+                        {{last, above, above}, "b"}};
+    for (std::size_t i = 0; i < std::size(rows); ++i)
+        EXPECT_EQ(walked(rows[i].steps), rows[i].title) << i;
+
+    auto between = stripHover(strips, strips.days[0], false, 50, 100);
+    between.session = std::nullopt;
+    between.time = bench.at(10, 30);
+    EXPECT_EQ(titleOf(steppedHover(strips, between, later)), "c");
+    EXPECT_EQ(titleOf(steppedHover(strips, between, earlier)), "b");
+    const auto hover = steppedHover(strips, std::nullopt, later);
+    EXPECT_EQ(hover->time, bench.at(9) + Seconds(450));
+    EXPECT_EQ(hover->day, bench.day.start);
+    EXPECT_FALSE(steppedHover(dayStrips(ActivityReport(), bench.viewpoint()), std::nullopt, later));
+}
+
 TEST(DayLabel, isWideOrDense) {
     PagesBench bench;
     bench.add(9 * hour, 900).add(10 * hour, 900).add(9 * hour, 4000, {.kind = watching});
@@ -210,8 +278,13 @@ TEST(DayStrips, explainsItself) {
     const auto report = bench.report();
     const auto strips = dayStrips(report, bench.viewpoint());
     EXPECT_EQ(strips.explanation, plain);
+    EXPECT_EQ(strips.words, "Friday, 20 Nov: 15m active");
+    EXPECT_EQ(dayStrips(ActivityReport(), bench.viewpoint()).words, "No activity");
     EXPECT_FALSE(strips.showsAlongside);
     EXPECT_EQ(strips.legend, (std::vector{categoryPill(ActivityCategory::other)}));
+    bench.add(33 * hour, 1800);
+    const auto two = wholeMonth(bench);
+    EXPECT_EQ(dayStrips(two, bench.viewpoint()).words, "2 days: 45m active. Busiest: Saturday, 21 Nov with 30m.");
     bench.add(9 * hour, 900, {.kind = watching});
     const auto played = bench.report();
     EXPECT_EQ(dayStrips(played, bench.viewpoint()).explanation,

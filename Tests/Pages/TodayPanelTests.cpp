@@ -82,9 +82,37 @@ TEST(TodayPanel, warnsWithoutAccessToTitles) {
     const PagesBench bench;
     const auto panel = todayPanel(ActivityReport(), {.isAccessibilityGranted = false}, bench.calendar);
     EXPECT_EQ(panel.accessibilityHint, (PanelWarning{"exclamationmark.triangle.fill",
-                                                     "Allow Accessibility access to record window titles.", "Allow"}));
+                                                     "Allow Accessibility access to record window titles.", "Allow",
+                                                     std::nullopt}));
     EXPECT_EQ(panel.productive, "0% productive");
     EXPECT_TRUE(panel.topApps.empty());
+}
+
+TEST(TodayPanel, saysWhatThisHostCanDoOnceAsked) {
+    const PagesBench bench;
+    const auto hint = [&](const PanelState& state) {
+        return todayPanel(ActivityReport(), state, bench.calendar).accessibilityHint;
+    };
+    EXPECT_EQ(hint({.isAccessibilityGranted = false})->advice, std::nullopt);
+    EXPECT_EQ(hint({.isAccessibilityGranted = false, .accessibilityAdvice = "Log in elsewhere."})->advice,
+              "Log in elsewhere.");
+    EXPECT_FALSE(hint({.accessibilityAdvice = "Log in elsewhere."})) << "granted meanwhile";
+}
+
+TEST(TodayPanel, withoutTheAgentSaysSoAndOffersNothingThatNeedsIt) {
+    const PagesBench bench;
+    const auto panel =
+        todayPanel(ActivityReport(), {.isAgentRunning = false, .isAccessibilityGranted = false}, bench.calendar);
+    EXPECT_EQ(panel.banner,
+              (ActivityBanner{"Not running",
+                              "Red: Kestrio does not answer. Nothing is being recorded until it is started again.",
+                              false}));
+    EXPECT_EQ(std::get<StateWords>(panel.live.focus), (StateWords{"Not running", "power"}));
+    EXPECT_FALSE(panel.accessibilityHint) << "nobody knows";
+    EXPECT_FALSE(panel.pauseOrResume.isEnabled);
+    EXPECT_FALSE(panel.quit.isEnabled);
+    EXPECT_TRUE(panel.dashboard.isEnabled);
+    EXPECT_TRUE(panel.settings.isEnabled);
 }
 
 TEST(TodayPanel, leadsOnFromItsFoot) {

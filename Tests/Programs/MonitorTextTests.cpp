@@ -12,8 +12,8 @@ using Level = SystemInsight::Level;
 
 const Calendar calendar("en_GB", "UTC");
 
-MonitorReading laptop() {
-    MonitorReading reading{.chip = "Chip 9000", .cores = 8, .uptime = Seconds(7'500), .snapshot = {}, .insights = {}};
+MonitorPicture laptop() {
+    MonitorPicture reading{.chip = "Chip 9000", .cores = 8, .uptime = Seconds(7'500), .snapshot = {}, .insights = {}};
     auto& snapshot = reading.snapshot;
     snapshot.cpu = 0.425;
     snapshot.memoryUsed = 8'000'000'000;
@@ -99,7 +99,7 @@ TEST(MonitorText, isPlainWithoutColour) {
 }
 
 TEST(MonitorText, saysWhatThereIsOnAMachineThatTellsNothing) {
-    MonitorReading nothing;
+    MonitorPicture nothing;
     nothing.insights = SystemInsight::make(nothing.snapshot, {}, calendar);
     EXPECT_EQ(monitorText(nothing, calendar, {60, false}), "  System   ● All good\n"
                                                            "  up 0m\n"
@@ -140,7 +140,7 @@ TEST(MonitorData, holdsTheWholeSnapshot) {
 }
 
 TEST(MonitorData, hasNullForWhatIsAbsent) {
-    const auto json = toJSON(MonitorReading());
+    const auto json = toJSON(MonitorPicture());
     for (const auto* key : {"chip", "temperature", "disk", "battery"})
         EXPECT_TRUE(json[key].is_null()) << key;
 }

@@ -28,12 +28,12 @@ DEADLINE = 20  # seconds; what is waited for takes less than three
 COMMANDS = ["record", "watch", "status", "sessions", "report", "pause", "resume", "settings", "settings list", "settings get",
             "settings set", "settings reset", "doctor", "categories", "categories list", "categories set",
             "categories reset", "projects", "projects list", "projects add", "projects move", "projects remove", "explain",
-            "report", "export", "import", "top", "machine", "disk-test", "browsers"]
+            "report", "export", "import", "top", "machine", "disk-test", "browsers", "open"]
 
 SESSION_KEYS = ["id", "start", "end", "bundleID", "appName", "title", "url", "domain", "project", "kind"]
 STATUS_KEYS = ["state", "pausedUntil", "live", "alongside", "unsaved", "isAccessibilityGranted", "version",
                "processIdentifier", "dataFolder", "startedAt"]
-STORE_KEYS = ["running", "focusedToday", "sessionCount", "fileSize", "earliestStart"]
+STORE_KEYS = ["running", "loweredPace", "focusedToday", "sessionCount", "fileSize", "earliestStart"]
 
 NOON = 1_700_049_600  # 2023-11-15 12:00 UTC
 
@@ -166,6 +166,7 @@ class Usage(Case):
             "export --range today", "export -o", "export --range -o x", "export --range bogus -o x", "export extra -o x",
             "import", "import --bogus",
             "browsers extra", "browsers --install --remove",
+            "open extra", "open apps more", "open Apps", "open settings", "open --page apps",
         ]
         for line in wrong:
             with self.subTest(line):
@@ -513,7 +514,7 @@ class Classification(Case):
 class Files(Case):
     READING = ["status", "status --json", "sessions", "sessions --json", "settings list", "settings list --json",
                "report", "report --json", "report --day 2023-11-15 --section apps",
-               "settings get idleMinutes", "doctor", "doctor --json", "watch", "resume", "pause",
+               "settings get idleMinutes", "doctor", "doctor --json", "watch", "resume", "pause", "open",
                "categories list", "categories list --all --json", "projects list", "projects list --json",
                "explain --app code --title x", "categories set work --app code --preview",
                "projects add kest A --preview"]
@@ -759,10 +760,10 @@ class WithoutAgent(Case):
         found = json.loads(self.ctl("status", "--json", status=1))
         self.assertEqual(list(found), STATUS_KEYS + STORE_KEYS)
         self.assertEqual([found[key] for key in STATUS_KEYS], [None] * len(STATUS_KEYS))
-        self.assertEqual([found[key] for key in STORE_KEYS], [False, 0, 0, 0, None])
+        self.assertEqual([found[key] for key in STORE_KEYS], [False, None, 0, 0, 0, None])
 
     def test_actions_say_so(self):
-        for command in ("pause", "pause 30m", "pause until-tomorrow", "resume", "watch", "watch --json"):
+        for command in ("pause", "pause 30m", "pause until-tomorrow", "resume", "watch", "watch --json", "open", "open apps"):
             with self.subTest(command):
                 ran = self.run_ctl(*command.split())
                 self.assertEqual((ran.returncode, ran.stdout, ran.stderr),
@@ -854,6 +855,7 @@ class OnADesktop(Case):
         self.assertEqual(list(found), STATUS_KEYS + STORE_KEYS)
         self.assertEqual((found["state"], found["running"], found["processIdentifier"]), ("tracking", True, agent.pid))
         self.assertEqual(found["dataFolder"], str(self.database.parent))
+        self.assertIn("  Cost     measured in the program's first minute\n", self.ctl("log", "status"))
         text = self.ctl("status")
         self.assertRegex(text, rf"\A  Kestrio \d[\d.]*, process {agent.pid}, since .*\n  Now        recording XTerm: First\n")
         open_session = json.loads(self.ctl("sessions", "--json"))[-1]
@@ -903,7 +905,7 @@ class OnADesktop(Case):
         for program, *arguments in (["kestrio"], ["kestrio", "--login"], ["kestrioctl", "record"]):
             second = self.start(program, *arguments)
             self.assertEqual(second.wait(DEADLINE), 0)
-            self.assertEqual(second.stderr.read(), f"kestrio: Kestrio is already running (process {agent.pid}).\n")
+            self.assertEqual(second.stderr.readline(), f"kestrio: Kestrio is already running (process {agent.pid}).\n")
             self.assertEqual(second.stdout.read(), "")
         self.assertIsNone(agent.poll())
 
@@ -976,6 +978,23 @@ class OnADesktop(Case):
         self.assertIsNone(agent.poll())
         self.assertTrue(until(self.is_worth_a_row))
         self.assertIn(",XTerm,", self.ctl("export", "--range", "today", "-o", "-"))  # still open
+
+    def test_the_monitor_is_asked_of_the_agent_where_one_runs(self):
+        agent = self.start_agent()
+        calls = self.start("dbus-monitor", "--session", "type='method_call',interface='dev.haldorvinter.Kestrio'")
+        heard = []
+        threading.Thread(target=lambda: heard.extend(iter(calls.stdout.readline, "")), daemon=True).start()
+        self.assertTrue(until(lambda: heard))  # it listens
+        for _ in range(2):
+            data = json.loads(self.ctl("monitor", "--json"))
+            self.assertTrue(data["hasAppCPU"])
+            self.assertGreater(data["uptime"], 0)
+            self.assertGreater(len(data["topMemory"]), 0)
+        self.assertTrue(until(lambda: sum("member=WatchMonitor" in line for line in heard) == 2))
+        self.assertTrue(self.ctl("monitor").startswith("  System   "))
+        agent.kill()
+        agent.wait()
+        self.assertTrue(json.loads(self.ctl("monitor", "--json"))["hasAppCPU"])
 
     def test_an_import_through_the_agent_can_be_interrupted(self):
         agent = self.start_agent()

@@ -13,10 +13,12 @@ import pathlib
 import pty
 import re
 import shutil
+import signal
 import sqlite3
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 
 BIN = pathlib.Path(sys.argv.pop(1)).resolve()
@@ -371,6 +373,23 @@ class Export(Case):
         self.assertEqual(shares[-1], 100)
         self.assertTrue(shown.endswith("\r\x1b[K"))
 
+    def test_an_export_that_is_interrupted_leaves_nothing(self):
+        self.make_log(days=3, seconds=3)
+        precious = self.out / "precious.txt"
+        precious.write_text("mine")
+        for how in (signal.SIGINT, signal.SIGTERM):
+            with self.subTest(how):
+                exporting = subprocess.Popen([BIN / "kestrioctl", "log", "export", self.out], env=self.environment,
+                                             text=True, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+                self.addCleanup(exporting.kill)
+                deadline = time.monotonic() + DEADLINE
+                while not list(self.out.glob("kestrio-*/seconds.csv")) and time.monotonic() < deadline:
+                    time.sleep(0.002)
+                exporting.send_signal(how)
+                self.assertEqual(exporting.communicate(timeout=DEADLINE), ("", ""))
+                self.assertEqual(exporting.returncode, 130)
+                self.assertEqual(list(self.out.iterdir()), [precious])
+
     def test_a_week_is_whole(self):
         self.make_log(days=7, seconds=7)
         folder = self.export()
@@ -582,7 +601,7 @@ class Looking(Case):
         self.assertEqual(data, {
             "isOn": True, "pace": 1, "days": 90, "detailDays": 7, "file": str(self.log),
             "minutes": 2, "appMinutes": 2, "seconds": 3, "events": 3, "apps": 2, "setups": 2,
-            "firstMinute": NOON, "lastMinute": NOON + 60, "firstSecond": NOON + 79})
+            "firstMinute": NOON, "lastMinute": NOON + 60, "firstSecond": NOON + 79, "agent": None})
 
     def test_the_status_tells_the_settings(self):
         self.make_small_log()

@@ -2,6 +2,7 @@
 #include "Kestrio/Base/Sqlite.h"
 #include "Kestrio/Resources/ResourceStore.h"
 #include "Tests/Examples/ExampleResourceLog.h"
+#include "Tests/Resources/PlainSeries.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -72,47 +73,8 @@ TEST_F(ExampleLog, seriesOfMinutesAreWhatGroupingGives) {
     const auto store = opened(file);
     const auto connection = connected(file);
     const DateInterval range{end - Seconds(2.3 * 86'400), end - Seconds(1000.5)};
-    for (const std::int64_t bucket : {60, 600, 7 * 3600, 40 * 86'400}) {
-        const auto series = store->systemSeries(range, bucket);
-        sqlite::Statement select(connection.get(),
-                                 "SELECT (minute / ?1) * ?1 AS b, AVG(cpu), MAX(cpu_peak), AVG(cpu_p), AVG(cpu_e), "
-                                 "CAST(AVG(mem_used) AS INTEGER), MAX(swap_used), SUM(swap_in), SUM(swap_out), "
-                                 "MAX(pressure), SUM(pressure >= 2), MAX(lag_ms), COUNT(*), AVG(ram_r), AVG(ram_w), "
-                                 "MAX(ram_peak), AVG(ssd_r), AVG(ssd_w), MAX(ssd_peak), SUM(active_s), SUM(idle_s), "
-                                 "SUM(away_s), SUM(switches) FROM system_minutes WHERE minute >= ?2 AND minute < ?3 "
-                                 "GROUP BY b ORDER BY b");
-        select.bindAll(bucket, range.start, range.end);
-        std::size_t index = 0;
-        for (; select.step() == sqlite::Step::row; ++index) {
-            ASSERT_LT(index, series.size());
-            sqlite::Columns row(select);
-            const SystemBucket expected{.start = Date(row.real()),
-                                        .cpu = row.real(),
-                                        .cpuPeak = row.real(),
-                                        .cpuPerformance = row.real(),
-                                        .cpuEfficiency = row.real(),
-                                        .memoryUsed = row.natural(),
-                                        .swapUsed = row.natural(),
-                                        .swapIn = row.natural(),
-                                        .swapOut = row.natural(),
-                                        .pressure = row.integer(),
-                                        .pressureMinutes = row.integer(),
-                                        .lagMilliseconds = row.integer(),
-                                        .minutes = row.integer(),
-                                        .ramRead = row.real(),
-                                        .ramWrite = row.real(),
-                                        .ramPeak = row.real(),
-                                        .ssdRead = row.real(),
-                                        .ssdWrite = row.real(),
-                                        .ssdPeak = row.real(),
-                                        .activeSeconds = row.integer(),
-                                        .idleSeconds = row.integer(),
-                                        .awaySeconds = row.integer(),
-                                        .switches = row.integer()};
-            EXPECT_EQ(series[index], expected) << bucket << ", " << index;
-        }
-        EXPECT_EQ(index, series.size()) << bucket;
-    }
+    for (const std::int64_t bucket : {60, 600, 7 * 3600, 40 * 86'400})
+        expectSame(store->systemSeries(range, bucket), plainSeries(connection.get(), range, bucket));
 }
 
 TEST_F(ExampleLog, seriesOfSecondsAreWhatGroupingGives) {

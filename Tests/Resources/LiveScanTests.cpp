@@ -1,8 +1,9 @@
-// The scanner on the real processes of this machine. This file replaces the program's operator new by one that counts.
+// The scanner on the real processes of this machine.
 #include "Kestrio/Base/VirtualQueue.h"
 #include "Kestrio/Platform/Linux/ApplicationIdentity.h"
 #include "Kestrio/Platform/Linux/LinuxProcessTable.h"
 #include "Kestrio/Resources/AppProcessScanner.h"
+#include "Tests/Support/AllocationCounter.h"
 #include "Tests/Support/Eventually.h"
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Support/VirtualDisplay.h"
@@ -13,7 +14,6 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <linux/magic.h>
-#include <new>
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/prctl.h>
@@ -21,28 +21,6 @@
 #include <sys/vfs.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-namespace {
-std::size_t allocations = 0;
-}
-
-// Not inlined, or the compiler sees malloc and delete meet and warns.
-[[gnu::noinline]] void* operator new(std::size_t size) {
-    ++allocations;
-    if (void* memory = std::malloc(size == 0 ? 1 : size))
-        return memory;
-    throw std::bad_alloc();
-}
-[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    ++allocations;
-    return std::malloc(size == 0 ? 1 : size);
-}
-[[gnu::noinline]] void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
 
 namespace kestrio {
 namespace {
@@ -364,9 +342,7 @@ TEST(LiveScan, allocatesNothingForAProcessThatIsAsItWas) {
     table.processes();
     readAll();
     readAll();
-    const auto before = allocations;
-    readAll();
-    EXPECT_EQ(allocations, before);
+    EXPECT_EQ(allocationsOf(readAll), 0u);
 }
 
 } // namespace

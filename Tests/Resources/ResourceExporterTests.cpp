@@ -254,6 +254,8 @@ protected:
     VirtualQueue queue{time, ResourceStore::queueLabel};
     ResourceStore store{folder.path() / "data" / ResourceStore::fileName, queue, time};
     std::vector<double> progress;
+    std::stop_source stop;
+    std::function<void(double share)> told = [](double) {};
 
     Request request() {
         return {.destination = folder.path(),
@@ -261,7 +263,12 @@ protected:
                 .title = "All time",
                 .now = time.now(),
                 .sessions = [](DateInterval) { return std::vector<UsedSession>{}; },
-                .progress = [this](double share) { progress.push_back(share); }};
+                .work = {.progress =
+                             [this](double share) {
+                                 progress.push_back(share);
+                                 told(share);
+                             },
+                         .stop = stop.get_token()}};
     }
 
     void fill(int seconds) {
@@ -288,14 +295,46 @@ TEST_F(ExportTest, theFolderHoldsTenFilesForTheirOwnerAlone) {
         EXPECT_EQ(status.st_mode & 0777u, 0600u) << entry.path();
     }
     std::ranges::sort(names);
-    EXPECT_EQ(names, (std::vector<std::string>{"README.txt", "activity-sessions.csv", "apps-minutes.csv", "data.json",
-                                               "events.csv", "optimization-impact.csv", "report.md", "resources.sqlite",
-                                               "seconds.csv", "system-minutes.csv"}));
+    EXPECT_EQ(names, std::vector<std::string>(fileNames.begin(), fileNames.end()));
     EXPECT_TRUE(std::ranges::is_sorted(progress));
     EXPECT_EQ(progress.back(), 1);
     const auto events = lines(fileText(result.folder / "events.csv"));
     ASSERT_EQ(events.size(), 3u);
     EXPECT_NE(events[1].find("freeze"), std::string::npos); // the oldest first
+}
+
+TEST_F(ExportTest, leavesNothingWhenItIsStopped) {
+    fill(12'001);
+    fs::path folderOfIt;
+    for (const double share : {0.05, 0.35, 0.6, 0.72, 0.9, 1.0}) {
+        stop = std::stop_source();
+        progress.clear();
+        told = [&](double reached) {
+            if (reached >= share)
+                stop.request_stop();
+        };
+        const auto result = exportEverything(request(), exampleSurroundings(), store);
+        EXPECT_TRUE(result.wasStopped) << share;
+        EXPECT_EQ(result.error, std::nullopt) << share;
+        EXPECT_FALSE(fs::exists(result.folder)) << share;
+        EXPECT_LE(progress.back(), share + 0.2) << "it goes no further";
+    }
+    told = [](double) {};
+    stop = std::stop_source();
+    EXPECT_FALSE(exportEverything(request(), exampleSurroundings(), store).wasStopped);
+}
+
+TEST_F(ExportTest, leavesWhatSomebodyElsePutThereWhenItIsStopped) {
+    fill(1);
+    auto wanted = request();
+    told = [&](double) {
+        folder.write(fs::path("kestrio-2023-11-15") / "mine.txt", "precious");
+        stop.request_stop();
+    };
+    const auto result = exportEverything(wanted, exampleSurroundings(), store);
+    EXPECT_TRUE(result.wasStopped);
+    EXPECT_EQ(fileText(result.folder / "mine.txt"), "precious");
+    EXPECT_FALSE(fs::exists(result.folder / "report.md"));
 }
 
 TEST_F(ExportTest, aSecondExportOfADayLeavesTheFirstAlone) {

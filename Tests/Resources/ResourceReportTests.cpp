@@ -259,11 +259,30 @@ TEST(ResourceReport, thePowerOfAnApplicationIsToldFromAFewHundredthsOn) {
     EXPECT_NE(reportOf(snapshot).find("|  |\n"), std::string::npos);
 }
 
+TEST(ResourceReport, namesAndLabelsStayAsTheyAre) {
+    auto surroundings = exampleSurroundings();
+    surroundings.hostWords = [](const auto& text, auto) {
+        EXPECT_EQ(text.find("Mac Cleaner"), std::string::npos) << text;
+        return text;
+    };
+    auto snapshot = exampleSnapshot(2);
+    snapshot.title = "Mac Cleaner";
+    snapshot.summaries = {{.id = "cleaner", .name = "Mac Cleaner", .minutes = 2}};
+    snapshot.configs = {{.key = "on", .label = "Mac Cleaner", .stats = {.minutes = 40}}};
+    snapshot.secondsLogged = 1;
+    snapshot.worstStalls = {exampleSecond(0)};
+    snapshot.worstStalls[0].frontApp = "cleaner";
+    snapshot.hours = {{.hour = 9, .minutes = 2}};
+    EXPECT_NE(reportOf(snapshot, surroundings).find("in front: Mac Cleaner"), std::string::npos);
+}
+
 TEST(ResourceReport, theHostsWordsReplaceOthers) {
     auto surroundings = exampleSurroundings();
-    surroundings.hostWords = [](std::string) { return std::string("in other words"); };
-    EXPECT_EQ(reportOf(exampleSnapshot(1), surroundings), "in other words");
-    EXPECT_EQ(readme(exampleSnapshot(1), surroundings, 0), "in other words");
+    surroundings.hostWords = [](const auto& text, auto) { return "<" + text + ">"; };
+    const auto report = reportOf(exampleSnapshot(1), surroundings);
+    EXPECT_NE(report.find("## <How you used the Mac>\n"), std::string::npos);
+    EXPECT_NE(report.find("- <At the Mac (active)>: "), std::string::npos);
+    EXPECT_TRUE(readme(exampleSnapshot(1), surroundings, 0).starts_with("<Kestrio resource log export\n"));
 }
 
 } // namespace

@@ -84,6 +84,33 @@ TEST(Slowness, isToldWithItsEvidence) {
         {with([](auto& log) { log.minutes[0].thermal = 2; }),
          "The Mac was slow at 12:00: it was hot and slowed itself down to cool off.|" + usual},
         {with([](auto& log) {
+             log.minutes[0].ssdWaitMicroseconds = 9'999;
+             log.minutes[0].ssdWrite = 500e6;
+             log.apps[1].diskWritten = 30e9;
+         }),
+         quiet + usual},
+        {with([](auto& log) {
+             log.minutes[0].ssdWaitMicroseconds = 50'000; // of a drive that has hardly anything to do
+             log.minutes[0].ssdWrite = 999'999;
+         }),
+         quiet + usual},
+        {with([](auto& log) {
+             log.minutes[0].ssdWaitMicroseconds = 10'000;
+             log.minutes[0].ssdRead = 100e6;
+             log.minutes[0].ssdWrite = 400e6;
+             log.apps[0].diskRead = 2e9;
+             log.apps[1].diskWritten = 30e9;
+         }),
+         "The Mac was slow at 12:00: its SSD could not keep up (a request waited 10 ms, at 500 MB/s).|Browser held the "
+         "most memory (5.86 GB), Editor was the busiest (3.4 cores), Editor read and wrote the most (30 GB) and you "
+         "were using Editor."},
+        {with([](auto& log) {
+             log.minutes[0].ssdWaitMicroseconds = 14'600;
+             log.minutes[0].ssdWrite = 1e6;
+             log.apps[1].diskWritten = mebibyte - 1;
+         }),
+         "The Mac was slow at 12:00: its SSD could not keep up (a request waited 15 ms, at 1 MB/s).|" + usual},
+        {with([](auto& log) {
              log.minutes[0].lagMilliseconds = 12'900;
              log.minutes[0].pressure = 2;
          }),

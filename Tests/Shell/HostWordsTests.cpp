@@ -76,6 +76,23 @@ TEST(HostWords, leaveOtherWordsAndNamesAlone) {
         EXPECT_EQ(hostWords(text), text);
 }
 
+TEST(HostWords, leaveNamesAsTheyAre) {
+    const std::vector<std::string> names{"Mac Cleaner", "Finder", "", "Editor", "Mac Cleaner Pro", "My Mac"};
+    const struct {
+        const char* text;
+        const char* words;
+    } rows[] = {
+        {"Mac Cleaner was opened.", "Mac Cleaner was opened."},
+        {"The Mac was slow: Mac Cleaner Pro held this Mac.",
+         "The computer was slow: Mac Cleaner Pro held this computer."},
+        {"My Mac and this Mac", "My Mac and this computer"},
+        {"Show in Finder", "Show in Files"}, // a name that is no more than the word is taken for the word
+        {"Editor on the Mac", "Editor on the computer"},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(hostWords(row.text, names), row.words);
+}
+
 TEST(HostWords, areIdempotent) {
     const std::string text = "macOS parks it. Mac, Finder and the Dock of this Mac: macOS version.";
     EXPECT_EQ(hostWords(hostWords(text)), hostWords(text));
@@ -83,7 +100,7 @@ TEST(HostWords, areIdempotent) {
 
 TEST(HostWords, leaveNoForeignWordInExportsAndReports) {
     auto surroundings = exampleSurroundings();
-    surroundings.hostWords = [](const std::string& text) { return hostWords(text); };
+    surroundings.hostWords = [](const auto& text, auto names) { return hostWords(text, names); };
     surroundings.driveTest = SSDSpeedTest::Result{3e9, 2e9, exampleStart};
     surroundings.topRAMSpeed = 100e9;
     ResourceExporter::Snapshot snapshot;

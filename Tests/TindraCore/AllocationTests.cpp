@@ -1,38 +1,13 @@
-// This file replaces the program's operator new by one that counts, so it holds what is asserted of allocations.
+#include "Tests/Support/AllocationCounter.h"
 #include "TindraCore/Decisions.h"
 #include "TindraCore/Rules.h"
 
-#include <cstdlib>
 #include <gtest/gtest.h>
-#include <new>
-
-namespace {
-thread_local std::size_t allocations = 0;
-}
-
-// Not inlined, or the compiler sees malloc and delete meet and warns.
-[[gnu::noinline]] void* operator new(std::size_t size) {
-    ++allocations;
-    if (void* memory = std::malloc(size == 0 ? 1 : size))
-        return memory;
-    throw std::bad_alloc();
-}
-[[gnu::noinline]] void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
 
 namespace tindra {
 namespace {
 
-template <class Work>
-std::size_t allocationsOf(const Work& work) {
-    const auto before = allocations;
-    work();
-    return allocations - before;
-}
+using kestrio::allocationsOf;
 
 TEST(Allocations, areCountedHere) {
     EXPECT_EQ(allocationsOf([] { ::operator delete(::operator new(1)); }), 1u);

@@ -102,7 +102,7 @@ std::optional<std::string> AutostartLoginItem::enable() {
                                    "Version=1.5\n"
                                    "Name=Kestrio\n"
                                    "Comment=Sees where your time goes, privately\n"
-                                   "Icon=kestrio\n"
+                                   "Icon=dev.haldorvinter.Kestrio\n"
                                    "Exec={} --login\n"
                                    "Terminal=false\n"
                                    "NoDisplay=true\n"

@@ -127,8 +127,8 @@ void DesktopNotifications::show(const Notification& notification) {
         service_->callMethodAsync("Notify")
             .onInterface(serviceName)
             .withTimeout(patience)
-            .withArguments(std::string("Kestrio"), replaces, std::string("kestrio"), notification.title, body, actions,
-                           hints, usualTime)
+            .withArguments(std::string("Kestrio"), replaces, std::string("dev.haldorvinter.Kestrio"),
+                           notification.title, body, actions, hints, usualTime)
             .uponReplyInvoke([this, id = notification.id](const sdbus::Error* error, const std::uint32_t& number) {
                 if (!error)
                     shown_[id] = number;

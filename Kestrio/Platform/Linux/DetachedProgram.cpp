@@ -25,8 +25,31 @@ std::string programPath(const std::string& name) {
     return {};
 }
 
+/// Our own environment with the changes, as "NAME=value".
+std::vector<std::string> changedEnvironment(const EnvironmentChanges& changes) {
+    std::vector<std::string> settings;
+    for (char** own = environ; *own != nullptr; ++own) {
+        const std::string_view setting(*own);
+        if (!changes.contains(std::string(setting.substr(0, setting.find('=')))))
+            settings.emplace_back(setting);
+    }
+    for (const auto& [name, value] : changes)
+        if (value)
+            settings.push_back(name + "=" + *value);
+    return settings;
+}
+
+/// As `execve` takes them. The texts must outlive the answer.
+std::vector<char*> pointers(const std::vector<std::string>& texts) {
+    std::vector<char*> result;
+    for (const auto& text : texts)
+        result.push_back(const_cast<char*>(text.c_str()));
+    result.push_back(nullptr);
+    return result;
+}
+
 /// Between `fork` and `exec` of a program with several threads, only calls that are safe in a signal handler.
-[[noreturn]] void becomeProgram(const char* path, char* const* arguments, int report) {
+[[noreturn]] void becomeProgram(const char* path, char* const* arguments, char* const* environment, int report) {
     setsid();
     const pid_t child = fork();
     if (child > 0)
@@ -40,7 +63,7 @@ std::string programPath(const std::string& name) {
         const int null = ::open("/dev/null", O_RDWR);
         for (int stream = 0; stream <= 2 && null >= 0; ++stream)
             dup2(null, stream);
-        execv(path, arguments);
+        execve(path, arguments, environment);
     }
     const int error = errno;
     if (write(report, &error, sizeof error) < 0)
@@ -50,19 +73,18 @@ std::string programPath(const std::string& name) {
 
 } // namespace
 
-bool startDetached(const std::vector<std::string>& arguments) {
+bool startDetached(const std::vector<std::string>& arguments, const EnvironmentChanges& changes) {
     const auto path = programPath(arguments.at(0));
     int report[2];
     if (path.empty() || pipe2(report, O_CLOEXEC) != 0)
         return false;
-    std::vector<char*> pointers;
-    for (const auto& argument : arguments)
-        pointers.push_back(const_cast<char*>(argument.c_str()));
-    pointers.push_back(nullptr);
+    const auto argumentPointers = pointers(arguments);
+    const auto settings = changedEnvironment(changes);
+    const auto settingPointers = pointers(settings);
 
     const pid_t child = fork();
     if (child == 0)
-        becomeProgram(path.c_str(), pointers.data(), report[1]);
+        becomeProgram(path.c_str(), argumentPointers.data(), settingPointers.data(), report[1]);
     close(report[1]);
     // The pipe closes without a word when the program has taken over.
     int error = 0;

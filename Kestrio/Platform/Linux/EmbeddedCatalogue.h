@@ -9,6 +9,7 @@ extern const std::string_view applications;
 extern const std::string_view lockScreens;
 extern const std::string_view prompts;
 extern const std::string_view essentials;
+extern const std::string_view systemMonitors;
 extern const std::string_view titleFamilies;
 
 } // namespace kestrio::embedded

@@ -4,6 +4,7 @@
 #include "Kestrio/Platform/Linux/IOPriority.h"
 #include "Kestrio/Platform/Linux/KernelText.h"
 #include "Kestrio/Platform/Linux/ProcessDescriptor.h"
+#include "Kestrio/Platform/Linux/ProcessHazards.h"
 #include "Kestrio/Platform/Linux/ProcessIdentity.h"
 #include "Kestrio/Platform/Linux/ProcessTexts.h"
 
@@ -11,6 +12,7 @@
 #include <cerrno>
 #include <ctime>
 #include <iterator>
+#include <numeric>
 #include <sched.h>
 #include <set>
 #include <signal.h>
@@ -28,32 +30,7 @@ namespace fs = std::filesystem;
 /// faster than that is not waited for.
 constexpr int mostPasses = 16;
 
-/// Deeper families exist in programs gone wild alone.
-constexpr int longestDescent = 64;
-
 constexpr pid_t firstProcess = 1;
-
-/// What `/proc/PID/stat` says of the terminal that the process hangs on.
-struct TerminalJob {
-    pid_t group = 0;
-    int terminal = 0;
-    pid_t groupInFront = 0;
-
-    bool isInFront() const { return terminal != 0 && group == groupInFront; }
-};
-
-std::optional<TerminalJob> parseTerminalJob(std::string_view stat) {
-    stat.remove_prefix(std::min(stat.rfind(')'), stat.size() - 1) + 1);
-    nextWord(stat); // state
-    nextWord(stat); // parent
-    const auto group = parsedNumber<pid_t>(nextWord(stat));
-    nextWord(stat); // session
-    const auto terminal = parsedNumber<int>(nextWord(stat));
-    const auto inFront = parsedNumber<pid_t>(nextWord(stat));
-    if (!group || !terminal || !inFront)
-        return std::nullopt;
-    return TerminalJob{*group, *terminal, *inFront};
-}
 
 /// Real, effective and saved: a program that took on somebody else's rights is not the person's alone.
 bool belongsTo(std::string_view status, uid_t owner) {
@@ -89,6 +66,22 @@ std::vector<int> coresOf(pid_t thread) {
         if (CPU_ISSET(static_cast<std::size_t>(core), &set))
             cores.push_back(core);
     return cores;
+}
+
+/// All that the machine was set up for. Cores that are not there may be asked for along with others that are.
+std::vector<int> configuredCores() {
+    std::vector<int> cores(static_cast<std::size_t>(std::clamp(sysconf(_SC_NPROCESSORS_CONF), 1L, long{CPU_SETSIZE})));
+    std::iota(cores.begin(), cores.end(), 0);
+    const auto ours = coresOf(getpid());
+    std::vector<int> all;
+    std::set_union(cores.begin(), cores.end(), ours.begin(), ours.end(), std::back_inserter(all));
+    return all;
+}
+
+/// Where `sys` says nothing of cores, there is one class of them.
+CoreClasses coreClasses(const fs::path& sys) {
+    const auto online = kernelValue(sys / "devices/system/cpu/online").value_or("");
+    return parseCoreList(online).empty() ? CoreClasses{{}, configuredCores()} : readCoreClasses(sys);
 }
 
 bool setCores(pid_t thread, const std::vector<int>& cores) {
@@ -145,7 +138,7 @@ std::vector<pid_t> numberedEntries(const fs::path& folder) {
 } // namespace
 
 LinuxProcessSignals::LinuxProcessSignals(Setup setup) : setup_(std::move(setup)) {
-    const auto classes = readCoreClasses(setup_.sys);
+    const auto classes = coreClasses(setup_.sys);
     std::set_union(classes.efficiency.begin(), classes.efficiency.end(), classes.performance.begin(),
                    classes.performance.end(), std::back_inserter(allCores_));
     slowCores_ = classes.efficiency.empty() ? lastQuarter(allCores_) : classes.efficiency;
@@ -166,18 +159,6 @@ bool LinuxProcessSignals::isOurs(ProcessKey process) const {
     return stat && stat->startTicks == process.start && !stat->isKernelThread;
 }
 
-bool LinuxProcessSignals::isAncestor(pid_t process) const {
-    pid_t at = getppid();
-    for (int step = 0; step < longestDescent && at > firstProcess; ++step) {
-        if (at == process)
-            return true;
-        const auto text = readProcessFile(setup_.processes / std::to_string(at) / "stat");
-        const auto stat = text ? parseProcessStat(*text) : std::nullopt;
-        at = stat ? stat->parent : 0;
-    }
-    return false;
-}
-
 ProcessCondition LinuxProcessSignals::condition(ProcessKey process) {
     if (process.pid <= 0)
         return ProcessCondition::gone;
@@ -187,7 +168,8 @@ ProcessCondition LinuxProcessSignals::condition(ProcessKey process) {
         return ProcessCondition::gone;
     const auto job = parseTerminalJob(*text);
     // The shell of a job in front would take the terminal back; a process under a debugger is the debugger's.
-    const bool isHarmless = job && !job->isInFront() && stat->state != 't' && !isAncestor(process.pid);
+    const bool isHarmless =
+        job && !job->isInFront() && stat->state != 't' && !isAncestor(process.pid, getpid(), setup_.processes);
     if (!isHarmless || !isOurs(process))
         return ProcessCondition::untouchable;
     return stat->state == 'T' ? ProcessCondition::stopped : ProcessCondition::running;
@@ -266,7 +248,7 @@ bool LinuxProcessSignals::slowThread(pid_t thread) const {
         any = setIOPriority(thread, ioPriority::value(ioPriority::classIdle, 0)) || any;
     if (const auto cores = slowPartOf(now->cores); cores != now->cores)
         any = setCores(thread, cores) || any;
-    return any;
+    return any || isSlowed(thread);
 }
 
 bool LinuxProcessSignals::slow(ProcessKey process) {

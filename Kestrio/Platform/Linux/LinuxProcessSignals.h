@@ -47,7 +47,6 @@ private:
     };
 
     bool isOurs(ProcessKey process) const;
-    bool isAncestor(pid_t process) const;
     bool forEachThread(pid_t process, const std::function<bool(const Thread&)>& act) const;
     bool slowThread(pid_t thread) const;
     void restoreThread(pid_t thread, const ThreadPriority& before, const std::vector<int>& slowCores) const;

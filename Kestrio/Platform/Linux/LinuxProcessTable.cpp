@@ -228,6 +228,7 @@ void LinuxProcessTable::keepOpen(Known& known, pid_t process) {
         ++descriptors_;
 }
 
+/// A helper is often the application's own program, started by that for a part of its work.
 std::optional<pid_t> LinuxProcessTable::responsible(pid_t process) {
     const auto parentOf = [this](pid_t of) -> std::optional<pid_t> {
         const auto stat = readStat(of);
@@ -238,9 +239,12 @@ std::optional<pid_t> LinuxProcessTable::responsible(pid_t process) {
         return std::nullopt;
     pid_t at = process;
     for (int step = 0; step < longestDescent; ++step) {
-        if (identity_ && identity_->isApplicationProgram(programName(at)))
+        const auto program = programName(at);
+        const auto parentProgram = parent && *parent > firstProcess ? programName(*parent) : std::string();
+        const bool isApplication = identity_ && identity_->isApplicationProgram(program);
+        if (isApplication && parentProgram != program)
             return at;
-        if (!parent || *parent <= firstProcess || isSessionMachinery(programName(*parent)))
+        if (parentProgram.empty() || isSessionMachinery(parentProgram))
             return at;
         if (const auto unit = unitApplication(at); unit && unit != unitApplication(*parent))
             return at;

@@ -42,58 +42,22 @@ bool hasWord(std::string_view list, std::string_view word) {
 
 } // namespace
 
-ListedInhibitors::ListedInhibitors(BusConnection& bus, std::string service, std::string path,
+ListedInhibitors::ListedInhibitors(BusConnection& bus, std::string service, const std::string& path,
                                    const std::string& changes)
-    : bus_(bus), name_(std::move(service)), path_(std::move(path)) {
-    renew();
-    auto ownerMatch = bus_.match(fmt::format("type='signal',sender='org.freedesktop.DBus',"
-                                             "interface='org.freedesktop.DBus',member='NameOwnerChanged',arg0='{}'",
-                                             name_),
-                                 [this](sdbus::Message& message) { ownerChanged(message); });
-    // A bus that fails here has stopped answering: one failure costs its deadline, more would add up.
-    if (!ownerMatch)
-        return;
-    ownerMatch_ = std::move(*ownerMatch);
-    auto changesMatch = bus_.match(fmt::format("type='signal',sender='{}',path='{}',{}", name_, path_, changes),
-                                   [this](sdbus::Message&) { ask(); });
-    if (changesMatch)
-        changesMatch_ = std::move(*changesMatch);
+    : watched_(bus, std::move(service), path, changes,
+               {.ask = [this] { ask(); },
+                .forget =
+                    [this, path] {
+                        service_ = proxyOf(path);
+                        forget();
+                    }}) {
+    service_ = proxyOf(path);
 }
 
 ListedInhibitors::~ListedInhibitors() = default;
 
-void ListedInhibitors::begin() {
-    if (!ownerMatch_.isActive())
-        return;
-    names_ = sdbus::createProxy(bus_.connection(), "org.freedesktop.DBus", "/org/freedesktop/DBus");
-    bus_.perform([this](sdbus::IConnection&) {
-        names_->callMethodAsync("NameHasOwner")
-            .onInterface("org.freedesktop.DBus")
-            .withArguments(name_)
-            .uponReplyInvoke([this](const sdbus::Error* error, bool isOwned) {
-                if (!error && isOwned)
-                    ask();
-            });
-    });
-}
-
-void ListedInhibitors::renew() {
-    service_ = proxyOf(path_);
-}
-
 std::unique_ptr<sdbus::IProxy> ListedInhibitors::proxyOf(const std::string& path) {
-    return sdbus::createProxy(bus_.connection(), name_, path);
-}
-
-void ListedInhibitors::ownerChanged(sdbus::Message& message) {
-    std::string name;
-    std::string before;
-    std::string now;
-    message >> name >> before >> now;
-    renew(); // a new owner knows nothing of calls to the old one
-    forget();
-    if (!now.empty())
-        ask();
+    return watched_.proxyOf(path);
 }
 
 LogindInhibitors::LogindInhibitors(BusConnection& systemBus, uid_t user)

@@ -5,7 +5,7 @@
 // here starts one by asking.
 #pragma once
 
-#include "Kestrio/Base/Subscription.h"
+#include "Kestrio/Platform/Linux/WatchedService.h"
 #include "Kestrio/Platform/SleepInhibitors.h"
 
 #include <cstdint>
@@ -15,14 +15,7 @@
 #include <sys/types.h>
 #include <vector>
 
-namespace sdbus {
-class IProxy;
-class Message;
-} // namespace sdbus
-
 namespace kestrio {
-
-class BusConnection;
 
 class ListedInhibitors {
 public:
@@ -36,7 +29,7 @@ public:
 protected:
     /// `changes` is the rest of a match rule, for the signals of the service that announce a change. The bus must
     /// outlive this.
-    ListedInhibitors(BusConnection& bus, std::string service, std::string path, const std::string& changes);
+    ListedInhibitors(BusConnection& bus, std::string service, const std::string& path, const std::string& changes);
 
     /// Asks the service for all that is held. Called when it appeared or announced a change.
     virtual void ask() = 0;
@@ -45,23 +38,15 @@ protected:
     virtual void forget() = 0;
 
     /// To be called at the end of the constructor: asks, if the service is there.
-    void begin();
+    void begin() { watched_.begin(); }
 
-    BusConnection& bus() { return bus_; }
+    BusConnection& bus() { return watched_.bus(); }
     sdbus::IProxy& service() { return *service_; }
     std::unique_ptr<sdbus::IProxy> proxyOf(const std::string& path);
 
 private:
-    void ownerChanged(sdbus::Message& message);
-    void renew();
-
-    BusConnection& bus_;
-    const std::string name_;
-    const std::string path_;
     std::unique_ptr<sdbus::IProxy> service_;
-    std::unique_ptr<sdbus::IProxy> names_;
-    Subscription ownerMatch_;
-    Subscription changesMatch_;
+    WatchedService watched_;
 };
 
 /// systemd's login manager. Its "idle" keeps the display awake, its "sleep" the machine; a mere delay holds nothing.

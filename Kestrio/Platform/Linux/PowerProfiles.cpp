@@ -1,6 +1,7 @@
 #include "Kestrio/Platform/Linux/PowerProfiles.h"
 
 #include "Kestrio/Platform/Linux/BusConnection.h"
+#include "Kestrio/Platform/Linux/WatchedService.h"
 
 #include <chrono>
 #include <fmt/format.h>
@@ -23,54 +24,27 @@ constexpr std::chrono::seconds patience{25};
 class PowerProfiles::Service {
 public:
     Service(BusConnection& bus, std::string name, std::string path, std::function<void()> onChange)
-        : bus_(bus), name_(std::move(name)), path_(std::move(path)), onChange_(std::move(onChange)) {
-        auto ownerMatch = bus_.match(fmt::format("type='signal',sender='org.freedesktop.DBus',"
-                                                 "interface='org.freedesktop.DBus',member='NameOwnerChanged',arg0='{}'",
-                                                 name_),
-                                     [this](sdbus::Message& message) { ownerChanged(message); });
-        // A bus that fails here has stopped answering: one failure costs its deadline, more would add up.
-        if (!ownerMatch)
-            return;
-        ownerMatch_ = std::move(*ownerMatch);
-        auto changesMatch = bus_.match(
-            fmt::format("type='signal',sender='{}',path='{}',interface='{}',member='PropertiesChanged',arg0='{}'",
-                        name_, path_, propertiesInterface, name_),
-            [this](sdbus::Message&) { ask(); });
-        if (changesMatch)
-            changesMatch_ = std::move(*changesMatch);
-        askIfOwned();
+        : bus_(bus),
+          name_(std::move(name)),
+          path_(std::move(path)),
+          onChange_(std::move(onChange)),
+          watched_(bus, name_, path_,
+                   fmt::format("interface='{}',member='PropertiesChanged',arg0='{}'", propertiesInterface, name_),
+                   {.ask = [this] { ask(); }, .forget = [this] { forget(); }}) {
+        watched_.begin();
     }
 
     const std::optional<bool>& isSaving() const { return isSaving_; }
 
 private:
-    void askIfOwned() {
-        names_ = sdbus::createProxy(bus_.connection(), "org.freedesktop.DBus", "/org/freedesktop/DBus");
-        bus_.perform([this](sdbus::IConnection&) {
-            names_->callMethodAsync("NameHasOwner")
-                .onInterface("org.freedesktop.DBus")
-                .withArguments(name_)
-                .uponReplyInvoke([this](const sdbus::Error* error, bool isOwned) {
-                    if (!error && isOwned)
-                        ask();
-                });
-        });
-    }
-
-    void ownerChanged(sdbus::Message& message) {
-        std::string name;
-        std::string before;
-        std::string now;
-        message >> name >> before >> now;
-        proxy_.reset(); // a new owner knows nothing of calls to the old one
+    void forget() {
+        proxy_.reset();
         take(std::nullopt);
-        if (!now.empty())
-            ask();
     }
 
     void ask() {
         if (!proxy_)
-            proxy_ = sdbus::createProxy(bus_.connection(), name_, path_);
+            proxy_ = watched_.proxyOf(path_);
         bus_.perform([this](sdbus::IConnection&) {
             proxy_->callMethodAsync("Get")
                 .onInterface(propertiesInterface)
@@ -93,10 +67,8 @@ private:
     const std::string path_;
     const std::function<void()> onChange_;
     std::optional<bool> isSaving_;
-    std::unique_ptr<sdbus::IProxy> names_;
     std::unique_ptr<sdbus::IProxy> proxy_;
-    Subscription ownerMatch_;
-    Subscription changesMatch_;
+    WatchedService watched_;
 };
 
 PowerProfiles::PowerProfiles(BusConnection& systemBus) {

@@ -2,7 +2,6 @@
 
 #include "Kestrio/Base/Clock.h"
 #include "Kestrio/Platform/Linux/Locations.h"
-#include "Kestrio/Platform/Linux/ProcessIdentity.h"
 #include "Kestrio/Platform/Linux/PulseTraces.h"
 #include "Kestrio/Platform/Linux/ResponsibleProcess.h"
 
@@ -225,11 +224,7 @@ private:
 
     /// To the server the streams of a stopped process look as if they went on.
     bool isStopped(const ApplicationTrace& trace) const {
-        if (!trace.process)
-            return false;
-        const auto stat = readProcessFile(options_.processes / std::to_string(*trace.process) / "stat");
-        const auto descent = stat ? processDescent(*stat) : std::nullopt;
-        return descent && descent->state == 'T';
+        return trace.process && isProcessStopped(*trace.process, options_.processes);
     }
 
     bool isWorthAnAttempt() const { return !options_.server.empty() || isServerLikely(); }

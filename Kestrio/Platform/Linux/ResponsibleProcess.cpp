@@ -58,6 +58,12 @@ std::optional<ProcessDescent> processDescent(std::string_view stat) {
     return error == std::errc() && descent.parent >= 0 ? std::optional(descent) : std::nullopt;
 }
 
+bool isProcessStopped(pid_t process, const std::filesystem::path& root) {
+    const auto stat = readProcessFile(root / std::to_string(process) / "stat");
+    const auto descent = stat ? processDescent(*stat) : std::nullopt;
+    return descent && (descent->state == 'T' || descent->state == 't');
+}
+
 std::vector<pid_t> responsibleProcesses(pid_t process, const std::filesystem::path& root) {
     std::vector<pid_t> line;
     auto current = read(process, root);

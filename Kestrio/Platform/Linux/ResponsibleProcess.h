@@ -20,6 +20,9 @@ struct ProcessDescent {
 };
 std::optional<ProcessDescent> processDescent(std::string_view stat);
 
+/// Whether somebody has stopped the process, so that it answers nobody. False for one that is gone.
+bool isProcessStopped(pid_t process, const std::filesystem::path& root = "/proc");
+
 /// The process and those that it works for, nearest first; the last one is the responsible process: the one that the
 /// desktop made an application's control group for, else the highest below the session's own machinery. Empty when the
 /// process is gone, or is such machinery itself. `root` is `/proc`, or a folder like it.

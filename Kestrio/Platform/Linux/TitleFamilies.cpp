@@ -1,20 +1,9 @@
 #include "Kestrio/Platform/Linux/TitleFamilies.h"
 
+#include "Kestrio/Platform/Linux/CatalogueLines.h"
 #include "Kestrio/Platform/Linux/EmbeddedCatalogue.h"
 
-#include <algorithm>
-
 namespace kestrio {
-namespace {
-
-/// Cuts the text at the first separator and hands back what stood before it.
-std::string_view takeUpTo(char separator, std::string_view& text) {
-    const auto piece = text.substr(0, text.find(separator));
-    text.remove_prefix(std::min(piece.size() + 1, text.size()));
-    return piece;
-}
-
-} // namespace
 
 std::vector<TitleFamilyMember> titleFamilyMembers() {
     return parseTitleFamilies(embedded::titleFamilies);
@@ -22,14 +11,8 @@ std::vector<TitleFamilyMember> titleFamilyMembers() {
 
 std::vector<TitleFamilyMember> parseTitleFamilies(std::string_view text) {
     std::vector<TitleFamilyMember> members;
-    while (!text.empty()) {
-        auto line = takeUpTo('\n', text);
-        if (line.starts_with('#'))
-            continue;
-        const auto family = takeUpTo('\t', line);
-        while (!line.empty())
-            members.push_back({takeUpTo('\t', line), family});
-    }
+    visitCatalogueLines(
+        text, [&](std::string_view family, std::string_view bundleID) { members.push_back({bundleID, family}); });
     return members;
 }
 

@@ -1,19 +1,8 @@
 #include "Kestrio/Views/Design/Categories.h"
 
-namespace kestrio {
+#include "Kestrio/Views/Values/Shown.h"
 
-QString colorName(SystemColor color) {
-    switch (color) {
-    case SystemColor::blue: return "blue";
-    case SystemColor::teal: return "teal";
-    case SystemColor::purple: return "purple";
-    case SystemColor::orange: return "orange";
-    case SystemColor::red: return "red";
-    case SystemColor::brown: return "brown";
-    case SystemColor::gray: return "gray";
-    }
-    return "gray";
-}
+namespace kestrio {
 
 QString Categories::colorName(const QString& category) const {
     return kestrio::colorName(color(activityCategory(category.toStdString()).value_or(ActivityCategory::other)));

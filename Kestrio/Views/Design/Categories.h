@@ -1,16 +1,11 @@
 // What QML asks about categories: the singleton `Categories`. Main thread.
 #pragma once
 
-#include "Kestrio/Model/Models.h"
-
 #include <QtCore/QObject>
 #include <QtCore/QString>
 #include <QtQml/qqmlregistration.h>
 
 namespace kestrio {
-
-/// By which the theme knows the colour.
-QString colorName(SystemColor color);
 
 class Categories : public QObject {
     Q_OBJECT

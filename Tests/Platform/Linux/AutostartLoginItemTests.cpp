@@ -21,7 +21,7 @@ TEST(AutostartLoginItem, writesAnEntryThatStartsTheProgramQuietly) {
                                                     "Version=1.5\n"
                                                     "Name=Kestrio\n"
                                                     "Comment=Sees where your time goes, privately\n"
-                                                    "Icon=kestrio\n"
+                                                    "Icon=dev.haldorvinter.Kestrio\n"
                                                     "Exec=\"/opt/My Apps/kestrio\" --login\n"
                                                     "Terminal=false\n"
                                                     "NoDisplay=true\n"

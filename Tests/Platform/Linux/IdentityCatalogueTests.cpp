@@ -211,5 +211,10 @@ TEST(DesktopCategories, suggestAnActivityCategory) {
         EXPECT_EQ(categoryOfDesktopCategories(row.categories), row.category) << row.categories;
 }
 
+TEST(IdentityCatalogue, knowsThisProgramsOwnWindows) {
+    for (const auto* name : {"kestrio", "Kestrio", "kestrio-window"})
+        EXPECT_EQ(IdentityCatalogue::builtIn().identifier(name), "dev.haldorvinter.Kestrio") << name;
+}
+
 } // namespace
 } // namespace kestrio

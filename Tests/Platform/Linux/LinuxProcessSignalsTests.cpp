@@ -381,14 +381,26 @@ TEST(LinuxProcessSignals, restoresAThreadThatWasStartedWhileSlow) {
 }
 
 TEST(LinuxProcessSignals, restoresWithDamagedWordsWhatIsUsualWhereAThreadStandsSlowed) {
-    LinuxProcessSignals signals({});
-    const Child child([] {});
-    const auto key = keyOf(child.process());
-    const auto usual = prioritiesOf(child.process());
-    signals.slow(key);
-    EXPECT_NE(prioritiesOf(child.process()), usual);
-    EXPECT_TRUE(signals.restore(key, {"dam/ag@ed"}));
-    EXPECT_EQ(prioritiesOf(child.process()), usual);
+    const TemporaryFolder sysThatIsEmpty;
+    for (const std::filesystem::path& sys : {std::filesystem::path("/sys"), sysThatIsEmpty.path()}) {
+        SCOPED_TRACE(sys);
+        LinuxProcessSignals signals({.processes = "/proc", .sys = sys});
+        const Child child([] {});
+        const auto key = keyOf(child.process());
+        const auto usual = prioritiesOf(child.process());
+        signals.slow(key);
+        EXPECT_NE(prioritiesOf(child.process()), usual);
+        EXPECT_TRUE(signals.restore(key, {"dam/ag@ed"}));
+        EXPECT_EQ(prioritiesOf(child.process()), usual);
+    }
+}
+
+TEST(LinuxProcessSignals, knowsTheCoresWhereTheSystemDoesNotListThem) {
+    const TemporaryFolder sys;
+    const LinuxProcessSignals listed({});
+    EXPECT_EQ(LinuxProcessSignals({.processes = "/proc", .sys = sys.path()}).slowCores(), listed.slowCores());
+    sys.write("devices/system/cpu/online", "nonsense\n");
+    EXPECT_EQ(LinuxProcessSignals({.processes = "/proc", .sys = sys.path()}).slowCores(), listed.slowCores());
 }
 
 TEST(LinuxProcessSignals, restoresNothingOfAProcessThatWasNeverSlowed) {
@@ -424,9 +436,10 @@ struct CoresRow {
 };
 
 const CoresRow coresRows[] = {
-    {"0", "", {0}},    {"0-1", "", {1}},     {"0-3", "", {3}},
-    {"0-6", "", {6}},  {"0-7", "", {6, 7}},  {"0-15", "", {12, 13, 14, 15}},
-    {"", "", {0}},     {"0-1,4-5", "", {5}}, {"0-15", "8-15", {8, 9, 10, 11, 12, 13, 14, 15}},
+    {"0", "", {0}},       {"0-1", "", {1}},
+    {"0-3", "", {3}},     {"0-6", "", {6}},
+    {"0-7", "", {6, 7}},  {"0-15", "", {12, 13, 14, 15}},
+    {"0-1,4-5", "", {5}}, {"0-15", "8-15", {8, 9, 10, 11, 12, 13, 14, 15}},
     {"0-3", "2", {2}},
 };
 

@@ -397,6 +397,21 @@ TEST(ResponsibleProcess, isTheNearestApplicationThatPeopleStart) {
         EXPECT_EQ(table.responsible(process), responsible) << process;
 }
 
+TEST(ResponsibleProcess, isTheFirstOfThoseThatRunTheSameApplication) {
+    InstalledSystem system;
+    system.runProgram(10, 1, "/usr/bin/terminal");
+    system.runProgram(11, 10, "/usr/bin/bash");
+    system.runProgram(20, 11, "/usr/bin/browser");
+    system.runProgram(21, 20, "/usr/bin/browser");
+    system.runProgram(22, 21, "/usr/bin/browser");
+    system.runProgram(23, 22, "/usr/lib/browser/tab");
+    system.runProgram(30, 11, "/usr/bin/terminal"); // another one, started from the first
+    auto table = system.table(&system.identity);
+    const std::vector<std::pair<pid_t, pid_t>> rows{{20, 20}, {21, 20}, {22, 20}, {23, 20}, {30, 30}};
+    for (const auto& [process, responsible] : rows)
+        EXPECT_EQ(table.responsible(process), responsible) << process;
+}
+
 TEST(ProcessApplication, isWhatIsInstalled) {
     InstalledSystem system;
     system.runProgram(10, 1, "/usr/bin/painter");

@@ -110,6 +110,10 @@ void MockLogind::prepareForSleep(bool sleeping) {
     manager_->emitSignal("PrepareForSleep").onInterface(managerInterface).withArguments(sleeping);
 }
 
+void MockLogind::prepareForShutdown(bool isNear) {
+    manager_->emitSignal("PrepareForShutdown").onInterface(managerInterface).withArguments(isNear);
+}
+
 void MockLogind::requestLock() {
     session_->emitSignal("Lock").onInterface(sessionInterface);
 }

@@ -31,6 +31,7 @@ public:
     MockLogind& operator=(const MockLogind&) = delete;
 
     void prepareForSleep(bool sleeping);
+    void prepareForShutdown(bool isNear);
     void requestLock();
     void requestUnlock();
     void setLockedHint(bool locked);

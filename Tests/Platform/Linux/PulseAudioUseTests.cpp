@@ -11,6 +11,7 @@
 #include <cmath>
 #include <csignal>
 #include <cstdint>
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <pulse/pulseaudio.h>
 #include <sys/wait.h>
@@ -95,10 +96,11 @@ private:
         for (std::uint32_t i = 0; i < samples; ++i)
             sound += half(static_cast<std::uint32_t>(
                 static_cast<std::int32_t>(std::lround(loudness * 30000 * std::sin(0.35 * i)))));
-        return folder_.write("tone.wav", "RIFF" + word(static_cast<std::uint32_t>(sound.size()) + 36) + "WAVEfmt " +
-                                             word(16) + half(1) + half(1) + word(rate) + word(rate * 2) + half(2) +
-                                             half(16) + "data" + word(static_cast<std::uint32_t>(sound.size())) +
-                                             sound);
+        // A file of its own for each loudness: a player may not have read its one yet.
+        return folder_.write(fmt::format("tone {}.wav", loudness),
+                             "RIFF" + word(static_cast<std::uint32_t>(sound.size()) + 36) + "WAVEfmt " + word(16) +
+                                 half(1) + half(1) + word(rate) + word(rate * 2) + half(2) + half(16) + "data" +
+                                 word(static_cast<std::uint32_t>(sound.size())) + sound);
     }
 
     TemporaryFolder folder_;

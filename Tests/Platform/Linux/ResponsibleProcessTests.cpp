@@ -49,6 +49,16 @@ TEST(SessionMachinery, isKnownByTheShortNameThatTheKernelKeeps) {
         EXPECT_FALSE(isSessionMachinery(application)) << application;
 }
 
+TEST(StoppedProcess, isToldByTheKernelsLetter) {
+    const TemporaryFolder folder;
+    const std::pair<const char*, bool> rows[] = {{"T", true}, {"t", true}, {"S", false}, {"R", false}, {"Z", false}};
+    for (const auto& [letter, isStopped] : rows) {
+        folder.write("12/stat", std::string("12 (a) b) ") + letter + " 7 12 12 0");
+        EXPECT_EQ(isProcessStopped(12, folder.path()), isStopped) << letter;
+    }
+    EXPECT_FALSE(isProcessStopped(13, folder.path()));
+}
+
 /// A folder like `/proc`.
 struct Tree {
     TemporaryFolder folder;

@@ -613,6 +613,20 @@ TEST(DetachedProgram, runsOnItsOwnAndLeavesNothingToWaitFor) {
     EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
 }
 
+TEST(DetachedProgram, findsItsEnvironmentChanged) {
+    const TemporaryFolder folder;
+    const auto file = (folder.path() / "environment").string();
+    setenv("KESTRIO_TEST_KEPT", "kept", 1);
+    setenv("KESTRIO_TEST_GONE", "still here", 1);
+    const EnvironmentChanges changes{{"KESTRIO_TEST_GONE", std::nullopt}, {"KESTRIO_TEST_NEW", "a value"}};
+    const auto script = R"(echo "$KESTRIO_TEST_KEPT, ${KESTRIO_TEST_GONE-gone}, $KESTRIO_TEST_NEW" > "$1")";
+    ASSERT_TRUE(startDetached({"sh", "-c", script, "sh", file}, changes));
+    EXPECT_TRUE(comesTrue([&] { return std::filesystem::exists(file) && !fileText(file).empty(); }));
+    EXPECT_EQ(fileText(file), "kept, gone, a value\n");
+    unsetenv("KESTRIO_TEST_KEPT");
+    unsetenv("KESTRIO_TEST_GONE");
+}
+
 TEST(DetachedProgram, thatCannotBeStartedIsSaid) {
     const TemporaryFolder folder;
     const auto data = folder.write("data", "no program");

@@ -1,3 +1,4 @@
+#include "Kestrio/Model/Models.h"
 #include "Kestrio/Views/Design/Categories.h"
 #include "Tests/Views/Design/Stage.h"
 

@@ -1,0 +1,89 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Layouts
+import Kestrio.Design
+import Kestrio.Window
+
+// What stands beside the sidebar: the bands, the controls of the range, the page, the credit line.
+ColumnLayout {
+    id: detail
+
+    required property DashboardModel model
+
+    spacing: 0
+
+    PageHeader {
+        Layout.fillWidth: true
+        Layout.leftMargin: Theme.xl
+        Layout.rightMargin: Theme.xl
+        Layout.topMargin: Theme.l
+        model: detail.model
+    }
+
+    Banner {
+        Layout.fillWidth: true
+        Layout.leftMargin: Theme.xl
+        Layout.rightMargin: Theme.xl
+        Layout.topMargin: Theme.m
+        value: detail.model.agentNotice
+        visible: value !== undefined
+
+        onActivated: detail.model.startAgent()
+    }
+
+    Banner {
+        Layout.fillWidth: true
+        Layout.leftMargin: Theme.xl
+        Layout.rightMargin: Theme.xl
+        Layout.topMargin: Theme.m
+        value: detail.model.permissionBanner
+        visible: value !== undefined
+
+        onActivated: index => detail.model.actOnBanner(value.buttons[index].action)
+    }
+
+    Item {
+        Layout.fillWidth: true
+        Layout.preferredHeight: Theme.m
+
+        LoadingBar {
+            anchors.bottom: parent.bottom
+            anchors.left: parent.left
+            anchors.right: parent.right
+            name: detail.model.words.loadingName
+            running: detail.model.isLoading
+        }
+    }
+
+    Loader {
+        id: page
+
+        function load() {
+            setSource(detail.model.pageSource, {
+                "page": detail.model.page
+            });
+        }
+
+        Layout.fillHeight: true
+        Layout.fillWidth: true
+
+        Component.onCompleted: load()
+
+        Connections {
+            function onPageChanged() {
+                page.load();
+            }
+
+            target: detail.model
+        }
+    }
+
+    CreditLine {
+        Layout.alignment: Qt.AlignHCenter
+        Layout.bottomMargin: Theme.xs
+        Layout.topMargin: Theme.xs
+
+        onAboutRequested: detail.model.openAbout()
+    }
+}

@@ -1,0 +1,63 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Kestrio.Window
+
+// What can be done from anywhere in the dashboard by keys: the controls of the range, the way through the pages.
+Item {
+    id: shortcuts
+
+    required property DashboardModel model
+    readonly property var controls: model.dateControls
+
+    signal closeRequested
+
+    component ControlShortcut: Shortcut {
+        required property var control
+
+        enabled: shortcuts.model.isReportPage && control.isEnabled
+        sequence: "Ctrl+" + control.key.toUpperCase()
+    }
+
+    ControlShortcut {
+        control: shortcuts.controls.previous
+
+        onActivated: shortcuts.model.step(-1)
+    }
+
+    ControlShortcut {
+        control: shortcuts.controls.next
+
+        onActivated: shortcuts.model.step(1)
+    }
+
+    ControlShortcut {
+        control: shortcuts.controls.today
+
+        onActivated: shortcuts.model.showToday()
+    }
+
+    ControlShortcut {
+        control: shortcuts.controls.refresh
+
+        onActivated: shortcuts.model.refresh()
+    }
+
+    Shortcut {
+        sequence: "Ctrl+PgUp"
+
+        onActivated: shortcuts.model.selectNeighbour(-1)
+    }
+
+    Shortcut {
+        sequence: "Ctrl+PgDown"
+
+        onActivated: shortcuts.model.selectNeighbour(1)
+    }
+
+    Shortcut {
+        sequences: [StandardKey.Close]
+
+        onActivated: shortcuts.closeRequested()
+    }
+}

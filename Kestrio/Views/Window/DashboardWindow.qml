@@ -1,0 +1,56 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Layouts
+import QtQuick.Window
+import Kestrio.Design
+import Kestrio.Window
+
+// The dashboard: the sidebar with what is being recorded, and beside it the page of the picked section.
+Window {
+    id: window
+
+    required property DashboardModel model
+
+    LayoutMirroring.childrenInherit: true
+    LayoutMirroring.enabled: Qt.application.layoutDirection === Qt.RightToLeft
+    color: Theme.window
+    height: model.size.height
+    minimumHeight: 480
+    minimumWidth: 720
+    title: model.words.windowTitle
+    width: model.size.width
+
+    onClosing: {
+        if (visibility === Window.Windowed)
+            model.rememberSize(Qt.size(width, height));
+    }
+    onVisibilityChanged: model.setOnScreen(visibility !== Window.Hidden && visibility !== Window.Minimized)
+
+    DashboardShortcuts {
+        model: window.model
+
+        onCloseRequested: window.close()
+    }
+
+    RowLayout {
+        anchors.fill: parent
+        spacing: 0
+
+        Sidebar {
+            Layout.fillHeight: true
+            Layout.preferredWidth: Math.min(Theme.scaled(216), window.width * 0.4)
+            model: window.model
+        }
+
+        Hairline {
+            Layout.fillHeight: true
+        }
+
+        DashboardDetail {
+            Layout.fillHeight: true
+            Layout.fillWidth: true
+            model: window.model
+        }
+    }
+}

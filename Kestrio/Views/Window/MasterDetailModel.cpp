@@ -1,0 +1,84 @@
+#include "Kestrio/Views/Window/MasterDetailModel.h"
+
+#include "Kestrio/Views/Charts/ChartValues.h"
+
+namespace kestrio {
+
+void MasterDetailModel::refresh() {
+    refreshList();
+    refreshDetail();
+}
+
+void MasterDetailModel::refreshList() {
+    auto made = list(ItemFilter(listFilter_.toStdString()));
+    empty_ = toVariant(made.empty);
+    message_ = made.message ? shown(*made.message) : QString();
+    rows_.set(std::move(made.rows));
+    findSelection();
+    Q_EMIT refreshed();
+}
+
+void MasterDetailModel::refreshDetail() {
+    auto made = selection_.isEmpty() ? std::nullopt : detailOf(selectedKey(), ItemFilter(filter_.toStdString()));
+    setTrend(made ? std::move(made->trend) : UsageTrend());
+    setDetail(made ? QVariant(std::move(made->fields)) : QVariant());
+}
+
+/// Whoever reads what has not changed is not disturbed.
+void MasterDetailModel::setDetail(QVariant detail) {
+    if (detail == detail_)
+        return;
+    detail_ = std::move(detail);
+    Q_EMIT detailChanged();
+}
+
+void MasterDetailModel::setTrend(UsageTrend trend) {
+    if (trend == trend_)
+        return;
+    trend_ = std::move(trend);
+    trendValue_ = toVariant(trend_);
+    Q_EMIT trendChanged();
+}
+
+void MasterDetailModel::findSelection() {
+    const auto found = std::ranges::find(rows_.rows(), selectedKey(), &UsageRow::key);
+    const int place =
+        found == rows_.rows().end() || selection_.isEmpty() ? -1 : static_cast<int>(found - rows_.rows().begin());
+    if (std::exchange(selectedPlace_, place) != place)
+        Q_EMIT selectedPlaceChanged();
+}
+
+void MasterDetailModel::setListFilter(const QString& typed) {
+    if (typed == listFilter_)
+        return;
+    listFilter_ = typed;
+    Q_EMIT listFilterChanged();
+    refreshList();
+}
+
+void MasterDetailModel::select(const QString& key) {
+    if (key == selection_)
+        return;
+    selection_ = key;
+    filter_.clear();
+    setDetail({}); // so that the pane of the new one is made anew, with nothing of the old one in it
+    Q_EMIT selectionChanged();
+    Q_EMIT filterChanged();
+    findSelection();
+    refreshDetail();
+}
+
+void MasterDetailModel::selectPlace(int place) {
+    if (place >= 0 && place < rows_.count())
+        select(plain(rows_.rows()[static_cast<std::size_t>(place)].key));
+}
+
+void MasterDetailModel::setFilter(const QString& typed) {
+    if (typed == filter_)
+        return;
+    filter_ = typed;
+    Q_EMIT filterChanged();
+    refreshDetail();
+}
+
+} // namespace kestrio

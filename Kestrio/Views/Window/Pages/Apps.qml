@@ -1,0 +1,16 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Layouts
+import Kestrio.Design
+import Kestrio.Window
+
+MasterDetail {
+    id: view
+
+    required property AppsModel page
+
+    listName: page.listName
+    model: page
+    pane: Qt.resolvedUrl("../AppPane.qml")
+}

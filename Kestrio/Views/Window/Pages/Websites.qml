@@ -1,0 +1,17 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Layouts
+import Kestrio.Design
+import Kestrio.Window
+
+MasterDetail {
+    id: view
+
+    required property WebsitesModel page
+
+    hasListFilter: true
+    listName: page.listName
+    model: page
+    pane: Qt.resolvedUrl("../WebsitePane.qml")
+}

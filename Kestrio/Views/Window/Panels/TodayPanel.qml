@@ -1,0 +1,150 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Layouts
+import Kestrio.Design
+import Kestrio.Window
+
+// Today at a glance, what is being recorded right now, and the ways on from there.
+PanelWindow {
+    id: window
+
+    required property TodayPanelModel model
+    readonly property var panel: model.panel
+
+    panelModel: model
+    title: panel.title
+
+    foot: [
+        PlainButton {
+            help: window.panel.dashboard.help
+            prominent: true
+            symbol: window.panel.dashboard.symbol
+            text: window.panel.dashboard.title
+
+            onClicked: window.model.openDashboard()
+        },
+        PlainButton {
+            enabled: window.panel.pauseOrResume.isEnabled
+            symbol: window.panel.pauseOrResume.symbol
+            text: window.panel.pauseOrResume.title
+
+            onClicked: window.model.pauseOrResume()
+        },
+        Item {
+            Layout.fillWidth: true
+        },
+        IconButton {
+            help: window.panel.settings.title
+            symbol: window.panel.settings.symbol
+
+            onClicked: window.model.openSettings()
+        },
+        IconButton {
+            Accessible.description: help
+            Accessible.name: window.panel.quit.title
+            enabled: window.panel.quit.isEnabled
+            help: window.panel.quit.help
+            symbol: window.panel.quit.symbol
+
+            onClicked: window.model.quit()
+        }
+    ]
+    head: RowLayout {
+        Layout.bottomMargin: Theme.m
+        spacing: Theme.m
+
+        ColumnLayout {
+            spacing: 0
+
+            Line {
+                Accessible.role: Accessible.Heading
+                color: Theme.textSecondary
+                font: Theme.bodyStrong
+                text: window.panel.title
+            }
+
+            Line {
+                font: Theme.largeTitle
+                text: window.panel.activeTime
+            }
+        }
+
+        ColumnLayout {
+            Layout.alignment: Qt.AlignBottom
+            Layout.bottomMargin: Theme.xs
+            spacing: 2
+
+            Line {
+                Layout.fillWidth: true
+                color: Theme.textSecondary
+                font: Theme.small
+                horizontalAlignment: Text.AlignRight
+                text: window.panel.productive
+            }
+
+            Line {
+                Layout.fillWidth: true
+                color: Theme.textSecondary
+                font: Theme.small
+                horizontalAlignment: Text.AlignRight
+                text: window.panel.switches
+            }
+        }
+    }
+
+    ActivityLight {
+        Layout.fillWidth: true
+        value: window.panel.banner
+    }
+
+    LiveActivity {
+        Layout.fillWidth: true
+        Layout.leftMargin: Theme.xs
+        Layout.rightMargin: Theme.xs
+        value: window.panel.live
+    }
+
+    AccessibilityHint {
+        Layout.fillWidth: true
+        value: window.panel.accessibilityHint ?? ({})
+        visible: window.panel.accessibilityHint !== undefined
+
+        onAsked: window.model.allowAccessibility()
+    }
+
+    TopList {
+        Layout.fillWidth: true
+        rows: window.panel.topApps
+        title: window.panel.topAppsTitle
+    }
+
+    TopList {
+        Layout.fillWidth: true
+        rows: window.panel.topWebsites
+        title: window.panel.topWebsitesTitle
+    }
+
+    Item {
+        implicitHeight: 1
+    }
+
+    Shortcut {
+        sequence: "Ctrl+" + window.panel.dashboard.key
+
+        onActivated: window.model.openDashboard()
+    }
+
+    Shortcut {
+        sequence: "Ctrl+" + window.panel.settings.key
+
+        onActivated: window.model.openSettings()
+    }
+
+    Shortcut {
+        enabled: window.panel.quit.isEnabled
+        sequence: "Ctrl+" + window.panel.quit.key
+
+        onActivated: window.model.quit()
+    }
+}

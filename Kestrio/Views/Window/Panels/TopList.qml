@@ -1,0 +1,34 @@
+import QtQuick
+import QtQuick.Layouts
+import Kestrio.Design
+
+// The first few rows of a list under their title. Not there without any.
+ColumnLayout {
+    id: list
+
+    required property string title
+    required property var rows
+
+    Accessible.name: title
+    Accessible.role: Accessible.List
+    spacing: 2
+    visible: rows.length > 0
+
+    Line {
+        Accessible.role: Accessible.Heading
+        Layout.fillWidth: true
+        color: Theme.textSecondary
+        font: Theme.small
+        text: list.title
+    }
+
+    Repeater {
+        model: RowsModel {
+            rows: list.rows
+        }
+
+        CompactUsageRow {
+            Layout.fillWidth: true
+        }
+    }
+}

@@ -1,0 +1,41 @@
+// A loader of Qt 6.4 cannot make bound components.
+// qmllint disable unqualified
+
+import QtQuick
+import Kestrio.Design
+import Kestrio.Window
+
+// Pauses the recording for a while, or resumes it.
+Loader {
+    id: control
+
+    required property DashboardModel model
+    readonly property var value: model.pauseControl
+    readonly property bool isPaused: value?.kind === "resume"
+
+    sourceComponent: isPaused ? resume : menu
+
+    Component {
+        id: menu
+
+        MenuButton {
+            entries: control.value?.entries ?? []
+            symbol: control.value?.symbol ?? ""
+            text: control.value?.title ?? ""
+
+            onChosen: index => control.model.pause(index)
+        }
+    }
+
+    Component {
+        id: resume
+
+        PlainButton {
+            prominent: true
+            symbol: control.value?.symbol ?? ""
+            text: control.value?.title ?? ""
+
+            onClicked: control.model.resume()
+        }
+    }
+}

@@ -1,0 +1,69 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Layouts
+import Kestrio.Design
+import Kestrio.Window
+
+RowLayout {
+    id: row
+
+    required property DashboardModel model
+    readonly property var controls: model.dateControls
+
+    spacing: Theme.s
+
+    component ControlButton: IconButton {
+        required property var control
+
+        Accessible.description: control.help ?? ""
+        Accessible.name: control.title
+        enabled: control.isEnabled
+        help: control.help ?? control.title
+        symbol: control.symbol
+    }
+
+    SegmentedControl {
+        choices: row.controls.units
+        help: row.controls.rangeLabel
+
+        onChosen: index => row.model.setMode(row.controls.units[index].mode)
+    }
+
+    RowLayout {
+        spacing: 0
+
+        ControlButton {
+            control: row.controls.previous
+
+            onClicked: row.model.step(-1)
+        }
+
+        PlainButton {
+            text: row.controls.today.title
+
+            onClicked: row.model.showToday()
+        }
+
+        ControlButton {
+            control: row.controls.next
+
+            onClicked: row.model.step(1)
+        }
+    }
+
+    DatePicker {
+        date: row.model.anchor
+        help: row.controls.dateLabel
+        now: row.model.now
+        visible: row.controls.hasDatePicker
+
+        onPicked: date => row.model.pickDay(date)
+    }
+
+    ControlButton {
+        control: row.controls.refresh
+
+        onClicked: row.model.refresh()
+    }
+}

@@ -1,0 +1,57 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Layouts
+import Kestrio.Design
+import Kestrio.Window
+
+// The pages in their groups, and below them what is being recorded.
+Rectangle {
+    id: sidebar
+
+    required property DashboardModel model
+
+    color: Theme.sidebar
+
+    ColumnLayout {
+        anchors.fill: parent
+        anchors.margins: Theme.m
+        spacing: Theme.m
+
+        ScrollPane {
+            id: pane
+
+            Accessible.name: sidebar.model.words.sidebarName
+            Accessible.role: Accessible.List
+            Layout.fillHeight: true
+            Layout.fillWidth: true
+            padding: 0
+
+            Column {
+                id: groups
+
+                width: parent.width
+
+                Repeater {
+                    model: sidebar.model.groups
+
+                    SidebarGroup {
+                        dashboard: sidebar.model
+                        width: groups.width
+                    }
+                }
+            }
+        }
+
+        TrackingStatusPanel {
+            Layout.fillWidth: true
+            model: sidebar.model
+        }
+
+        PauseControl {
+            Layout.fillWidth: true
+            model: sidebar.model
+            visible: sidebar.model.pauseControl !== undefined
+        }
+    }
+}

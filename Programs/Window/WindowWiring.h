@@ -1,0 +1,40 @@
+// What the windows look at, wired to this host: the settings, the recorded sessions, the agent. Made on the main queue
+// before the first window and dropped after the last.
+#pragma once
+
+#include "Kestrio/Base/LoopQueue.h"
+#include "Kestrio/Platform/Linux/Locations.h"
+#include "Kestrio/Views/Window/WindowParts.h"
+#include "Programs/Window/SettingsRelay.h"
+#include "Programs/Window/StoredHistory.h"
+
+#include <optional>
+
+namespace kestrio {
+
+class WindowWiring {
+public:
+    /// The queue must outlive the wiring. `busAddress` is that of the session bus; absent where there is none.
+    WindowWiring(Queue& main, const Locations& locations, const std::optional<std::string>& busAddress);
+
+    const WindowParts& parts() const { return parts_; }
+
+private:
+    static bool startAgent();
+    WindowHost host(Queue& main, const Locations& locations, const std::optional<std::string>& busAddress);
+    ReportStore::Parts storeParts(Queue& main);
+
+    const SystemClock clock_;
+    const Calendar calendar_ = Calendar::current();
+    SettingsRelay settings_;
+    ClassificationSettings classification_;
+    WorkerQueue agentQueue_{"Kestrio.agent"};
+    AgentLink agent_;
+    StoredHistory history_;
+    WorkerQueue loadingQueue_{"Kestrio.reports"}; // dropped before what its work uses
+    ReportStore dashboard_;
+    ReportStore today_;
+    const WindowParts parts_;
+};
+
+} // namespace kestrio

@@ -1,0 +1,77 @@
+"""Drives a window as assistive technology does: finds what shows by name and role, and presses it. Over D-Bus alone."""
+
+import dbus
+
+from kestrio_desktop import eventually
+
+ROLES = {"push button": 43, "list item": 32, "radio button": 44, "label": 29}
+NOTHING = "/org/a11y/atspi/null"
+
+
+class Thing:
+    """Something that shows."""
+
+    def __init__(self, bus, name, path):
+        self.bus, self.owner, self.path = bus, name, path
+        self.object = bus.get_object(name, path, introspect=False)
+
+    def ask(self, property_name, interface="org.a11y.atspi.Accessible"):
+        return self.object.Get(interface, property_name, dbus_interface="org.freedesktop.DBus.Properties")
+
+    @property
+    def name(self):
+        return str(self.ask("Name"))
+
+    def role(self):
+        return int(self.object.GetRole(dbus_interface="org.a11y.atspi.Accessible"))
+
+    def children(self):
+        found = self.object.GetChildren(dbus_interface="org.a11y.atspi.Accessible")
+        return [Thing(self.bus, owner, path) for owner, path in found if str(path) != NOTHING]
+
+    def all(self):
+        yield self
+        for child in self.children():
+            try:
+                yield from child.all()
+            except dbus.DBusException:
+                continue  # it went meanwhile
+
+    def press(self):
+        self.object.DoAction(0, dbus_interface="org.a11y.atspi.Action", signature="i")
+
+
+class Screen:
+    """What the applications of this desktop show."""
+
+    def __init__(self):
+        session = dbus.bus.BusConnection(dbus.bus.BusConnection.TYPE_SESSION)
+        address = session.get_object("org.a11y.Bus", "/org/a11y/bus").GetAddress(dbus_interface="org.a11y.Bus")
+        self.bus = dbus.bus.BusConnection(str(address))
+
+    def everything(self):
+        root = Thing(self.bus, "org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root")
+        for application in root.children():
+            try:
+                if application.name == "Kestrio":
+                    yield from application.all()
+            except dbus.DBusException:
+                continue
+
+    def find(self, name, role=None):
+        for thing in self.everything():
+            try:
+                if thing.name == name and (role is None or thing.role() == ROLES[role]):
+                    return thing
+            except dbus.DBusException:
+                continue
+        return None
+
+    def shown(self, name, role=None):
+        return eventually(lambda: self.find(name, role), f"{name} shows")
+
+    def gone(self, name):
+        eventually(lambda: self.find(name) is None, f"{name} goes")
+
+    def press(self, name, role=None):
+        self.shown(name, role).press()
