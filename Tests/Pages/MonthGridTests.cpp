@@ -23,7 +23,7 @@ const MonthGrid::Day* dayOf(const MonthGrid& grid, Date start) {
 TEST(MonthGrid, beginsWithTheWeekOfTheFirstInThePersonsCalendar) {
     const auto monday = november(german);
     EXPECT_EQ(monday.title, "November 2026");
-    EXPECT_EQ(monday.weekdays, (std::vector<std::string>{"Mo", "Di", "Mi", "Do", "Fr", "Sa", "So"}));
+    EXPECT_EQ(monday.weekdays, (std::vector<std::string>{"Mo.", "Di.", "Mi.", "Do.", "Fr.", "Sa.", "So."}));
     EXPECT_EQ(monday.days.front().start, german.date(2026, 10, 26));
     EXPECT_EQ(monday.days.front().label, "26");
     EXPECT_FALSE(monday.days.front().isInMonth);
