@@ -24,8 +24,7 @@ bool canAddRule(std::string_view keyword) {
 std::vector<ProjectRule> addingRule(std::vector<ProjectRule> rules, tindra::UUID id, std::string_view keyword,
                                     std::string_view project) {
     if (canAddRule(keyword))
-        rules.push_back(
-            {id, std::string(text::trimmedOfBlanks(keyword)), std::string(text::trimmedOfBlanks(project))});
+        rules.push_back({id, std::string(text::trimmedOfBlanks(keyword)), std::string(text::trimmedOfBlanks(project))});
     return rules;
 }
 

@@ -1,5 +1,4 @@
 #include "Kestrio/Link/AgentLink.h"
-
 #include "Tests/Link/TestAgent.h"
 #include "Tests/Support/Eventually.h"
 #include "Tests/Support/PrivateBus.h"

@@ -11,10 +11,10 @@ constexpr tindra::UUID third{{3}};
 
 TEST(ProjectRulesEditor, listsTheRulesInTheirOrder) {
     const auto editor = projectRulesEditor({{first, "harbour", "Harbour"}, {second, "lunch", ""}, {third, "x", "  "}});
-    EXPECT_EQ(editor.rows,
-              (std::vector<ProjectRulesEditor::Row>{{"01000000-0000-0000-0000-000000000000", "harbour", "Harbour", false},
-                                                    {"02000000-0000-0000-0000-000000000000", "lunch", "Ignored", true},
-                                                    {"03000000-0000-0000-0000-000000000000", "x", "Ignored", true}}));
+    EXPECT_EQ(editor.rows, (std::vector<ProjectRulesEditor::Row>{
+                               {"01000000-0000-0000-0000-000000000000", "harbour", "Harbour", false},
+                               {"02000000-0000-0000-0000-000000000000", "lunch", "Ignored", true},
+                               {"03000000-0000-0000-0000-000000000000", "x", "Ignored", true}}));
     EXPECT_TRUE(projectRulesEditor({}).rows.empty());
 }
 

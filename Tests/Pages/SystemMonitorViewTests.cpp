@@ -13,10 +13,11 @@ SystemMonitorReading reading() {
     snapshot.topMemory = {{.id = "org.example.editor", .name = "Editor", .memory = 2'000'000'000, .processes = 3}};
     snapshot.topCPU = {{.id = "org.example.player", .name = "Player", .cpu = 0.2, .processes = 1}};
     snapshot.battery = BatteryInfo{.level = 80};
-    return {.state = {snapshot, {0.4, 0.42}, {{"cpu", SystemInsight::Level::warning, "cpu", "CPU has been busy (90%)."}}},
-            .chipName = "Chip 9000",
-            .cores = 8,
-            .uptime = Seconds(7'500)};
+    return {
+        .state = {snapshot, {0.4, 0.42}, {{"cpu", SystemInsight::Level::warning, "cpu", "CPU has been busy (90%)."}}},
+        .chipName = "Chip 9000",
+        .cores = 8,
+        .uptime = Seconds(7'500)};
 }
 
 SystemMonitorView view(const std::optional<SystemMonitorReading>& reading, TopAppsMode mode = TopAppsMode::memory,

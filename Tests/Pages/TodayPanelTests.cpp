@@ -81,9 +81,9 @@ TEST(TodayPanel, sumsUpTheDay) {
 TEST(TodayPanel, warnsWithoutAccessToTitles) {
     const PagesBench bench;
     const auto panel = todayPanel(ActivityReport(), {.isAccessibilityGranted = false}, bench.calendar);
-    EXPECT_EQ(panel.accessibilityHint, (PanelWarning{"exclamationmark.triangle.fill",
-                                                     "Allow Accessibility access to record window titles.", "Allow",
-                                                     std::nullopt}));
+    EXPECT_EQ(panel.accessibilityHint,
+              (PanelWarning{"exclamationmark.triangle.fill", "Allow Accessibility access to record window titles.",
+                            "Allow", std::nullopt}));
     EXPECT_EQ(panel.productive, "0% productive");
     EXPECT_TRUE(panel.topApps.empty());
 }
@@ -103,10 +103,10 @@ TEST(TodayPanel, withoutTheAgentSaysSoAndOffersNothingThatNeedsIt) {
     const PagesBench bench;
     const auto panel =
         todayPanel(ActivityReport(), {.isAgentRunning = false, .isAccessibilityGranted = false}, bench.calendar);
-    EXPECT_EQ(panel.banner,
-              (ActivityBanner{"Not running",
-                              "Red: Kestrio does not answer. Nothing is being recorded until it is started again.",
-                              false}));
+    EXPECT_EQ(
+        panel.banner,
+        (ActivityBanner{"Not running",
+                        "Red: Kestrio does not answer. Nothing is being recorded until it is started again.", false}));
     EXPECT_EQ(std::get<StateWords>(panel.live.focus), (StateWords{"Not running", "power"}));
     EXPECT_FALSE(panel.accessibilityHint) << "nobody knows";
     EXPECT_FALSE(panel.pauseOrResume.isEnabled);

@@ -1,5 +1,5 @@
-// Pictures of every view over an example history, in light and dark and at two sizes: kestrio-screenshots [FOLDER [NAME]]
-// writes them into the folder, Docs/images unless said otherwise; with a name only the view of that name.
+// Pictures of every view over an example history, in light and dark and at two sizes: kestrio-screenshots [FOLDER
+// [NAME]] writes them into the folder, Docs/images unless said otherwise; with a name only the view of that name.
 #include "Kestrio/Shell/Settings.h"
 #include "Kestrio/Views/Window/WindowApplication.h"
 #include "Kestrio/Views/Window/Windows.h"
@@ -97,7 +97,8 @@ bool take(const View& view, AppearanceMode appearance, const QDir& folder) {
     for (const auto& size : sizes) {
         window->resize(size.size);
         settle(stage);
-        const auto file = folder.filePath(QStringLiteral("%1-%2%3.png").arg(view.name, rawText(appearance), size.suffix));
+        const auto file =
+            folder.filePath(QStringLiteral("%1-%2%3.png").arg(view.name, rawText(appearance), size.suffix));
         if (!window->grabWindow().save(file)) {
             std::fprintf(stderr, "kestrio-screenshots: cannot write %s\n", qUtf8Printable(file));
             return false;

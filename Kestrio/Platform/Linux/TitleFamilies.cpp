@@ -11,8 +11,9 @@ std::vector<TitleFamilyMember> titleFamilyMembers() {
 
 std::vector<TitleFamilyMember> parseTitleFamilies(std::string_view text) {
     std::vector<TitleFamilyMember> members;
-    visitCatalogueLines(
-        text, [&](std::string_view family, std::string_view bundleID) { members.push_back({bundleID, family}); });
+    visitCatalogueLines(text, [&](std::string_view family, std::string_view bundleID) {
+        members.push_back({bundleID, family});
+    });
     return members;
 }
 

@@ -87,10 +87,7 @@ QVariant toVariant(const SystemMonitorView::Insight& insight) {
 }
 
 QVariant toVariant(const SystemMonitorView::Mode& mode) {
-    return Fields()
-        .text("mode", rawValue(mode.mode))
-        .words("title", mode.title)
-        .add("isCurrent", mode.isCurrent);
+    return Fields().text("mode", rawValue(mode.mode)).words("title", mode.title).add("isCurrent", mode.isCurrent);
 }
 
 QVariant toVariant(const BatteryRow& row) {

@@ -11,7 +11,8 @@ MasterDetailModel::List ProjectsModel::list(const ItemFilter& /*filter*/) const 
     return {.rows = std::move(std::get<ProjectsPage>(page).rows)};
 }
 
-std::optional<MasterDetailModel::Detail> ProjectsModel::detailOf(const std::string& key, const ItemFilter& filter) const {
+std::optional<MasterDetailModel::Detail> ProjectsModel::detailOf(const std::string& key,
+                                                                 const ItemFilter& filter) const {
     auto detail = projectDetail(report(), key, filter, parts().viewpoint());
     if (!detail)
         return std::nullopt;

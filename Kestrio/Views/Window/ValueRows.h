@@ -1,7 +1,7 @@
-// A list of rows of the pages as a model, each under the role `row`. The values stay as they are; what QML reads is made
-// of a row when it shows, since a month has thousands of sites. Rows are places in a ranking: when the list is replaced,
-// which happens with every fresh report, places are told of their new value instead of being made again, so that the
-// list stays where its reader scrolled it.
+// A list of rows of the pages as a model, each under the role `row`. The values stay as they are; what QML reads is
+// made of a row when it shows, since a month has thousands of sites. Rows are places in a ranking: when the list is
+// replaced, which happens with every fresh report, places are told of their new value instead of being made again, so
+// that the list stays where its reader scrolled it.
 //
 // Belongs to the main thread.
 #pragma once

@@ -12,7 +12,8 @@ MasterDetailModel::List WebsitesModel::list(const ItemFilter& filter) const {
     return {.rows = std::move(sites.rows), .message = std::move(sites.message)};
 }
 
-std::optional<MasterDetailModel::Detail> WebsitesModel::detailOf(const std::string& key, const ItemFilter& filter) const {
+std::optional<MasterDetailModel::Detail> WebsitesModel::detailOf(const std::string& key,
+                                                                 const ItemFilter& filter) const {
     const auto categories = parts().classification.categorizer().snapshot();
     const bool isOverridden = categories.domainOverrides.contains(Categorizer::normalizedDomain(key));
     const DomainSelection selection{.domain = key,

@@ -1,5 +1,6 @@
 #include "Kestrio/Model/Models.h"
 #include "Kestrio/Views/Design/Categories.h"
+#include "Kestrio/Views/Values/Shown.h"
 #include "Tests/Views/Design/Stage.h"
 
 namespace kestrio {

@@ -34,8 +34,8 @@ TEST(AppsView, aClickTellsOfTheApp) {
     screen.click("Browser");
     EXPECT_EQ(screen.model.selection(), browser);
     EXPECT_FALSE(screen.shows("Select an app"));
-    for (const auto* const text :
-         {"Websites in Browser", "Pages", "Alpha again", "Played alongside", "When", "3 sessions  ·  org.example.Browser"})
+    for (const auto* const text : {"Websites in Browser", "Pages", "Alpha again", "Played alongside", "When",
+                                   "3 sessions  ·  org.example.Browser"})
         EXPECT_TRUE(screen.shows(text)) << text;
     screen.click("Editor");
     EXPECT_TRUE(screen.shows("Windows & Activity"));
@@ -99,9 +99,9 @@ TEST(AppsView, theKeyboardWalksThroughTheList) {
     AppsScreen screen;
     screen.named("Apps", QAccessible::List)->forceActiveFocus(Qt::TabFocusReason);
     const std::pair<Qt::Key, const char*> steps[] = {
-        {Qt::Key_Down, "Browser"}, {Qt::Key_Down, "Player"},  {Qt::Key_End, "Terminal"}, {Qt::Key_Down, "Terminal"},
-        {Qt::Key_Up, "Editor"},    {Qt::Key_Home, "Browser"}, {Qt::Key_Up, "Browser"},   {Qt::Key_PageDown, "Terminal"},
-        {Qt::Key_PageUp, "Browser"}};
+        {Qt::Key_Down, "Browser"},  {Qt::Key_Down, "Player"},       {Qt::Key_End, "Terminal"},
+        {Qt::Key_Down, "Terminal"}, {Qt::Key_Up, "Editor"},         {Qt::Key_Home, "Browser"},
+        {Qt::Key_Up, "Browser"},    {Qt::Key_PageDown, "Terminal"}, {Qt::Key_PageUp, "Browser"}};
     for (const auto& [key, app] : steps) {
         screen.press(key);
         EXPECT_EQ(screen.model.selection().toStdString(), std::string("org.example.") + app) << key;

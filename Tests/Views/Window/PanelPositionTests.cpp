@@ -49,10 +49,8 @@ TEST(PanelPosition, isOnTheClickedScreen) {
         QPoint click;
         QPoint expected;
     } rows[] = {
-        {"on the first", {1200, 14}, {972, 36}},
-        {"on the second", {3000, 1070}, {2850, 532}},
-        {"below both", {900, 2150}, {750, 1642}},
-        {"between them, on the nearest", {1000, 1050}, {850, 516}},
+        {"on the first", {1200, 14}, {972, 36}},  {"on the second", {3000, 1070}, {2850, 532}},
+        {"below both", {900, 2150}, {750, 1642}}, {"between them, on the nearest", {1000, 1050}, {850, 516}},
         {"far outside", {-500, -500}, {8, 36}},
     };
     for (const auto& row : rows)
@@ -71,7 +69,8 @@ TEST(PanelPosition, withoutAClickIsWhereTheTrayMostLikelyIs) {
     const std::pair<QMargins, QPoint> rows[] = {
         {{0, 28, 0, 0}, {1612, 36}}, {{0, 0, 0, 40}, {1612, 532}}, {{0, 28, 0, 60}, {1612, 512}}, {{}, {1612, 8}}};
     for (const auto& [bar, expected] : rows)
-        EXPECT_EQ(panelPlace(std::nullopt, {screen(full, bar)})->position(panel), expected) << bar.top() << bar.bottom();
+        EXPECT_EQ(panelPlace(std::nullopt, {screen(full, bar)})->position(panel), expected)
+            << bar.top() << bar.bottom();
 }
 
 TEST(PanelPosition, aPanelThatIsTooLargeBeginsAtTheTop) {

@@ -32,8 +32,9 @@ MonitorReading reading() {
     snapshot.topMemory = {{.id = "org.example.Editor", .name = "Editor", .memory = 2'000'000'000, .processes = 3}};
     snapshot.topCPU = {{.id = "org.example.Player", .name = "Player", .cpu = 0.2, .processes = 1}};
     snapshot.battery = BatteryInfo{.level = 80};
-    return {.state = {snapshot, {0.4, 0.42}, {{"ok", SystemInsight::Level::good, "checkmark.circle",
-                                              "Everything looks healthy."}}},
+    return {.state = {snapshot,
+                      {0.4, 0.42},
+                      {{"ok", SystemInsight::Level::good, "checkmark.circle", "Everything looks healthy."}}},
             .chipName = "Chip 9000",
             .cores = 8,
             .uptime = Seconds(7'500),
@@ -70,9 +71,10 @@ struct PanelScreen : WindowStage, Screen {
 
     std::vector<std::string> opened;
     int closings = 0;
-    PanelParts panelParts{.window = parts,
-                          .openDashboard = [this](const auto& page) { opened.push_back("dashboard " + page.value_or("-")); },
-                          .openSettings = [this] { opened.push_back("settings"); }};
+    PanelParts panelParts{
+        .window = parts,
+        .openDashboard = [this](const auto& page) { opened.push_back("dashboard " + page.value_or("-")); },
+        .openSettings = [this] { opened.push_back("settings"); }};
     std::unique_ptr<Model> model;
 };
 
@@ -92,8 +94,8 @@ struct SystemScreen : PanelScreen<SystemPanelModel> {
 TEST(TodayPanelView, tellsOfTheDayAndOfThisMoment) {
     TodayScreen screen;
     for (const auto* const text :
-         {"Today", "38m", "0% productive", "Active", "Editor", "harbour.cpp", "Song of the sea", "Listening", "Top Apps",
-          "Browser", "Top Websites", "a.org", "Dashboard", "Pause tracking"})
+         {"Today", "38m", "0% productive", "Active", "Editor", "harbour.cpp", "Song of the sea", "Listening",
+          "Top Apps", "Browser", "Top Websites", "a.org", "Dashboard", "Pause tracking"})
         EXPECT_TRUE(screen.shows(text)) << text;
     EXPECT_TRUE(screen.shows("Green: you're at the computer and using Editor. Your time is being recorded."));
     EXPECT_FALSE(screen.shows("Allow"));
@@ -240,10 +242,27 @@ TEST(SystemPanelView, waitsForTheFirstReading) {
 TEST(SystemPanelView, tellsHowTheMachineIs) {
     SystemScreen screen;
     screen.read(reading());
-    for (const auto* const text :
-         {"System", "Chip 9000 · 2h 5m", "All good", "CPU", "42%", "8 cores · recent trend", "Memory", "4 GB",
-          "of 16 GB · normal", "Heat", "Storage", "Everything looks healthy.", "80% · On battery", "Top apps", "Editor",
-          "2 GB", "Optimization is on", "2 frozen (1 GB)", "Resume All", "System Monitor", "Performance"})
+    for (const auto* const text : {"System",
+                                   "Chip 9000 · 2h 5m",
+                                   "All good",
+                                   "CPU",
+                                   "42%",
+                                   "8 cores · recent trend",
+                                   "Memory",
+                                   "4 GB",
+                                   "of 16 GB · normal",
+                                   "Heat",
+                                   "Storage",
+                                   "Everything looks healthy.",
+                                   "80% · On battery",
+                                   "Top apps",
+                                   "Editor",
+                                   "2 GB",
+                                   "Optimization is on",
+                                   "2 frozen (1 GB)",
+                                   "Resume All",
+                                   "System Monitor",
+                                   "Performance"})
         EXPECT_TRUE(screen.shows(text)) << text;
 }
 

@@ -96,8 +96,9 @@ TEST(ProjectsView, listsRulesByPriorityAndRemovesThem) {
 TEST(ProjectsView, followsRulesThatOthersChange) {
     ProjectsScreen screen;
     screen.model.setShowingRules(true);
-    screen.settings.set("projectRules",
-                        SettingBytes{R"([{"id":"01000000-0000-0000-0000-000000000000","keyword":"tide","project":"Sea"}])"});
+    screen.settings.set(
+        "projectRules",
+        SettingBytes{R"([{"id":"01000000-0000-0000-0000-000000000000","keyword":"tide","project":"Sea"}])"});
     screen.settle();
     EXPECT_TRUE(screen.shows("tide"));
 }

@@ -1,6 +1,5 @@
-#include "Kestrio/Views/Window/QtQueue.h"
-
 #include "Kestrio/Base/Clock.h"
+#include "Kestrio/Views/Window/QtQueue.h"
 
 #include <QCoreApplication>
 #include <QTest>

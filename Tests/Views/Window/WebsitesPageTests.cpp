@@ -41,7 +41,8 @@ TEST(WebsitesView, aSelectionOutlivesTheFilterOfTheList) {
 TEST(WebsitesView, tellsOfTheSite) {
     WebsitesScreen screen;
     screen.click("a.org");
-    for (const auto* const text : {"Pages", "Alpha", "Played alongside", "Film", "When", "2 visits  ·  2 pages  ·  Browser"})
+    for (const auto* const text :
+         {"Pages", "Alpha", "Played alongside", "Film", "When", "2 visits  ·  2 pages  ·  Browser"})
         EXPECT_TRUE(screen.shows(text)) << text;
     screen.click("b.org");
     EXPECT_FALSE(screen.shows("Film"));

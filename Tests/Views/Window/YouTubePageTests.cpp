@@ -6,10 +6,9 @@ namespace {
 
 ReportBench& watch(ReportBench& bench, int number, double start, double length) {
     const auto id = std::to_string(10'000'000'000 + number);
-    return bench.add(start, length,
-                     {.app = "Browser",
-                      .title = "Video " + std::to_string(number),
-                      .url = "https://www.youtube.com/watch?v=" + id});
+    return bench.add(
+        start, length,
+        {.app = "Browser", .title = "Video " + std::to_string(number), .url = "https://www.youtube.com/watch?v=" + id});
 }
 
 /// So many videos, the first one longest and the last one latest.
@@ -27,7 +26,13 @@ std::vector<ActivitySession> watched(int count) {
 struct YouTubeScreen : PageScreen<YouTubeModel> {
     explicit YouTubeScreen(std::vector<ActivitySession> history) : PageScreen("YouTube", std::move(history)) {}
 
-    std::string first() { return model.videos()->data(model.videos()->index(0), RowList::rowRole).toMap()["title"].toString().toStdString(); }
+    std::string first() {
+        return model.videos()
+            ->data(model.videos()->index(0), RowList::rowRole)
+            .toMap()["title"]
+            .toString()
+            .toStdString();
+    }
 };
 
 TEST(YouTubeView, withoutAnythingSaysSo) {
@@ -76,7 +81,10 @@ TEST(YouTubeView, showsALongListInPortions) {
 TEST(YouTubeView, asksForPicturesOnlyWhereTheyAreWanted) {
     YouTubeScreen screen(watched(1));
     const auto url = [&] {
-        return screen.model.videos()->data(screen.model.videos()->index(0), RowList::rowRole).toMap()["thumbnail"].toMap()["url"];
+        return screen.model.videos()
+            ->data(screen.model.videos()->index(0), RowList::rowRole)
+            .toMap()["thumbnail"]
+            .toMap()["url"];
     };
     EXPECT_FALSE(url().isValid());
 }

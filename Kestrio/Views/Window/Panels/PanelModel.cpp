@@ -22,18 +22,18 @@ void PanelModel::openSettings() {
 }
 
 void PanelModel::act(std::function<Background::Failure(Background&)> action, std::function<void()> done) {
-    parts_.window.agent.ask(
-        std::move(action), [weak = std::weak_ptr(self_), done = std::move(done)](std::optional<Background::Failure> answer) {
-            const auto self = weak.lock();
-            if (!self)
-                return;
-            auto& model = **self;
-            const auto failure = answer ? *answer : Background::Failure(TodayPanel::noAnswer);
-            model.failure_ = failure ? shown(*failure) : QString();
-            Q_EMIT model.failureChanged();
-            if (!failure)
-                done();
-        });
+    parts_.window.agent.ask(std::move(action), [weak = std::weak_ptr(self_),
+                                                done = std::move(done)](std::optional<Background::Failure> answer) {
+        const auto self = weak.lock();
+        if (!self)
+            return;
+        auto& model = **self;
+        const auto failure = answer ? *answer : Background::Failure(TodayPanel::noAnswer);
+        model.failure_ = failure ? shown(*failure) : QString();
+        Q_EMIT model.failureChanged();
+        if (!failure)
+            done();
+    });
 }
 
 } // namespace kestrio

@@ -1,5 +1,5 @@
-// What both panels have in common: they know whether they are seen, work only then, and pass on what the agent would not
-// do.
+// What both panels have in common: they know whether they are seen, work only then, and pass on what the agent would
+// not do.
 //
 // Belongs to the main queue; the parts outlive it.
 #pragma once
@@ -46,7 +46,8 @@ protected:
     void leaveFor(const std::function<void()>& open);
 
     /// Has the agent do something that can fail. `done` is called when it was done.
-    void act(std::function<Background::Failure(Background&)> action, std::function<void()> done = [] {});
+    void act(
+        std::function<Background::Failure(Background&)> action, std::function<void()> done = [] {});
 
 private:
     const PanelParts& parts_;

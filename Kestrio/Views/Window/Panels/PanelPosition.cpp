@@ -23,7 +23,8 @@ int distance(const QRect& rectangle, QPoint point) {
 
 QPoint inUnits(QPoint click, const PanelScreen& screen) {
     const auto offset = QPointF(click - screen.whole.topLeft()) / screen.scale;
-    return screen.whole.topLeft() + QPoint(static_cast<int>(std::floor(offset.x())), static_cast<int>(std::floor(offset.y())));
+    return screen.whole.topLeft() +
+           QPoint(static_cast<int>(std::floor(offset.x())), static_cast<int>(std::floor(offset.y())));
 }
 
 /// The edge with the bar that the point is in; where it is in none, the nearest edge. Of two the upper or lower one,
@@ -31,9 +32,9 @@ QPoint inUnits(QPoint click, const PanelScreen& screen) {
 Qt::Edge edgeOf(const PanelScreen& screen, QPoint point) {
     using Distance = std::pair<int, Qt::Edge>;
     const auto distances = [&](const QRect& area) {
-        return std::array{Distance(point.y() - area.top(), Qt::TopEdge), Distance(area.bottom() - point.y(), Qt::BottomEdge),
-                          Distance(area.right() - point.x(), Qt::RightEdge),
-                          Distance(point.x() - area.left(), Qt::LeftEdge)};
+        return std::array{
+            Distance(point.y() - area.top(), Qt::TopEdge), Distance(area.bottom() - point.y(), Qt::BottomEdge),
+            Distance(area.right() - point.x(), Qt::RightEdge), Distance(point.x() - area.left(), Qt::LeftEdge)};
     };
     for (const auto& [inside, edge] : distances(screen.work))
         if (inside < 0)

@@ -42,7 +42,8 @@ void SystemPanelModel::accept(const MonitorReading& reading) {
 }
 
 void SystemPanelModel::refresh() {
-    const auto app = parts().window.host.openActivityMonitor ? ActivityMonitorApp::installed : ActivityMonitorApp::missing;
+    const auto app =
+        parts().window.host.openActivityMonitor ? ActivityMonitorApp::installed : ActivityMonitorApp::missing;
     setPanel(toVariant(systemMonitorView(reading_, mode_, app, parts().window.calendar)));
 }
 

@@ -31,7 +31,7 @@ private:
 
     TopAppsMode mode_ = TopAppsMode::memory;
     std::optional<SystemMonitorReading> reading_;
-    std::vector<Subscription> tokens_; // while it is shown
+    std::vector<Subscription> tokens_;                                                    // while it is shown
     std::shared_ptr<SystemPanelModel*> self_ = std::make_shared<SystemPanelModel*>(this); // readings hold it weakly
 };
 

@@ -46,8 +46,8 @@ void TodayPanelModel::refresh() {
     PanelState state{.isAgentRunning = window.agent.presence().value() != AgentLink::Presence::absent,
                      .accessibilityAdvice = advice_,
                      .idleLimit = idleLimit(window.settings),
-                     .thumbnails = window.settings.boolean(settingKey::showYouTubeThumbnails) ? Thumbnails::on
-                                                                                               : Thumbnails::off};
+                     .thumbnails =
+                         window.settings.boolean(settingKey::showYouTubeThumbnails) ? Thumbnails::on : Thumbnails::off};
     if (status) {
         state.state = status->state;
         state.pausedUntil = status->pausedUntil;
