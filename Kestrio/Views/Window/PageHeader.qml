@@ -25,6 +25,7 @@ Item {
         width: header.isWide && buttons.visible ? header.width - buttons.width - Theme.l : header.width
 
         Line {
+            Accessible.name: text
             Accessible.role: Accessible.Heading
             Layout.fillWidth: true
             font: Theme.title
