@@ -55,7 +55,7 @@ TEST(WebsitesView, changesTheCategoryOfTheSite) {
     screen.settle();
     EXPECT_EQ(screen.settings.get<SettingDictionary>("domainCategoryOverrides"),
               (SettingDictionary{{"b.org", "work"}}));
-    EXPECT_TRUE(screen.shows("Work screen.shows("Work") Docs"));
+    EXPECT_TRUE(screen.shows("Work & Docs"));
     screen.model.setCategory("");
     EXPECT_EQ(screen.settings.get<SettingDictionary>("domainCategoryOverrides").value_or(SettingDictionary()),
               SettingDictionary());
