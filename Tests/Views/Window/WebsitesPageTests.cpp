@@ -56,7 +56,7 @@ TEST(WebsitesView, changesTheCategoryOfTheSite) {
     screen.settle();
     EXPECT_EQ(screen.settings.get<SettingDictionary>("domainCategoryOverrides"),
               (SettingDictionary{{"b.org", "work"}}));
-    EXPECT_TRUE(screen.shows("Work"));
+    EXPECT_TRUE(screen.shows("Work & Docs"));
     screen.model.setCategory("");
     EXPECT_EQ(screen.settings.get<SettingDictionary>("domainCategoryOverrides").value_or(SettingDictionary()),
               SettingDictionary());

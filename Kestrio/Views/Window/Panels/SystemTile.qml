@@ -18,17 +18,18 @@ Rectangle {
     implicitHeight: column.implicitHeight + 2 * (Theme.s + 2)
     radius: Theme.radius
 
+    // Beside the figure, where no words are.
     Sparkline {
-        anchors.bottom: parent.bottom
-        anchors.bottomMargin: 1
-        anchors.left: parent.left
-        anchors.margins: 1
         anchors.right: parent.right
+        anchors.rightMargin: Theme.s + 2
+        anchors.top: parent.top
+        anchors.topMargin: Theme.s + 2
         color: tile.tone
-        height: Math.round(parent.height * 0.42)
-        opacity: 0.55
+        height: Theme.scaled(34)
+        opacity: 0.7
         values: tile.row.trend
         visible: values.length > 1
+        width: Math.round(parent.width * 0.45)
     }
 
     ColumnLayout {
