@@ -59,7 +59,8 @@ public:
     /// Everything is laid out and stands where it will stand.
     void settle() {
         QCoreApplication::processEvents();
-        window_->grabWindow();
+        if (window_)
+            window_->grabWindow();
         QCoreApplication::processEvents();
     }
 
