@@ -1,16 +1,20 @@
 // Pictures of every view over an example history, in light and dark and at two sizes: kestrio-screenshots [FOLDER
 // [NAME]] writes them into the folder, Docs/images unless said otherwise; with a name only the view of that name.
+#include "Kestrio/Pages/Icons.h"
 #include "Kestrio/Shell/Settings.h"
 #include "Kestrio/Views/Window/WindowApplication.h"
 #include "Kestrio/Views/Window/Windows.h"
 #include "Tests/Examples/ExampleHistory.h"
 #include "Tests/Views/Window/WindowStage.h"
 
+#include <QColor>
 #include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QImage>
 #include <QQuickWindow>
+#include <QTemporaryDir>
 #include <cstdio>
 
 namespace kestrio {
@@ -33,6 +37,70 @@ void withoutHistory(WindowStage& stage) {
     stage.sessions.clear();
 }
 
+void atWork(WindowStage& stage) {
+    const auto& last = stage.sessions.back();
+    LiveActivity live;
+    live.sample.bundleID = last.bundleID;
+    live.sample.appName = last.appName;
+    live.sample.title = last.title;
+    stage.script.status.live = live;
+}
+
+/// A machine that is a little short of memory.
+MonitorReading exampleReading() {
+    SystemSnapshot snapshot;
+    snapshot.cpu = 0.38;
+    snapshot.memoryUsed = 13'900'000'000;
+    snapshot.memoryTotal = 16'700'000'000;
+    snapshot.pressure = MemoryPressure::warning;
+    snapshot.swapUsed = 1'900'000'000;
+    snapshot.temperature = 61;
+    snapshot.disk = DiskUsage{.free = 171'000'000'000, .total = 512'000'000'000};
+    snapshot.battery = BatteryInfo{.level = 82};
+    snapshot.topMemory = {
+        {.id = "com.google.Chrome", .name = "Google Chrome", .memory = 4'820'000'000, .processes = 23},
+        {.id = "com.microsoft.VSCode", .name = "Code", .memory = 2'110'000'000, .processes = 11},
+        {.id = "com.tinyspeck.slackmacgap", .name = "Slack", .memory = 940'000'000, .processes = 6},
+        {.id = "com.spotify.client", .name = "Spotify", .memory = 610'000'000, .processes = 4},
+    };
+    snapshot.topCPU = snapshot.topMemory;
+    snapshot.hasAppCPU = true;
+    std::vector<double> history;
+    for (int i = 0; i < 60; ++i)
+        history.push_back(0.3 + 0.08 * ((i * 7) % 5) - 0.04 * ((i * 3) % 4));
+    return {.state = {snapshot, history, SystemInsight::make(snapshot, history, Calendar("en_GB", "Europe/Berlin"))},
+            .chipName = "Eight-core processor",
+            .cores = 8,
+            .uptime = Seconds(93'600),
+            .optimizer = OptimizerCounts{.frozen = 2, .frozenMemory = 1'200'000'000, .isManaging = true}};
+}
+
+/// Icons for applications that this machine does not have: their letters on colours of their own.
+class ExampleIcons {
+public:
+    std::optional<std::filesystem::path> file(const std::string& application) const {
+        const auto name = application.substr(application.rfind('.') + 1);
+        const auto icon = siteIcon(name);
+        const auto* const letter = std::get_if<SiteLetter>(&icon);
+        if (!letter)
+            return std::nullopt;
+        const auto color = QColor::fromHsvF(static_cast<float>(letter->color.hue), 0.5F, 0.72F).name();
+        QFile file(folder_.filePath(QString::fromStdString(application) + ".svg"));
+        if (!file.open(QIODevice::WriteOnly))
+            return std::nullopt;
+        file.write(
+            QStringLiteral("<svg xmlns='http://www.w3.org/2000/svg' viewBox='0 0 32 32'><rect x='2' y='2' width='28' "
+                           "height='28' rx='7' fill='%1'/><text x='16' y='22' font-family='Inter' font-size='17' "
+                           "font-weight='600' text-anchor='middle' fill='white'>%2</text></svg>")
+                .arg(color, QString::fromStdString(letter->letter))
+                .toUtf8());
+        return file.fileName().toStdString();
+    }
+
+private:
+    QTemporaryDir folder_;
+};
+
 struct View {
     const char* name;
     WindowRequest request;
@@ -54,6 +122,8 @@ const std::vector<View>& views() {
         {"empty", DashboardRequest{"overview"}, RangeMode::day, withoutHistory},
         {"not-running", DashboardRequest{"overview"}, RangeMode::day, withoutAgent},
         {"paused", DashboardRequest{"timeline"}, RangeMode::week, pausedUntilSix},
+        {"panel-today", PanelRequest{PanelKind::today}, RangeMode::day, atWork},
+        {"panel-system", PanelRequest{PanelKind::system}},
     };
     return all;
 }
@@ -83,26 +153,38 @@ void settle(WindowStage& stage) {
     }
 }
 
+bool write(QQuickWindow& window, const QString& file) {
+    if (window.grabWindow().save(file))
+        return true;
+    std::fprintf(stderr, "kestrio-screenshots: cannot write %s\n", qUtf8Printable(file));
+    return false;
+}
+
 bool take(const View& view, AppearanceMode appearance, const QDir& folder) {
+    const ExampleIcons icons;
     WindowStage stage(history(), view.mode);
     stage.settings.set(settingKey::appearanceMode, std::string(rawText(appearance)));
     stage.script.status.isAccessibilityGranted = true;
+    stage.parts.host.iconFile = [&icons](const auto& application, int) { return icons.file(application); };
     view.prepare(stage);
+    stage.today.reload();
     stage.agent.start(); // once more, to see it as it is now
     Windows windows(stage.parts);
     windows.show(view.request);
+    stage.settle();
+    stage.script.readings.emit(exampleReading());
+    settle(stage);
+    const auto name = QStringLiteral("%1-%2").arg(view.name, rawText(appearance));
+    if (windows.panel())
+        return write(*windows.panel(), folder.filePath(name + ".png"));
     auto* const window = windows.dashboard();
     if (!window)
         return false;
     for (const auto& size : sizes) {
         window->resize(size.size);
         settle(stage);
-        const auto file =
-            folder.filePath(QStringLiteral("%1-%2%3.png").arg(view.name, rawText(appearance), size.suffix));
-        if (!window->grabWindow().save(file)) {
-            std::fprintf(stderr, "kestrio-screenshots: cannot write %s\n", qUtf8Printable(file));
+        if (!write(*window, folder.filePath(name + size.suffix + ".png")))
             return false;
-        }
     }
     return true;
 }

@@ -32,6 +32,8 @@ public:
 
     /// Null while it is not open.
     QQuickWindow* dashboard() const { return dashboard_.get(); }
+    /// Null while none is open.
+    QQuickWindow* panel() const { return panels_.window(); }
 
 private:
     struct Later {
