@@ -179,9 +179,10 @@ TEST(SystemTrayIcon, showsTheImageTheFigureOrBoth) {
             EXPECT_TRUE(seen.insert(chip(systemMenuLabel(parts, percent / 100.0, {})).pixels).second) << percent;
 }
 
-TEST(Mark, isTheOneInTheProgramsIcon) {
-    const auto svg = fileText(KESTRIO_SOURCE "/Packaging/icons/dev.haldorvinter.Kestrio.svg");
-    EXPECT_NE(svg.find(symbols::markPath), std::string::npos);
+TEST(Mark, isTheOneInTheProgramsIconAndInTheWindows) {
+    for (const auto* file :
+         {"Packaging/icons/dev.haldorvinter.Kestrio.svg", "Kestrio/Views/Design/Symbols/own/kestrio-mark.svg"})
+        EXPECT_NE(fileText(std::string(KESTRIO_SOURCE "/") + file).find(symbols::markPath), std::string::npos) << file;
 }
 
 TEST(Mark, fillsItsBoxWithoutLeavingIt) {
