@@ -4,7 +4,7 @@ import dbus
 
 from kestrio_desktop import eventually
 
-ROLES = {"push button": 43, "list item": 32, "radio button": 44, "label": 29}
+ROLES = {"dialog": 16, "heading": 83, "label": 29, "list item": 32, "push button": 43, "radio button": 44}
 NOTHING = "/org/a11y/atspi/null"
 
 
@@ -62,9 +62,13 @@ class Screen:
                 continue
 
     def find(self, name, role=None):
+        return self.find_first(lambda other: other == name, role)
+
+    def find_first(self, fits, role=None):
+        """The first thing whose name fits."""
         for thing in self.everything():
             try:
-                if thing.name == name and (role is None or thing.role() == ROLES[role]):
+                if fits(thing.name) and (role is None or thing.role() == ROLES[role]):
                     return thing
             except dbus.DBusException:
                 continue
@@ -73,8 +77,8 @@ class Screen:
     def shown(self, name, role=None):
         return eventually(lambda: self.find(name, role), f"{name} shows")
 
-    def gone(self, name):
-        eventually(lambda: self.find(name) is None, f"{name} goes")
+    def gone(self, name, role=None):
+        eventually(lambda: self.find(name, role) is None, f"{name} goes")
 
     def press(self, name, role=None):
         self.shown(name, role).press()

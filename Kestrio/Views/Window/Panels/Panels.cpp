@@ -5,11 +5,11 @@
 #include "Kestrio/Views/Window/Panels/TodayPanelModel.h"
 
 #include <QGuiApplication>
-#include <QPainterPath>
-#include <QPolygon>
 #include <QQmlComponent>
 #include <QScreen>
 #include <QTimerEvent>
+#include <algorithm>
+#include <cmath>
 
 namespace kestrio {
 namespace {
@@ -29,11 +29,17 @@ QUrl source(PanelKind kind) {
     return {};
 }
 
-/// The panel's shape, for desktops that do not blend what is behind its corners.
+/// The panel's shape, for desktops that do not blend what is behind its corners: without the pixels that the rounding
+/// leaves out whole. Those that it cuts stay, so that it is smooth where they are blended.
 QRegion rounded(const QSize& size, qreal radius) {
-    QPainterPath path;
-    path.addRoundedRect(QRectF(QPointF(0, 0), QSizeF(size)), radius, radius);
-    return path.toFillPolygon().toPolygon();
+    QRegion shape(QRect(QPoint(0, 0), size));
+    for (int row = 0; row < radius; ++row) {
+        const auto rise = std::max(radius - row - 1, 0.0);
+        const auto cut = static_cast<int>(radius - std::sqrt(radius * radius - rise * rise));
+        for (const int y : {row, size.height() - 1 - row})
+            shape -= QRegion(0, y, cut, 1) + QRegion(size.width() - cut, y, cut, 1);
+    }
+    return shape;
 }
 
 } // namespace

@@ -101,8 +101,6 @@ PanelWindow {
 
     LiveActivity {
         Layout.fillWidth: true
-        Layout.leftMargin: Theme.xs
-        Layout.rightMargin: Theme.xs
         value: window.panel.live
     }
 
