@@ -6,6 +6,7 @@
 #include "Kestrio/Platform/Linux/BusConnection.h"
 #include "Kestrio/Platform/Linux/DetachedProgram.h"
 #include "Kestrio/Platform/Linux/PrivacyRemedies.h"
+#include "Kestrio/Platform/Linux/SystemMonitorPrograms.h"
 #include "Kestrio/Shell/Settings.h"
 #include "Programs/Agent/HostClassification.h"
 #include "Programs/Window/DesktopLook.h"
@@ -36,6 +37,15 @@ std::optional<std::string> privacyAdvice(std::string_view place) {
     if (!remedy)
         return std::nullopt;
     return remedy->command ? remedy->text + " " + *remedy->command : remedy->text;
+}
+
+/// What starts this host's own system monitor; empty where none is installed.
+std::function<void()> activityMonitor(const Clock& clock) {
+    DesktopEntries entries(applicationFolders(processEnvironment), messageLocale(processEnvironment), clock);
+    auto command = systemMonitorCommand(entries, processEnvironment);
+    if (!command)
+        return {};
+    return [command = std::move(*command)] { startDetached(command); };
 }
 
 } // namespace
@@ -69,6 +79,7 @@ WindowHost WindowWiring::host(Queue& main, const Locations& locations, const std
     host.startAgent = startAgent;
     host.isBrowser = BrowserInspector::isBrowser;
     host.privacyAdvice = privacyAdvice;
+    host.openActivityMonitor = activityMonitor(clock_);
     // Made on the thread of the icons, at the first of them.
     host.iconFile = [this, icons = std::make_shared<std::optional<ApplicationIcons>>()](const auto& application,
                                                                                         int pixels) {

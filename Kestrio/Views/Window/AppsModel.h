@@ -6,7 +6,7 @@
 
 namespace kestrio {
 
-class AppsModel final : public MasterDetailModel {
+class AppsModel final : public kestrio::MasterDetailModel {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("Pages are made by the dashboard.")

@@ -24,7 +24,7 @@ class DashboardModel : public QObject {
     Q_PROPERTY(QString section READ section NOTIFY pageChanged)
     Q_PROPERTY(QString sectionLabel READ sectionLabel NOTIFY pageChanged)
     Q_PROPERTY(bool isReportPage READ isReportPage NOTIFY pageChanged)
-    Q_PROPERTY(PageModel* page READ page NOTIFY pageChanged)
+    Q_PROPERTY(kestrio::PageModel* page READ page NOTIFY pageChanged)
     Q_PROPERTY(QUrl pageSource READ pageSource NOTIFY pageChanged)
     Q_PROPERTY(QVariantMap dateControls READ dateControls NOTIFY rangeChanged)
     /// In the range that shows, and the present: seconds since 1970, for the picker of days.
@@ -40,9 +40,9 @@ class DashboardModel : public QObject {
     Q_PROPERTY(QVariant agentNotice READ agentNotice NOTIFY agentChanged)
     Q_PROPERTY(QVariant permissionBanner READ permissionBanner NOTIFY bannerChanged)
     /// Of the window when it was last closed.
-    Q_PROPERTY(QSize size READ size CONSTANT)
+    Q_PROPERTY(QVariant size READ size CONSTANT)
     /// `windowTitle`, `sidebarName`, `statusName`, `loadingName`.
-    Q_PROPERTY(QVariantMap words READ words CONSTANT)
+    Q_PROPERTY(QVariant words READ words CONSTANT)
 
 public:
     /// How often the shown range is loaded again while it can change.

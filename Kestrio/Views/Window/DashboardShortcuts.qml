@@ -56,7 +56,7 @@ Item {
     }
 
     Shortcut {
-        sequences: [StandardKey.Close]
+        sequence: "Ctrl+W"
 
         onActivated: shortcuts.closeRequested()
     }

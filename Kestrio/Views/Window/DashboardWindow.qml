@@ -13,7 +13,7 @@ Window {
     required property DashboardModel model
 
     LayoutMirroring.childrenInherit: true
-    LayoutMirroring.enabled: Qt.application.layoutDirection === Qt.RightToLeft
+    LayoutMirroring.enabled: Application.layoutDirection === Qt.RightToLeft
     color: Theme.window
     height: model.size.height
     minimumHeight: 480

@@ -27,7 +27,7 @@ Card {
         visible: items.length > 0
 
         delegate: UsageItemRow {
-            tint: card.tint
+            tint: card.tint // qmllint disable unqualified
         }
     }
 

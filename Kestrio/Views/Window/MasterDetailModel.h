@@ -14,13 +14,13 @@
 
 namespace kestrio {
 
-class MasterDetailModel : public ReportPageModel {
+class MasterDetailModel : public kestrio::ReportPageModel {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("Pages are made by the dashboard.")
     /// `EmptyActivity`; undefined when there is something to show.
     Q_PROPERTY(QVariant empty READ empty NOTIFY refreshed)
-    Q_PROPERTY(RowList* rows READ rows CONSTANT)
+    Q_PROPERTY(kestrio::RowList* rows READ rows CONSTANT)
     /// What the rows are, in a word.
     Q_PROPERTY(QString listName READ listName CONSTANT)
     /// In place of the rows, when the list's filter leaves nothing.

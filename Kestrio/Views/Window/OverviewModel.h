@@ -7,7 +7,7 @@
 
 namespace kestrio {
 
-class OverviewModel : public ReportPageModel {
+class OverviewModel : public kestrio::ReportPageModel {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("Pages are made by the dashboard.")

@@ -2,6 +2,9 @@
 // says only while somebody can see it.
 //
 // Belongs to the main queue. The parts outlive it.
+//
+// Models are derived from bases, and have properties of types, that are named with their namespace: the tools for QML
+// find them by that name alone.
 #pragma once
 
 #include "Kestrio/Views/Window/WindowParts.h"
@@ -42,7 +45,7 @@ private:
 };
 
 /// A page that shows the dashboard's report.
-class ReportPageModel : public PageModel {
+class ReportPageModel : public kestrio::PageModel {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("Pages are made by the dashboard.")

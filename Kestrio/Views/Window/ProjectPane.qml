@@ -1,6 +1,5 @@
 import QtQuick
 import QtQuick.Layouts
-import Kestrio.Design
 import Kestrio.Window
 
 // What is told of the selected project.

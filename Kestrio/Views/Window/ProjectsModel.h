@@ -7,15 +7,15 @@
 
 namespace kestrio {
 
-class ProjectsModel final : public MasterDetailModel {
+class ProjectsModel final : public kestrio::MasterDetailModel {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("Pages are made by the dashboard.")
-    Q_PROPERTY(ProjectRulesModel* rules READ rules CONSTANT)
+    Q_PROPERTY(kestrio::ProjectRulesModel* rules READ rules CONSTANT)
     /// Whether the sheet with the rules is open.
     Q_PROPERTY(bool showingRules READ showingRules WRITE setShowingRules NOTIFY showingRulesChanged)
     /// `addRulesTitle`, `rulesSymbol`, `rulesHelp`, `sheetTitle`, `sheetDone`.
-    Q_PROPERTY(QVariantMap words READ words CONSTANT)
+    Q_PROPERTY(QVariant words READ words CONSTANT)
 
 public:
     explicit ProjectsModel(const WindowParts& parts)

@@ -65,7 +65,7 @@ private:
     mutable std::optional<std::pair<std::size_t, TimelineBlockRow>> latest_;
 };
 
-class TimelineModel : public ReportPageModel {
+class TimelineModel : public kestrio::ReportPageModel {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("Pages are made by the dashboard.")
@@ -78,7 +78,7 @@ class TimelineModel : public ReportPageModel {
     Q_PROPERTY(QString search READ search WRITE setSearch NOTIFY searchChanged)
     Q_PROPERTY(bool hideBrief READ hideBrief WRITE setHideBrief NOTIFY searchChanged)
     /// `prompt`, `hideBriefTitle`, `hideBriefSymbol`, `hideBriefHelp`.
-    Q_PROPERTY(QVariantMap words READ words CONSTANT)
+    Q_PROPERTY(QVariant words READ words CONSTANT)
 
 public:
     explicit TimelineModel(const WindowParts& parts);

@@ -43,7 +43,7 @@ protected:
 };
 
 template <class Row>
-class ValueRows final : public RowList {
+class ValueRows final : public kestrio::RowList {
 public:
     int count() const override { return static_cast<int>(rows_.size()); }
     const std::vector<Row>& rows() const { return rows_; }

@@ -10,7 +10,7 @@
 
 namespace kestrio {
 
-class YouTubeModel final : public ReportPageModel {
+class YouTubeModel final : public kestrio::ReportPageModel {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("Pages are made by the dashboard.")
@@ -18,7 +18,7 @@ class YouTubeModel final : public ReportPageModel {
     Q_PROPERTY(QVariant empty READ empty NOTIFY refreshed)
     Q_PROPERTY(QVariantList stats READ stats NOTIFY refreshed)
     Q_PROPERTY(QVariant videosHead READ videosHead NOTIFY refreshed)
-    Q_PROPERTY(RowList* videos READ videos CONSTANT)
+    Q_PROPERTY(kestrio::RowList* videos READ videos CONSTANT)
     /// Of the button below the videos; empty when all show.
     Q_PROPERTY(QString moreTitle READ moreTitle NOTIFY refreshed)
     /// In place of the videos.

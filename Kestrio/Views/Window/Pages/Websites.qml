@@ -1,8 +1,6 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
-import QtQuick.Layouts
-import Kestrio.Design
 import Kestrio.Window
 
 MasterDetail {

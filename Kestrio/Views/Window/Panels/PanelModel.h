@@ -16,7 +16,7 @@ class PanelModel : public QObject {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("Made with its panel.")
-    Q_PROPERTY(QVariantMap panel READ panel NOTIFY changed)
+    Q_PROPERTY(QVariant panel READ panel NOTIFY changed)
     /// Why what the person asked for was not done; empty when it was.
     Q_PROPERTY(QString failure READ failure NOTIFY failureChanged)
     /// Whether there is something worth showing, so that a panel does not appear empty first.

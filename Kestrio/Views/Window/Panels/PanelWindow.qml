@@ -26,7 +26,7 @@ Window {
     width: Math.round(room.width > 0 ? Math.min(wantedWidth, room.width) : wantedWidth)
 
     LayoutMirroring.childrenInherit: true
-    LayoutMirroring.enabled: Qt.application.layoutDirection === Qt.RightToLeft
+    LayoutMirroring.enabled: Application.layoutDirection === Qt.RightToLeft
 
     Rectangle {
         id: frame

@@ -58,6 +58,7 @@ PanelWindow {
             spacing: 1
 
             Line {
+                Accessible.name: text
                 Accessible.role: Accessible.Heading
                 Layout.fillWidth: true
                 font: Theme.title

@@ -6,7 +6,7 @@
 
 namespace kestrio {
 
-class SystemPanelModel final : public PanelModel {
+class SystemPanelModel final : public kestrio::PanelModel {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("Made with its panel.")

@@ -58,6 +58,7 @@ PanelWindow {
             spacing: 0
 
             Line {
+                Accessible.name: text
                 Accessible.role: Accessible.Heading
                 color: Theme.textSecondary
                 font: Theme.bodyStrong

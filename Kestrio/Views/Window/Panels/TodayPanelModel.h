@@ -5,7 +5,7 @@
 
 namespace kestrio {
 
-class TodayPanelModel final : public PanelModel {
+class TodayPanelModel final : public kestrio::PanelModel {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("Made with its panel.")

@@ -22,6 +22,7 @@ ColumnLayout {
         Line {
             id: title
 
+            Accessible.name: text
             Accessible.role: Accessible.Heading
             Layout.fillWidth: true
             color: Theme.textSecondary

@@ -15,6 +15,7 @@ ColumnLayout {
     visible: rows.length > 0
 
     Line {
+        Accessible.name: text
         Accessible.role: Accessible.Heading
         Layout.fillWidth: true
         color: Theme.textSecondary
