@@ -140,14 +140,15 @@ class Refusal(DesktopTest):
 
     def test_a_folder_that_may_not_be_written(self):
         self.home.path.chmod(0o755)
-        (self.home.path / "config" / "Kestrio").mkdir(parents=True)
-        (self.home.path / "data" / "Kestrio").mkdir(parents=True)
+        settings = self.home.path / "config" / "Kestrio"
+        settings.mkdir(parents=True, exist_ok=True)
+        self.home.database.parent.mkdir(parents=True)
         if os.getuid() == 0:
             programs = self.home.path / "bin"
             programs.mkdir()
             shutil.copy(BIN / "kestrio", programs)
-            for folder in ("config", "config/Kestrio"):
-                os.chown(self.home.path / folder, NOBODY, NOBODY)
+            for path in (settings.parent, settings, *settings.iterdir()):
+                os.chown(path, NOBODY, NOBODY)
         self.home.database.parent.chmod(0o555)
         program = self.home.path / "bin" / "kestrio" if os.getuid() == 0 else BIN / "kestrio"
         agent = subprocess.run([*self.as_nobody(), program, "--login"], env=self.home.environment, capture_output=True, text=True, timeout=DEADLINE)

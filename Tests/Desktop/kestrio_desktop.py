@@ -11,6 +11,8 @@ import tempfile
 import time
 import unittest
 
+import dbus
+
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 BIN = pathlib.Path(os.environ.get("KESTRIO_BIN", ROOT / "build" / "dev" / "bin"))
 DEADLINE = 30  # seconds; what is waited for takes a fraction of it
@@ -27,6 +29,8 @@ def eventually(condition, what, deadline=DEADLINE):
             return answer
         time.sleep(0.02)
     raise AssertionError(f"never happened: {what}")
+
+WINDOWS = "dev.haldorvinter.Kestrio.Window"
 
 
 class Home:
@@ -81,7 +85,22 @@ class DesktopTest(unittest.TestCase):
         self.started = []
         self.addCleanup(self.end_all)
 
+    @staticmethod
+    def window_process():
+        """The process with the windows, which an agent may have started. None when there is none."""
+        try:
+            bus = dbus.bus.BusConnection(dbus.bus.BusConnection.TYPE_SESSION)
+            keeper = bus.get_object("org.freedesktop.DBus", "/org/freedesktop/DBus", introspect=False)
+            process = int(keeper.GetConnectionUnixProcessID(WINDOWS, dbus_interface="org.freedesktop.DBus"))
+            bus.close()
+            return process
+        except dbus.DBusException:
+            return None
+
     def end_all(self):
+        windows = self.window_process()
+        if windows:
+            os.kill(windows, signal.SIGKILL)
         for process in reversed(self.started):
             if process.poll() is None:
                 process.kill()

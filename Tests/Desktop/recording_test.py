@@ -136,6 +136,7 @@ class Recording(DesktopTest):
         second = subprocess.run([BIN / "kestrio"], env=self.home.environment, capture_output=True, text=True, timeout=20)
         self.assertEqual(second.returncode, 0)
         self.assertEqual(second.stderr.splitlines()[0], f"kestrio: Kestrio is already running (process {agent.pid}).")
+        eventually(self.window_process, "the person sees the dashboard of the first")
         self.assertIsNotNone(self.home.status())
         self.assertEqual(self.stop(agent), 0)
 
