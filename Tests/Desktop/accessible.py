@@ -5,6 +5,7 @@ import dbus
 from kestrio_desktop import eventually
 
 ROLES = {"dialog": 16, "heading": 83, "label": 29, "list item": 32, "push button": 43, "radio button": 44}
+VISIBLE = 30  # among the states
 NOTHING = "/org/a11y/atspi/null"
 
 
@@ -24,6 +25,11 @@ class Thing:
 
     def role(self):
         return int(self.object.GetRole(dbus_interface="org.a11y.atspi.Accessible"))
+
+    def is_visible(self):
+        """Whether it is meant to be seen, be it scrolled out of sight; hidden things are named as well."""
+        low, _ = self.object.GetState(dbus_interface="org.a11y.atspi.Accessible")
+        return bool(low & 1 << VISIBLE)
 
     def children(self):
         found = self.object.GetChildren(dbus_interface="org.a11y.atspi.Accessible")
@@ -68,7 +74,7 @@ class Screen:
         """The first thing whose name fits."""
         for thing in self.everything():
             try:
-                if fits(thing.name) and (role is None or thing.role() == ROLES[role]):
+                if fits(thing.name) and (role is None or thing.role() == ROLES[role]) and thing.is_visible():
                     return thing
             except dbus.DBusException:
                 continue

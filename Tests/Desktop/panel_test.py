@@ -59,7 +59,7 @@ class Panels(DesktopTest):
         window = self.start_panel("system")
         self.screen.shown("System", "heading")
         self.screen.shown("Top apps", "heading")
-        self.assertTrue(self.screen.find_first(lambda name: name.startswith("Memory, ")))
+        eventually(lambda: self.screen.find_first(lambda name: name.startswith("Memory, ")), "how full the memory is")
         self.screen.shown("Optimization is off", "push button")
         self.xdotool("key", "Escape")
         self.ended_well(window)
