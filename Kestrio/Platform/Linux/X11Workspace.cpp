@@ -29,6 +29,11 @@ bool hasMore(const std::vector<RunningApplication>& all, const std::vector<Runni
     return std::any_of(all.begin(), all.end(), [&](const auto& application) { return !has(some, application); });
 }
 
+/// A panel of this program, beside the bar. Whoever glances at it still uses what was in front before.
+bool isOwnPanel(const X11Window& window) {
+    return !window.isRegular && window.instanceName == "kestrio-window";
+}
+
 } // namespace
 
 X11Workspace::X11Workspace(Queue& queue, X11Windows& windows, ApplicationIdentity& identity)
@@ -44,6 +49,8 @@ std::optional<RunningApplication> X11Workspace::frontmostApplication() {
     if (!window)
         return std::nullopt;
     if (window != frontWindow_) {
+        if (frontWindow_ && isOwnPanel(*window))
+            return front_;
         front_ = applicationOf(*window);
         frontWindow_ = std::move(window);
     }

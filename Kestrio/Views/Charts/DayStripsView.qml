@@ -25,6 +25,7 @@ Item {
     Line {
         id: heading
 
+        Accessible.name: text
         Accessible.role: Accessible.Heading
         anchors.left: parent.left
         anchors.right: parent.right

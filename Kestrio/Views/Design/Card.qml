@@ -41,6 +41,7 @@ Rectangle {
             }
 
             Line {
+                Accessible.name: text
                 Accessible.role: Accessible.Heading
                 Layout.fillWidth: true
                 font: Theme.headline

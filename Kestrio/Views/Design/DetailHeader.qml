@@ -28,6 +28,7 @@ RowLayout {
             Line {
                 id: title
 
+                Accessible.name: text
                 Accessible.role: Accessible.Heading
                 Layout.fillWidth: true
                 font: Theme.title

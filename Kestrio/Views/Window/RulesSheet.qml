@@ -37,6 +37,7 @@ T.Dialog {
         spacing: Theme.l
 
         Line {
+            Accessible.name: text
             Accessible.role: Accessible.Heading
             Layout.fillWidth: true
             font: Theme.title

@@ -13,6 +13,7 @@ Column {
     bottomPadding: Theme.m
 
     Line {
+        Accessible.name: text
         Accessible.role: Accessible.Heading
         bottomPadding: Theme.xs
         color: Theme.textTertiary

@@ -22,6 +22,7 @@ Item {
         spacing: Theme.s
 
         Line {
+            Accessible.name: text
             Accessible.role: Accessible.Heading
             Layout.fillWidth: true
             font: Theme.headline

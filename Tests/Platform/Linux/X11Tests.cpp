@@ -352,6 +352,21 @@ TEST_F(X11, aChangedClassChangesTheApplication) {
     EXPECT_TRUE(readers->isRunning("org.example.beta"));
 }
 
+TEST_F(X11, aGlanceAtAPanelOfThisProgramLeavesTheFrontAsItWas) {
+    const X11TestClient client(display.name());
+    client.manage();
+    const auto window = client.create("alpha");
+    const auto panel = client.create("kestrio-window");
+    client.setManaged({window, panel});
+    client.setActive(window);
+    EXPECT_EQ(readers->frontID(), "org.example.alpha");
+    client.setWord(panel, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM, client.atom("_NET_WM_WINDOW_TYPE_UTILITY"));
+    client.setActive(panel);
+    EXPECT_EQ(readers->frontID(), "org.example.alpha");
+    client.setWord(panel, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM, client.atom("_NET_WM_WINDOW_TYPE_NORMAL"));
+    EXPECT_TRUE(comesTrue([&] { return readers->frontID() != "org.example.alpha"; })) << "the dashboard counts";
+}
+
 TEST_F(X11, onlyRegularWindowsMakeARunningApplication) {
     const X11TestClient client(display.name());
     client.manage();
