@@ -1,4 +1,4 @@
-// Finds the file of an icon by its name, after the icon theme specification of freedesktop.org: in the person's theme,
+// Finds the file of an icon by its name, as the icon themes of freedesktop.org are laid out: in the person's theme,
 // in those that it inherits, in hicolor, and last beside all themes.
 //
 // Belongs to one thread. What a theme consists of is read once; each look-up then asks the file system for the folders
