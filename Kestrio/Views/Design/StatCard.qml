@@ -55,6 +55,8 @@ Rectangle {
         }
 
         Line {
+            id: detail
+
             Accessible.ignored: true
             Layout.fillWidth: true
             color: Theme.textSecondary
@@ -64,6 +66,6 @@ Rectangle {
     }
 
     Help {
-        text: card.value.help ?? ""
+        text: card.value.help ?? (detail.truncated ? detail.text : "")
     }
 }
