@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """The icons in a real panel (Xfce's): seen, clicked, and back after the panel was gone. In place of `kestrio-window`
 stands a script that notes how it was started."""
 

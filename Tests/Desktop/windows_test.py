@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """Who opens windows, and when: a person's start, the first run of all, a second start, the command line. In place of
 `kestrio-window` stands a script that notes how it was started and opens nothing."""
 

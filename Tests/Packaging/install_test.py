@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """What lies where after an installation. The first argument is the build folder, the second says whether it has windows."""
 
 import os
