@@ -68,8 +68,8 @@ std::vector<SystemMonitorProgram> parseSystemMonitorPrograms(std::string_view te
 std::optional<std::vector<std::string>> systemMonitorCommand(DesktopEntries& entries, const Environment& environment) {
     auto programs = systemMonitorPrograms();
     const auto current = environment("XDG_CURRENT_DESKTOP").value_or("");
-    std::ranges::stable_partition(
-        programs, [&](const SystemMonitorProgram& program) { return isOfDesktop(current, program.desktop); });
+    std::stable_partition(programs.begin(), programs.end(),
+                          [&](const SystemMonitorProgram& program) { return isOfDesktop(current, program.desktop); });
     for (const auto& program : programs)
         if (const auto* entry = entries.byID(program.desktopID))
             if (auto command = commandOf(*entry, environment))

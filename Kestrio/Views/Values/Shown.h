@@ -23,8 +23,8 @@ QString colorName(SystemColor color);
 /// A map of named fields; an absent one is left out, and so reads as `undefined`.
 class Fields {
 public:
-    Fields& add(const char* name, QVariant value) {
-        map_.insert(QLatin1StringView(name), std::move(value));
+    Fields& add(const char* name, const QVariant& value) {
+        map_.insert(QLatin1StringView(name), value);
         return *this;
     }
     Fields& words(const char* name, std::string_view text) { return add(name, shown(text)); }

@@ -21,7 +21,7 @@ void MasterDetailModel::refreshList() {
 void MasterDetailModel::refreshDetail() {
     auto made = selection_.isEmpty() ? std::nullopt : detailOf(selectedKey(), ItemFilter(filter_.toStdString()));
     setTrend(made ? std::move(made->trend) : UsageTrend());
-    setDetail(made ? QVariant(std::move(made->fields)) : QVariant());
+    setDetail(made ? QVariant(made->fields) : QVariant());
 }
 
 /// Whoever reads what has not changed is not disturbed.

@@ -30,7 +30,7 @@ struct QtQueue::State {
             QCoreApplication::postEvent(server, new QEvent(wakeEvent())); // the event loop owns it
     }
 
-    const SystemClock clock;
+    const SystemClock clock{};
     std::mutex mutex; // guards all below; never held while work runs
     QObject* server = nullptr;
     bool isWoken = false;

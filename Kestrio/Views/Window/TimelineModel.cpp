@@ -95,9 +95,8 @@ void TimelineRows::show(std::shared_ptr<const ActivityReport> report, TimelinePa
 void TimelineRows::replace(std::vector<Place> places) {
     const auto same = [](const Place& a, const Place& b) { return a.isSameRow(b); };
     const auto [oldFirst, newFirst] = std::ranges::mismatch(places_, places, same);
-    const auto [oldLast, newLast] =
-        std::ranges::mismatch(std::ranges::subrange(oldFirst, places_.end()) | std::views::reverse,
-                              std::ranges::subrange(newFirst, places.end()) | std::views::reverse, same);
+    const auto [oldLast, newLast] = std::mismatch(places_.rbegin(), std::make_reverse_iterator(oldFirst),
+                                                  places.rbegin(), std::make_reverse_iterator(newFirst), same);
     const auto start = static_cast<int>(oldFirst - places_.begin());
     const auto removed = static_cast<int>(oldLast.base() - oldFirst);
     const auto added = static_cast<int>(newLast.base() - newFirst);
