@@ -7,8 +7,8 @@
 namespace kestrio {
 namespace {
 
-QVariant chartCard(const CardHead& head, QVariant value) {
-    return Fields().add("head", toVariant(head)).add("value", std::move(value));
+QVariant chartCard(const CardHead& head, const QVariant& value) {
+    return Fields().add("head", toVariant(head)).add("value", value);
 }
 
 QVariantMap contentOf(const OverviewPage& page, const ActivityChartValue& chart) {
