@@ -55,6 +55,15 @@ class Window(DesktopTest):
         self.stop(window)
         self.assertEqual(window.stderr.read(), "")
 
+    def test_the_dashboard_is_no_larger_than_the_screen(self):
+        self.start_window()
+        self.screen.shown("Overview", "list item")
+        screen = [int(number) for number in self.xdotool("getdisplaygeometry").split()]
+        window = self.xdotool("search", "--onlyvisible", "--name", "^Kestrio$").split()[0]
+        geometry = dict(line.split("=") for line in self.xdotool("getwindowgeometry", "--shell", window).splitlines())
+        self.assertLessEqual(int(geometry["WIDTH"]), screen[0])
+        self.assertLess(int(geometry["HEIGHT"]), screen[1])
+
     def test_a_second_window_hands_its_request_over_and_ends(self):
         self.bring(self.open_window("chapter one"))
         self.start_agent()

@@ -8,6 +8,7 @@
 #include <QQmlComponent>
 #include <QQmlExtensionPlugin>
 #include <QQuickWindow>
+#include <QScreen>
 
 Q_IMPORT_QML_PLUGIN(Kestrio_ChartsPlugin)
 Q_IMPORT_QML_PLUGIN(Kestrio_DesignPlugin)
@@ -17,6 +18,9 @@ void qml_register_types_Kestrio_Window();
 
 namespace kestrio {
 namespace {
+
+/// What a window's frame may take of the screen's height, in points.
+constexpr int frameHeight = 40;
 
 /// Null, with lines in the log, for one that is not as it should be.
 std::unique_ptr<QObject> create(QQmlComponent& component, const QVariantMap& properties) {
@@ -90,6 +94,8 @@ void Windows::makeDashboard() {
         return;
     (void)made.release();
     dashboard_.reset(window);
+    // What stands below the edge of a small screen is out of reach.
+    window->resize(window->size().boundedTo(window->screen()->availableSize() - QSize(0, frameHeight)));
     connect(window, &QQuickWindow::visibleChanged, this, [this](bool isVisible) {
         if (isVisible)
             return;
