@@ -261,6 +261,15 @@ QVariant toVariant(const AgentNotice& notice) {
         .add("buttons", QVariantList{Fields().words("title", notice.button)});
 }
 
+QVariant toVariant(const HistoryNotice& notice) {
+    return Fields()
+        .text("symbol", notice.symbol)
+        .add("tint", colorName(notice.tint))
+        .text("title", notice.title)
+        .text("text", notice.text) // in which a path stands
+        .text("message", notice.text);
+}
+
 QVariant toVariant(const StateWords& words) {
     return Fields().words("label", words.label).text("symbol", words.symbol);
 }

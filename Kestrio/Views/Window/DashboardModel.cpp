@@ -23,14 +23,22 @@ const PageEntry& entryOr(DashboardSection wanted) {
 
 } // namespace
 
-DashboardModel::DashboardModel(const WindowParts& parts) : parts_(parts) {
+DashboardModel::DashboardModel(const WindowParts& parts) : parts_(parts), showsNow_(parts.dashboard.isCurrent()) {
     lookAtRange();
+    lookAtHistory();
     lookAtAgent();
     lookAtPermissions();
-    const auto rangeMoved = [this](const auto&) { lookAtRange(); };
+    const auto rangeMoved = [this](const auto&) {
+        showsNow_ = parts_.dashboard.isCurrent();
+        lookAtRange();
+    };
     tokens_.push_back(parts.dashboard.mode().observe(rangeMoved));
     tokens_.push_back(parts.dashboard.anchor().observe(rangeMoved));
+    const auto look = [this](const auto&) { lookAtHistory(); };
+    tokens_.push_back(parts.dashboard.trouble().observe(look));
+    tokens_.push_back(parts.dashboard.report().observe(look));
     tokens_.push_back(parts.queue.every({.interval = wordsInterval, .tolerance = wordsTolerance}, [this] {
+        followNow();
         lookAtRange();
         lookAtAgent();
     }));
@@ -118,6 +126,7 @@ void DashboardModel::show(const PageEntry& entry) {
     connect(page_.get(), &PageModel::navigationRequested, this, &DashboardModel::select);
     page_->setShown(isOnScreen_);
     Q_EMIT pageChanged();
+    lookAtHistory();
 }
 
 void DashboardModel::setOnScreen(bool isOnScreen) {
@@ -139,6 +148,29 @@ void DashboardModel::lookAtRange() {
         return;
     dateControls_ = std::move(controls);
     Q_EMIT rangeChanged();
+}
+
+/// A person who looks at today, this week or this month goes on doing so when it is over or the clock was set; a range
+/// that they went back to stays.
+void DashboardModel::followNow() {
+    if (showsNow_ && !parts_.dashboard.isCurrent())
+        showToday();
+}
+
+void DashboardModel::lookAtHistory() {
+    const auto& store = parts_.dashboard;
+    const auto& trouble = isReportPage() ? store.trouble().value() : std::nullopt;
+    const auto& report = store.report().value();
+    const bool isAway = trouble && report.sessions.empty() && report.alongsideSessions.empty();
+    const auto notice = trouble
+                            ? toVariant(kestrio::historyNotice(*trouble, parts_.host.historyFile.string(),
+                                                               isAway ? HistoryShown::nothing : HistoryShown::earlier))
+                            : QVariant();
+    if (notice == historyNotice_ && isAway == isHistoryAway_)
+        return;
+    historyNotice_ = notice;
+    isHistoryAway_ = isAway;
+    Q_EMIT historyChanged();
 }
 
 void DashboardModel::setMode(const QString& mode) {

@@ -44,6 +44,11 @@ TEST(DashboardView, listsThePagesThatThereAre) {
     EXPECT_FALSE(screen.shows("Resource Log"));
 }
 
+TEST(DashboardView, hasThePagesThatArePromised) {
+    for (const auto section : allDashboardSections)
+        EXPECT_EQ(pageEntry(section) != nullptr, hasPage(section)) << rawValue(section);
+}
+
 TEST(DashboardView, aClickOnAPageShowsItAndRemembersIt) {
     DashboardScreen screen;
     for (const auto* const name : {"timeline", "apps", "websites", "youtube", "projects", "overview"}) {

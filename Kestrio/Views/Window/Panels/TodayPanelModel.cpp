@@ -29,6 +29,7 @@ void TodayPanelModel::setShown(bool isShown) {
         return;
     const auto look = [this](const auto&) { refresh(); };
     tokens_.push_back(today.report().observe(look));
+    tokens_.push_back(today.trouble().observe(look));
     tokens_.push_back(today.isLoading().observe([this](bool isLoading) {
         wasRead_ = wasRead_ || !isLoading;
         Q_EMIT changed();
@@ -48,6 +49,11 @@ void TodayPanelModel::refresh() {
                      .idleLimit = idleLimit(window.settings),
                      .thumbnails =
                          window.settings.boolean(settingKey::showYouTubeThumbnails) ? Thumbnails::on : Thumbnails::off};
+    if (const auto& trouble = window.today.trouble().value()) {
+        const bool isEmpty = window.today.report().value().sessions.empty();
+        state.historyNotice = historyNotice(*trouble, window.host.historyFile.string(),
+                                            isEmpty ? HistoryShown::nothing : HistoryShown::earlier);
+    }
     if (status) {
         state.state = status->state;
         state.pausedUntil = status->pausedUntil;
