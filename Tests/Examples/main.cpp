@@ -11,13 +11,13 @@ int main(int count, char** words) {
     std::string file;
     ExampleHistoryOptions options;
     app.add_option("file", file, "The database")->required();
-    app.add_option("days", options.days, "How many it reaches back")->check(CLI::NonNegativeNumber);
-    app.add_option("sessions", options.sessionsPerWorkday, "On a working day")->check(CLI::PositiveNumber);
+    app.add_option("days", options.days, "How many it reaches back")->check(CLI::Range(0, 10'000));
+    app.add_option("sessions", options.sessionsPerWorkday, "On a working day")->check(CLI::Range(1, 100'000));
     app.add_option("seed", options.seed, "Another one makes another history");
     CLI11_PARSE(app, count, words);
 
     const auto sessions = exampleHistory(SystemClock().now(), Calendar::current(), options);
-    if (!writeHistory(file, sessions)) {
+    if (!writeHistory(std::filesystem::absolute(file), sessions)) {
         fmt::print(stderr, "example-history: cannot write {}\n", file);
         return 1;
     }
