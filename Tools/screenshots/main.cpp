@@ -1,5 +1,5 @@
-// Pictures of every view over an example history, in light and dark and at two sizes; kestrio-screenshots --help says
-// more.
+// Pictures of every view over an example history, in light and dark and at two sizes: kestrio-screenshots [FOLDER
+// [NAME]] writes them into the folder, Docs/images unless said otherwise; with a name only the view of that name.
 #include "Kestrio/Pages/Icons.h"
 #include "Kestrio/Shell/Settings.h"
 #include "Kestrio/Views/Window/WindowApplication.h"
@@ -7,7 +7,6 @@
 #include "Tests/Examples/ExampleHistory.h"
 #include "Tests/Views/Window/WindowStage.h"
 
-#include <CLI/CLI.hpp>
 #include <QColor>
 #include <QCoreApplication>
 #include <QDir>
@@ -193,25 +192,14 @@ bool take(const View& view, AppearanceMode appearance, const QDir& folder) {
 int run(int count, char** words) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    CLI::App app("Takes pictures of every view over an example history, in light and dark and at two sizes.",
-                 "kestrio-screenshots");
-    std::string path = "Docs/images";
-    std::optional<std::string> name;
-    app.add_option("folder", path, "Where they go; it is made when missing")->capture_default_str();
-    std::vector<std::string> names;
-    for (const auto& view : views())
-        names.emplace_back(view.name);
-    app.add_option("name", name, "Of the only view that is wanted")->check(CLI::IsMember(names));
-    CLI11_PARSE(app, count, words);
-
     const WindowApplication application(count, words);
-    const QDir folder(QString::fromStdString(path));
+    const QDir folder(count > 1 ? words[1] : "Docs/images");
     if (!folder.mkpath(".")) {
         std::fprintf(stderr, "kestrio-screenshots: cannot make %s\n", qUtf8Printable(folder.path()));
         return 1;
     }
     for (const auto& view : views()) {
-        if (name && *name != view.name)
+        if (count > 2 && std::string_view(words[2]) != view.name)
             continue;
         for (const auto appearance : {AppearanceMode::light, AppearanceMode::dark})
             if (!take(view, appearance, folder))
