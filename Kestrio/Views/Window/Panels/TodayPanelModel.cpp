@@ -29,7 +29,6 @@ void TodayPanelModel::setShown(bool isShown) {
         return;
     const auto look = [this](const auto&) { refresh(); };
     tokens_.push_back(today.report().observe(look));
-    tokens_.push_back(today.trouble().observe(look));
     tokens_.push_back(today.isLoading().observe([this](bool isLoading) {
         wasRead_ = wasRead_ || !isLoading;
         Q_EMIT changed();
@@ -37,6 +36,7 @@ void TodayPanelModel::setShown(bool isShown) {
     tokens_.push_back(parts().window.agent.status().observe(look));
     tokens_.push_back(parts().window.agent.presence().observe(look));
     tokens_.push_back(parts().window.settings.observe(look));
+    tokens_.push_back(today.trouble().observe(look));
     today.reload();
     refresh();
 }
