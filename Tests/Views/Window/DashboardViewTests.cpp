@@ -175,6 +175,24 @@ TEST(DashboardView, withoutAnAgentItShowsWhatIsStoredAndOffersToStartOne) {
     EXPECT_TRUE(screen.shows("Tracking"));
 }
 
+TEST(DashboardView, theAgentsDeathAndReturnLeavePageSelectionAndFilter) {
+    DashboardScreen screen({.page = "apps"});
+    screen.click("Editor");
+    screen.enter("Filter");
+    screen.type("notes");
+    const auto before = screen.words();
+    EXPECT_TRUE(screen.shows("notes.md"));
+    EXPECT_FALSE(screen.shows("main.cpp"));
+    screen.agentDies();
+    screen.settle();
+    EXPECT_TRUE(screen.shows(notRunning));
+    EXPECT_TRUE(screen.shows("notes.md"));
+    EXPECT_FALSE(screen.shows("main.cpp"));
+    screen.agentReturns();
+    screen.settle();
+    EXPECT_EQ(screen.words(), before);
+}
+
 TEST(DashboardView, saysThatTitlesCannotBeReadEvenToWhoDismissedTheBandAboutBrowsers) {
     DashboardScreen screen(
         {.prepare = [](WindowStage& stage) { stage.settings.set(settingKey::dismissedBrowserBanner, true); }});
