@@ -20,7 +20,6 @@
 #include <limits>
 #include <map>
 #include <nlohmann/json.hpp>
-#include <ranges>
 
 namespace kestrio {
 namespace {
@@ -310,7 +309,8 @@ int why(const std::optional<std::string>& at) {
         log.otherNames = namesAround(*moment, places);
         std::vector<std::string> names;
         std::ranges::transform(log.apps, std::back_inserter(names), &AppMinute::name);
-        std::ranges::copy(log.otherNames | std::views::values, std::back_inserter(names));
+        for (const auto& [key, name] : log.otherNames)
+            names.push_back(name);
         std::string told;
         for (const auto& sentence : sentences(slowness(log), calendar))
             told += hostWords(sentence, names) + "\n";
