@@ -307,12 +307,13 @@ int why(const std::optional<std::string>& at) {
     return withLog(places, [&](ResourceStore& store) {
         auto log = logAround(*moment, store);
         log.otherNames = namesAround(*moment, places);
+        const auto seen = slowness(log);
         std::vector<std::string> names;
         std::ranges::transform(log.apps, std::back_inserter(names), &AppMinute::name);
-        for (const auto& [key, name] : log.otherNames)
-            names.push_back(name);
+        if (seen.front)
+            names.push_back(*seen.front);
         std::string told;
-        for (const auto& sentence : sentences(slowness(log), calendar))
+        for (const auto& sentence : sentences(seen, calendar))
             told += hostWords(sentence, names) + "\n";
         print(text::withoutInvisibleMarks(told));
         return done;

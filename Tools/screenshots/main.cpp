@@ -37,6 +37,12 @@ void withoutHistory(WindowStage& stage) {
     stage.sessions.clear();
 }
 
+void withoutReadableHistory(WindowStage& stage) {
+    stage.trouble = DatabaseTrouble::damaged;
+    stage.parts.host.historyFile = "/home/robin/.local/share/Kestrio/activity.sqlite";
+    stage.dashboard.step(-1); // what was read before is another day's
+}
+
 void atWork(WindowStage& stage) {
     const auto& last = stage.sessions.back();
     LiveActivity live;
@@ -120,6 +126,7 @@ const std::vector<View>& views() {
         {"youtube", DashboardRequest{"youtube"}, RangeMode::month},
         {"projects", DashboardRequest{"projects"}, RangeMode::week},
         {"empty", DashboardRequest{"overview"}, RangeMode::day, withoutHistory},
+        {"unreadable", DashboardRequest{"overview"}, RangeMode::day, withoutReadableHistory},
         {"not-running", DashboardRequest{"overview"}, RangeMode::day, withoutAgent},
         {"paused", DashboardRequest{"timeline"}, RangeMode::week, pausedUntilSix},
         {"panel-today", PanelRequest{PanelKind::today}, RangeMode::day, atWork},
