@@ -13,6 +13,7 @@ QString actionName(BannerAction action) {
     switch (action) {
     case BannerAction::grantAccessibility: return QStringLiteral("grantAccessibility");
     case BannerAction::requestBrowserAccess: return QStringLiteral("requestBrowserAccess");
+    case BannerAction::openBrowserStep: return QStringLiteral("openBrowserStep");
     case BannerAction::dismiss: break;
     }
     return QStringLiteral("dismiss");

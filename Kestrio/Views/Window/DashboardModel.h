@@ -116,6 +116,7 @@ Q_SIGNALS:
 private:
     QVariantMap currentStatus() const;
     std::optional<PermissionBanner> currentBanner() const;
+    void actOnBrowser(const QString& action, const BrowserApp& browser);
     PauseControl currentPauseControl() const;
     void lookAtRange();
     void followNow();
