@@ -142,7 +142,7 @@ struct Size {
     const char* suffix;
     QSize size;
 };
-const Size sizes[]{{"", {1240, 820}}, {"-small", {820, 620}}};
+const std::vector<Size> usualSizes{{"", {1240, 820}}, {"-small", {820, 620}}};
 
 std::vector<ActivitySession> history() {
     const Calendar calendar("en_GB", "Europe/Berlin");
@@ -170,14 +170,27 @@ bool write(QQuickWindow& window, const QString& file) {
     return false;
 }
 
-bool take(const View& view, AppearanceMode appearance, const DesktopAppearance& desktop, const QDir& folder) {
+struct Wish {
+    std::string folder = "Docs/images";
+    std::string name;
+    std::optional<std::pair<int, int>> size;
+    double scale = 1;
+    DesktopAppearance desktop;
+    bool isRightToLeft = false;
+
+    std::vector<Size> sizes() const {
+        return size ? std::vector<Size>{{"", QSize(size->first, size->second)}} : usualSizes;
+    }
+};
+
+bool take(const View& view, AppearanceMode appearance, const Wish& wish, const QDir& folder) {
     WindowStage stage(history(), view.mode);
     const ExampleIcons icons(stage.sessions);
     stage.settings.set(settingKey::appearanceMode, std::string(rawText(appearance)));
     stage.script.status.isAccessibilityGranted = true;
     stage.parts.host.iconFile = [&icons](const auto& application, int) { return icons.file(application); };
-    stage.parts.host.observeDesktop = [&desktop](const auto& receiver) {
-        receiver(desktop);
+    stage.parts.host.observeDesktop = [&wish](const auto& receiver) {
+        receiver(wish.desktop);
         return Subscription();
     };
     view.prepare(stage);
@@ -194,7 +207,7 @@ bool take(const View& view, AppearanceMode appearance, const DesktopAppearance& 
     auto* const window = windows.dashboard();
     if (!window)
         return false;
-    for (const auto& size : sizes) {
+    for (const auto& size : wish.sizes()) {
         window->resize(size.size);
         settle(stage);
         if (!write(*window, folder.filePath(name + size.suffix + ".png")))
@@ -203,20 +216,13 @@ bool take(const View& view, AppearanceMode appearance, const DesktopAppearance& 
     return true;
 }
 
-struct Wish {
-    std::string folder = "Docs/images";
-    std::string name;
-    double scale = 1;
-    DesktopAppearance desktop;
-    bool isRightToLeft = false;
-};
-
 /// The exit status instead where that was all.
 std::variant<Wish, int> parse(int count, const char* const* arguments) {
     Wish wish;
     CLI::App app("Pictures of the windows over an example history.", "kestrio-screenshots");
     app.add_option("folder", wish.folder, "Where the pictures are written")->capture_default_str();
     app.add_option("name", wish.name, "The only view to show");
+    app.add_option("--size", wish.size, "Of the dashboard, in points, instead of two usual ones");
     app.add_option("--scale", wish.scale, "The pixels of a point")->check(CLI::Range(0.5, 4.0));
     app.add_option("--text", wish.desktop.textScale, "How much larger text is")->check(CLI::Range(0.5, 3.0));
     app.add_flag("--high-contrast", wish.desktop.isHighContrast, "With more contrast");
@@ -244,7 +250,7 @@ int run(int count, char** words, const Wish& wish) {
         if (!wish.name.empty() && wish.name != view.name)
             continue;
         for (const auto appearance : {AppearanceMode::light, AppearanceMode::dark})
-            if (!take(view, appearance, wish.desktop, folder))
+            if (!take(view, appearance, wish, folder))
                 return 1;
     }
     return 0;

@@ -4,8 +4,8 @@ import QtQuick
 import QtQuick.Layouts
 import Kestrio.Design
 
-// Stat cards side by side, as many in a row as have room for their least width, all equally wide. Places them itself: a
-// layout that follows its own width misses changes.
+// Stat cards side by side, as many in a row as have room for their least width, all equally wide and tall. Places them
+// itself: a layout that follows its own width misses changes.
 Item {
     id: grid
 
@@ -16,7 +16,14 @@ Item {
     // Rows as full as each other: of six where five fit three stand above three.
     readonly property int columns: Math.max(1, Math.ceil(stats.length / Math.max(1, rowCount)))
     readonly property real cellWidth: (width - (columns - 1) * gap) / columns
-    readonly property real cellHeight: cards.count > 0 ? cards.itemAt(0)?.implicitHeight ?? 0 : 0
+    readonly property real cellHeight: tallest(cards.count)
+
+    function tallest(count: int): real {
+        let height = 0;
+        for (let i = 0; i < count; ++i)
+            height = Math.max(height, cards.itemAt(i)?.implicitHeight ?? 0);
+        return height;
+    }
 
     Layout.fillWidth: true
     implicitHeight: rowCount * (cellHeight + gap) - gap
