@@ -38,7 +38,7 @@ Item {
         visible: !empty.visible
 
         ColumnLayout {
-            Layout.fillHeight: !view.isStacked
+            Layout.fillHeight: !view.isStacked || !pane.visible
             Layout.fillWidth: view.isStacked
             Layout.preferredHeight: Math.round(view.height * 0.45)
             Layout.preferredWidth: Math.round(Math.max(Math.min(view.width * 0.36, Theme.scaled(380)), Math.min(Theme.scaled(240), view.width * 0.45)))
@@ -80,11 +80,15 @@ Item {
         Hairline {
             Layout.fillHeight: !view.isStacked
             Layout.fillWidth: view.isStacked
+            visible: pane.visible
         }
 
         Item {
+            id: pane
+
             Layout.fillHeight: true
             Layout.fillWidth: true
+            visible: !view.isStacked || view.model.detail !== undefined
 
             Loader {
                 readonly property bool isWanted: view.model.detail !== undefined
