@@ -23,7 +23,7 @@ Item {
         spacing: Theme.m
 
         Item {
-            Layout.preferredWidth: Theme.scaled(104) + 3 + Theme.m
+            Layout.preferredWidth: entry.width < Theme.scaled(480) ? 3 : Theme.scaled(104) + 3 + Theme.m
         }
 
         Line {

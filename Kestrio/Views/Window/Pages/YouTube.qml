@@ -41,6 +41,8 @@ Item {
 
                 accessory: [
                     FilterField {
+                        Layout.fillWidth: true
+                        Layout.maximumWidth: implicitWidth
                         text: view.page.filter
 
                         onTextChanged: view.page.filter = text
