@@ -12,6 +12,7 @@ struct AgentScript {
     std::vector<std::string> done; // what it was asked to do, in words
     Background::Failure failure;   // of every action
     Signal<AgentStatus> changed;
+    Signal<> dataChanged;
     Signal<MonitorReading> readings;
 
     void tell(AgentStatus news) {
@@ -34,7 +35,9 @@ public:
     Failure openSettings(std::optional<std::string> /*tab*/) override { return note("open the settings"); }
     Failure quit() override { return note("quit"); }
     Subscription importFiles(std::vector<SessionFile> /*files*/, ImportReceiver /*receiver*/) override { return {}; }
-    Subscription observeData(std::function<void()> /*receiver*/) override { return {}; }
+    Subscription observeData(std::function<void()> receiver) override {
+        return script_.dataChanged.subscribe(std::move(receiver));
+    }
     std::optional<std::vector<BrowserReading>> browsers() override { return std::vector<BrowserReading>(); }
     std::optional<AgentCost> ownCost() override { return AgentCost(); }
     Subscription observe(std::function<void(const AgentStatus&)> receiver) override {
