@@ -88,6 +88,15 @@ class Panels(PanelTest):
         self.stop(window)
         self.assertEqual(window.stderr.read(), "")
 
+    def test_the_other_icon_brings_up_its_panel_where_nothing_else_is_open(self):
+        window = self.start_panel("today")
+        self.screen.shown("Today", "dialog")
+        for kind, title in (("system", "System"), ("today", "Today"), ("system", "System")):
+            self.ask_for(kind)
+            self.screen.shown(title, "dialog")
+        self.xdotool("key", "Escape")
+        self.ended_well(window)
+
     def test_a_panel_stands_beside_its_icon_and_goes_when_another_window_is_brought_forward(self):
         window = self.start_panel("today")
         self.screen.shown("Today", "dialog")
