@@ -201,13 +201,16 @@ void DashboardModel::pickDay(double date) {
 }
 
 void DashboardModel::lookAtAgent() {
-    auto status = currentStatus();
+    if (auto status = currentStatus(); status != status_) {
+        status_ = std::move(status);
+        Q_EMIT statusChanged();
+    }
+    // Told on its own: a menu that is open would be made anew.
     auto pauseControl = parts_.agent.status().value() ? toVariant(currentPauseControl()) : QVariant();
-    if (status == status_ && pauseControl == pauseControl_)
+    if (pauseControl == pauseControl_)
         return;
-    status_ = std::move(status);
     pauseControl_ = std::move(pauseControl);
-    Q_EMIT statusChanged();
+    Q_EMIT pauseControlChanged();
 }
 
 QVariantMap DashboardModel::currentStatus() const {

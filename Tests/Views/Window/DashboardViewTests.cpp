@@ -143,6 +143,18 @@ TEST(DashboardView, pausesByTheEntriesOfItsMenu) {
               (std::vector<std::string>{"pause for 1800", "pause for 3600", "pause for 23400", "pause"}));
 }
 
+TEST(DashboardView, itsMenuStandsStillWhileTimePasses) {
+    DashboardScreen screen;
+    int changes = 0;
+    QObject::connect(&screen.model, &DashboardModel::pauseControlChanged, [&] { ++changes; });
+    screen.time.advance(Seconds(120));
+    screen.tell([](AgentStatus& status) { status.state = TrackingState::idle; });
+    EXPECT_EQ(changes, 0) << "until tomorrow is closer now, and the state another";
+    EXPECT_TRUE(screen.shows("Idle"));
+    screen.tell([](AgentStatus& status) { status.state = TrackingState::paused; });
+    EXPECT_EQ(changes, 1);
+}
+
 TEST(DashboardView, resumesWhileItIsPaused) {
     DashboardScreen screen;
     screen.tell([&](AgentStatus& status) {
