@@ -66,6 +66,6 @@ Rectangle {
     }
 
     Help {
-        text: card.value.help ?? (detail.truncated ? detail.text : "")
+        text: [detail.truncated ? detail.text : "", card.value.help].filter(text => text).join("\n")
     }
 }

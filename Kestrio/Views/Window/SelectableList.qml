@@ -30,7 +30,8 @@ ListView {
     boundsBehavior: Flickable.StopAtBounds
     clip: true
     currentIndex: page.selectedPlace
-    highlightMoveDuration: 0
+    // A fresh report may give the selected row another place; whoever reads elsewhere in the list is left there.
+    highlightFollowsCurrentItem: false
     keyNavigationEnabled: false
     leftMargin: Theme.s
     model: page.rows

@@ -10,6 +10,7 @@ ListRow {
 
     required property var value
     required property bool isOpen
+    required property real rangeWidth
 
     signal toggled
 
@@ -43,7 +44,7 @@ ListRow {
 
         Line {
             Accessible.ignored: true
-            Layout.preferredWidth: Theme.scaled(104)
+            Layout.preferredWidth: block.rangeWidth
             color: Theme.textSecondary
             font: Theme.small
             text: block.value.times
