@@ -177,6 +177,7 @@ bool take(const View& view, AppearanceMode appearance, const QDir& folder) {
     WindowStage stage(history(), view.mode);
     stage.settings.set(settingKey::appearanceMode, std::string(rawText(appearance)));
     stage.script.status.isAccessibilityGranted = true;
+    stage.parts.host.isBrowser = [](const auto& id) { return id == "com.google.Chrome"; };
     stage.parts.host.iconFile = [&icons](const auto& application, int) { return icons.file(application); };
     view.prepare(stage);
     stage.today.reload();

@@ -44,6 +44,7 @@ Rectangle {
                 Accessible.name: text
                 Accessible.role: Accessible.Heading
                 Layout.fillWidth: true
+                Layout.minimumWidth: Math.min(Math.ceil(implicitWidth), card.width * 0.45)
                 font: Theme.headline
                 text: card.title
             }
@@ -51,7 +52,9 @@ Rectangle {
             RowLayout {
                 id: accessoryHolder
 
-                Layout.fillWidth: false
+                // What can be narrower makes room for the title.
+                Layout.fillWidth: true
+                Layout.maximumWidth: implicitWidth
                 spacing: Theme.s
             }
         }

@@ -29,9 +29,8 @@ ListView {
     bottomMargin: Theme.s
     boundsBehavior: Flickable.StopAtBounds
     clip: true
-    currentIndex: page.selectedPlace
-    // A fresh report may give the selected row another place; whoever reads elsewhere in the list is left there.
-    highlightFollowsCurrentItem: false
+    // None: a view follows its current row, which a fresh report may move, away from where somebody reads.
+    currentIndex: -1
     keyNavigationEnabled: false
     leftMargin: Theme.s
     model: page.rows
