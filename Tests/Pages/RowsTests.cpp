@@ -216,7 +216,7 @@ TEST(UsageItemRow, joinsItsDetailLine) {
 TEST(UsageItemRow, leavesAStrangeTitleAsItIs) {
     const PagesBench bench;
     for (const std::string& title : {std::string(500, 'x'), std::string("two\nlines"), std::string("مرحبا بالعالم"),
-                                    std::string("👨‍👩‍👧‍👦 🇩🇪"), std::string("<b>bold</b>")}) {
+                                     std::string("👨‍👩‍👧‍👦 🇩🇪"), std::string("<b>bold</b>")}) {
         const auto row =
             usageItemRow(item(title, 5, bench.at(9)), Seconds(10), "times", Links::shown, bench.viewpoint());
         EXPECT_EQ(row.title, title);
