@@ -3,6 +3,8 @@
 // options show how they look with larger text, on finer screens, with more contrast, from right to left.
 #include "Kestrio/Pages/Icons.h"
 #include "Kestrio/Shell/Settings.h"
+#include "Kestrio/Views/Window/DashboardModel.h"
+#include "Kestrio/Views/Window/MasterDetailModel.h"
 #include "Kestrio/Views/Window/WindowApplication.h"
 #include "Kestrio/Views/Window/Windows.h"
 #include "Tests/Examples/ExampleHistory.h"
@@ -116,6 +118,7 @@ struct View {
     WindowRequest request;
     RangeMode mode = RangeMode::day;
     Prepare prepare = asItIs;
+    int selected = -1; // the place of the row of which the page tells
 };
 
 /// Every view; a new one is one line.
@@ -126,9 +129,12 @@ const std::vector<View>& views() {
         {"timeline", DashboardRequest{"timeline"}},
         {"timeline-week", DashboardRequest{"timeline"}, RangeMode::week},
         {"apps", DashboardRequest{"apps"}, RangeMode::week},
+        {"apps-selected", DashboardRequest{"apps"}, RangeMode::day, asItIs, 0},
         {"websites", DashboardRequest{"websites"}, RangeMode::week},
+        {"websites-selected", DashboardRequest{"websites"}, RangeMode::month, asItIs, 0},
         {"youtube", DashboardRequest{"youtube"}, RangeMode::month},
         {"projects", DashboardRequest{"projects"}, RangeMode::week},
+        {"projects-selected", DashboardRequest{"projects"}, RangeMode::week, asItIs, 0},
         {"empty", DashboardRequest{"overview"}, RangeMode::day, withoutHistory},
         {"not-running", DashboardRequest{"overview"}, RangeMode::day, withoutAgent},
         {"paused", DashboardRequest{"timeline"}, RangeMode::week, pausedUntilSix},
@@ -163,6 +169,12 @@ void settle(WindowStage& stage) {
     }
 }
 
+void select(QQuickWindow& dashboard, int place) {
+    const auto* const model = dashboard.property("model").value<DashboardModel*>();
+    if (auto* const page = model ? qobject_cast<MasterDetailModel*>(model->page()) : nullptr)
+        page->selectPlace(place);
+}
+
 bool write(QQuickWindow& window, const QString& file) {
     if (window.grabWindow().save(file))
         return true;
@@ -188,6 +200,7 @@ bool take(const View& view, AppearanceMode appearance, const Wish& wish, const Q
     const ExampleIcons icons(stage.sessions);
     stage.settings.set(settingKey::appearanceMode, std::string(rawText(appearance)));
     stage.script.status.isAccessibilityGranted = true;
+    stage.parts.host.isBrowser = [](const auto& id) { return id == "com.google.Chrome"; };
     stage.parts.host.iconFile = [&icons](const auto& application, int) { return icons.file(application); };
     stage.parts.host.observeDesktop = [&wish](const auto& receiver) {
         receiver(wish.desktop);
@@ -207,6 +220,7 @@ bool take(const View& view, AppearanceMode appearance, const Wish& wish, const Q
     auto* const window = windows.dashboard();
     if (!window)
         return false;
+    select(*window, view.selected);
     for (const auto& size : wish.sizes()) {
         window->resize(size.size);
         settle(stage);

@@ -30,6 +30,8 @@ DividedRow {
             }
 
             Line {
+                id: subtitle
+
                 Accessible.ignored: true
                 Layout.fillWidth: true
                 color: Theme.textSecondary
@@ -40,6 +42,8 @@ DividedRow {
             }
 
             Line {
+                id: detail
+
                 Accessible.ignored: true
                 Layout.fillWidth: true
                 color: Theme.textTertiary
@@ -77,6 +81,6 @@ DividedRow {
     }
 
     Help {
-        text: title.truncated ? title.text : ""
+        text: [title, subtitle, detail].filter(line => line.truncated).map(line => line.text).join("\n")
     }
 }

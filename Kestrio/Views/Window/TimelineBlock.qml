@@ -11,6 +11,7 @@ ListRow {
     required property var value
     required property bool isOpen
     readonly property bool isNarrow: width < Theme.scaled(480) // then its times stand below the headline
+    required property real rangeWidth
 
     signal toggled
 
@@ -44,7 +45,7 @@ ListRow {
 
         Line {
             Accessible.ignored: true
-            Layout.preferredWidth: Theme.scaled(104)
+            Layout.preferredWidth: block.rangeWidth
             color: Theme.textSecondary
             font: Theme.small
             text: block.value.times

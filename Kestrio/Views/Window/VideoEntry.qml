@@ -63,6 +63,8 @@ DividedRow {
             }
 
             Line {
+                id: detail
+
                 Accessible.ignored: true
                 Layout.fillWidth: true
                 color: Theme.textTertiary
@@ -86,6 +88,6 @@ DividedRow {
     }
 
     Help {
-        text: title.truncated ? title.text : ""
+        text: [title, detail].filter(line => line.truncated).map(line => line.text).join("\n")
     }
 }

@@ -43,6 +43,7 @@ Item {
                     FilterField {
                         Layout.fillWidth: true
                         Layout.maximumWidth: implicitWidth
+                        Layout.minimumWidth: Theme.scaled(110)
                         text: view.page.filter
 
                         onTextChanged: view.page.filter = text
