@@ -5,6 +5,7 @@
 #include "Kestrio/Base/LoopQueue.h"
 #include "Kestrio/Platform/Linux/Locations.h"
 #include "Kestrio/Views/Window/WindowParts.h"
+#include "Programs/Window/HostBrowserAccess.h"
 #include "Programs/Window/SettingsRelay.h"
 #include "Programs/Window/StoredHistory.h"
 #include "Programs/Window/ZoneWatch.h"
@@ -33,6 +34,7 @@ private:
     ClassificationSettings classification_;
     WorkerQueue agentQueue_{"Kestrio.agent"};
     AgentLink agent_;
+    HostBrowserAccess browsers_;
     StoredHistory history_;
     WorkerQueue loadingQueue_{"Kestrio.reports"}; // dropped before what its work uses
     ReportStore dashboard_;

@@ -286,5 +286,36 @@ TEST(PermissionBanner, asksForTheFirstBrowserThatCannotBeRead) {
     EXPECT_FALSE(permissionBanner(true, false, {}));
 }
 
+TEST(PermissionBanner, aBrowserThatRunsComesBeforeOneThatDoesNot) {
+    const std::vector<BrowserPermission> permissions{{{"a", "A"}, AutomationStatus::notRunning},
+                                                     {{"b", "B"}, AutomationStatus::granted},
+                                                     {{"c", "C"}, AutomationStatus::notDetermined},
+                                                     {{"d", "D"}, AutomationStatus::denied}};
+    EXPECT_EQ(permissionBanner(true, false, permissions)->browser->bundleID, "c");
+    EXPECT_EQ(permissionBanner(true, false, {permissions[0], permissions[1]})->browser->bundleID, "a");
+}
+
+TEST(PermissionBanner, whatTheHostAdvisesTakesThePlaceOfWhatTheBandOffered) {
+    const BannerAdvice advice{"Choose another session.",
+                              {{"b", {"Do this in Chromium.", "Show Folder"}}, {"c", {"Do that.", std::nullopt}}}};
+    const BannerButton dismiss{"Dismiss", "xmark", BannerAction::dismiss};
+    const auto titles = permissionBanner(false, false, {}, advice);
+    EXPECT_EQ(titles->text, "Choose another session.");
+    EXPECT_TRUE(titles->buttons.empty());
+    const auto banner = [&](const std::string& id, AutomationStatus status) {
+        return *permissionBanner(true, false, {{{id, "Chromium"}, status}}, advice);
+    };
+    const auto withButton = banner("b", AutomationStatus::notDetermined);
+    EXPECT_EQ(withButton.title, "Track Chromium tabs");
+    EXPECT_EQ(withButton.text, "Do this in Chromium.");
+    EXPECT_EQ(withButton.buttons,
+              (std::vector<BannerButton>{{"Show Folder", std::nullopt, BannerAction::openBrowserStep}, dismiss}));
+    EXPECT_EQ(withButton.browser->bundleID, "b");
+    const auto without = banner("c", AutomationStatus::denied);
+    EXPECT_EQ(without.text, "Do that.");
+    EXPECT_EQ(without.buttons, std::vector<BannerButton>{dismiss});
+    EXPECT_EQ(banner("d", AutomationStatus::denied).buttons.front().title, "Open Settings") << "of another browser";
+}
+
 } // namespace
 } // namespace kestrio

@@ -34,7 +34,7 @@ class DashboardModel : public QObject {
     /// `label`, `symbol`, `detail`, `isActive`.
     Q_PROPERTY(QVariantMap status READ status NOTIFY statusChanged)
     /// Undefined while no agent runs.
-    Q_PROPERTY(QVariant pauseControl READ pauseControl NOTIFY statusChanged)
+    Q_PROPERTY(QVariant pauseControl READ pauseControl NOTIFY pauseControlChanged)
     /// The bands: `symbol`, `tint`, `title`, `text` and `buttons`. Undefined while there is nothing to say. The first
     /// is about an agent that does not run.
     Q_PROPERTY(QVariant agentNotice READ agentNotice NOTIFY agentChanged)
@@ -107,6 +107,7 @@ Q_SIGNALS:
     void rangeChanged();
     void isLoadingChanged();
     void statusChanged();
+    void pauseControlChanged();
     void agentChanged();
     void historyChanged();
     void bannerChanged();
@@ -116,6 +117,7 @@ Q_SIGNALS:
 private:
     QVariantMap currentStatus() const;
     std::optional<PermissionBanner> currentBanner() const;
+    void actOnBrowser(const QString& action, const BrowserApp& browser);
     PauseControl currentPauseControl() const;
     void lookAtRange();
     void followNow();
