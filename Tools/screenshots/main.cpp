@@ -242,7 +242,10 @@ std::variant<Wish, int> parse(int count, const char* const* arguments) {
     Wish wish;
     CLI::App app("Pictures of the windows over an example history.", "kestrio-screenshots");
     app.add_option("folder", wish.folder, "Where the pictures are written")->capture_default_str();
-    app.add_option("name", wish.name, "The only view to show");
+    std::vector<std::string> names;
+    for (const auto& view : views())
+        names.emplace_back(view.name);
+    app.add_option("name", wish.name, "The only view to show")->check(CLI::IsMember(names));
     app.add_option("--size", wish.size, "Of the dashboard, in points, instead of two usual ones");
     app.add_option("--scale", wish.scale, "The pixels of a point")->check(CLI::Range(0.5, 4.0));
     app.add_option("--text", wish.desktop.textScale, "How much larger text is")->check(CLI::Range(0.5, 3.0));
