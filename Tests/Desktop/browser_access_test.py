@@ -90,6 +90,11 @@ class BrowserAccess:
         """What the band says below its title."""
         return str(self.screen.shown(self.title).ask("Description"))
 
+    def stands_below_the_range(self):
+        left, top, width, _ = self.screen.shown(self.title, "alert").place()
+        range_left, range_top, range_width, range_height = self.screen.shown("Month").place()
+        return top > range_top + range_height and left < range_left and left + width > range_left + range_width
+
     def goes(self):
         eventually(lambda: self.screen.find(self.title) is None, "the band goes", RETRY)
 
@@ -97,7 +102,7 @@ class BrowserAccess:
         agent = self.start_agent()
         browser = self.start_browser()
         window = self.start_window()
-        self.screen.shown(self.title)
+        eventually(self.stands_below_the_range, "the band has its place")
         self.screen.press("Allow", "push button")
         eventually(self.manifest.exists, "the manifest is there")
         self.assertEqual(json.loads(self.manifest.read_text())["path"], str(BIN / "kestrio-tabs"))
