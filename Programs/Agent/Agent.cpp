@@ -361,6 +361,7 @@ private:
         giveBackHeld();
         stopLogging();
         stopRecording();
+        windows_->quit(); // they would only say that nothing is recorded any more
         main_.stop();
     }
 

@@ -17,6 +17,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr Seconds zoneInterval{30.0};
+constexpr Seconds zoneTolerance{15.0};
+
 fs::path dataFolder(const Locations& locations) {
     return locations.data / "Kestrio";
 }
@@ -88,6 +91,16 @@ WindowWiring::WindowWiring(Queue& main, const Locations& locations, const std::o
             registered.emplace(setting.key, *setting.registered);
     settings_.registerDefaults(std::move(registered));
     agent_.start();
+    zoneLooks_ = main.every({.interval = zoneInterval, .tolerance = zoneTolerance}, [this] { followTimeZone(); });
+}
+
+/// A person who travels finds their days where they are now.
+void WindowWiring::followTimeZone() {
+    if (!zone_.hasChanged())
+        return;
+    calendar_ = Calendar::current();
+    dashboard_.setCalendar(calendar_);
+    today_.setCalendar(calendar_);
 }
 
 WindowHost WindowWiring::host(Queue& main, const Locations& locations, const std::optional<std::string>& busAddress) {
@@ -107,6 +120,7 @@ WindowHost WindowWiring::host(Queue& main, const Locations& locations, const std
         host.observeDesktop = [this, &main, address = *busAddress](auto receiver) {
             return observeDesktopLook(address, main, agentQueue_, std::move(receiver));
         };
+    host.historyFile = dataFolder(locations) / Database::fileName;
     const auto sizeFile = locations.cache / "Kestrio" / "dashboard-size";
     host.storedSize = [sizeFile] { return readStoredSize(sizeFile); };
     host.storeSize = [sizeFile](WindowSize size) { writeStoredSize(sizeFile, size); };

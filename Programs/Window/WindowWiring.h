@@ -8,6 +8,7 @@
 #include "Programs/Window/HostBrowserAccess.h"
 #include "Programs/Window/SettingsRelay.h"
 #include "Programs/Window/StoredHistory.h"
+#include "Programs/Window/ZoneWatch.h"
 
 #include <optional>
 
@@ -24,9 +25,11 @@ private:
     static bool startAgent();
     WindowHost host(Queue& main, const Locations& locations, const std::optional<std::string>& busAddress);
     ReportStore::Parts storeParts(Queue& main);
+    void followTimeZone();
 
     const SystemClock clock_;
-    const Calendar calendar_ = Calendar::current();
+    ZoneWatch zone_;
+    Calendar calendar_ = Calendar::current();
     SettingsRelay settings_;
     ClassificationSettings classification_;
     WorkerQueue agentQueue_{"Kestrio.agent"};
@@ -37,6 +40,7 @@ private:
     ReportStore dashboard_;
     ReportStore today_;
     const WindowParts parts_;
+    Subscription zoneLooks_;
 };
 
 } // namespace kestrio

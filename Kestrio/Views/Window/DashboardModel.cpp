@@ -23,14 +23,22 @@ const PageEntry& entryOr(DashboardSection wanted) {
 
 } // namespace
 
-DashboardModel::DashboardModel(const WindowParts& parts) : parts_(parts) {
+DashboardModel::DashboardModel(const WindowParts& parts) : parts_(parts), showsNow_(parts.dashboard.isCurrent()) {
     lookAtRange();
+    lookAtHistory();
     lookAtAgent();
     lookAtPermissions();
-    const auto rangeMoved = [this](const auto&) { lookAtRange(); };
+    const auto rangeMoved = [this](const auto&) {
+        showsNow_ = parts_.dashboard.isCurrent();
+        lookAtRange();
+    };
     tokens_.push_back(parts.dashboard.mode().observe(rangeMoved));
     tokens_.push_back(parts.dashboard.anchor().observe(rangeMoved));
+    const auto look = [this](const auto&) { lookAtHistory(); };
+    tokens_.push_back(parts.dashboard.trouble().observe(look));
+    tokens_.push_back(parts.dashboard.report().observe(look));
     tokens_.push_back(parts.queue.every({.interval = wordsInterval, .tolerance = wordsTolerance}, [this] {
+        followNow();
         lookAtRange();
         lookAtAgent();
     }));
@@ -121,6 +129,7 @@ void DashboardModel::show(const PageEntry& entry) {
     connect(page_.get(), &PageModel::navigationRequested, this, &DashboardModel::select);
     page_->setShown(isOnScreen_);
     Q_EMIT pageChanged();
+    lookAtHistory();
 }
 
 void DashboardModel::setOnScreen(bool isOnScreen) {
@@ -147,6 +156,29 @@ void DashboardModel::lookAtRange() {
     Q_EMIT rangeChanged();
 }
 
+/// A person who looks at today, this week or this month goes on doing so when it is over or the clock was set; a range
+/// that they went back to stays.
+void DashboardModel::followNow() {
+    if (showsNow_ && !parts_.dashboard.isCurrent())
+        showToday();
+}
+
+void DashboardModel::lookAtHistory() {
+    const auto& store = parts_.dashboard;
+    const auto& trouble = isReportPage() ? store.trouble().value() : std::nullopt;
+    const auto& report = store.report().value();
+    const bool isAway = trouble && report.sessions.empty() && report.alongsideSessions.empty();
+    const auto notice = trouble
+                            ? toVariant(kestrio::historyNotice(*trouble, parts_.host.historyFile.string(),
+                                                               isAway ? HistoryShown::nothing : HistoryShown::earlier))
+                            : QVariant();
+    if (notice == historyNotice_ && isAway == isHistoryAway_)
+        return;
+    historyNotice_ = notice;
+    isHistoryAway_ = isAway;
+    Q_EMIT historyChanged();
+}
+
 void DashboardModel::setMode(const QString& mode) {
     if (const auto known = rangeMode(mode.toStdString()))
         parts_.dashboard.setMode(*known);
@@ -169,13 +201,16 @@ void DashboardModel::pickDay(double date) {
 }
 
 void DashboardModel::lookAtAgent() {
-    auto status = currentStatus();
+    if (auto status = currentStatus(); status != status_) {
+        status_ = std::move(status);
+        Q_EMIT statusChanged();
+    }
+    // Told on its own: a menu that is open would be made anew.
     auto pauseControl = parts_.agent.status().value() ? toVariant(currentPauseControl()) : QVariant();
-    if (status == status_ && pauseControl == pauseControl_)
+    if (pauseControl == pauseControl_)
         return;
-    status_ = std::move(status);
     pauseControl_ = std::move(pauseControl);
-    Q_EMIT statusChanged();
+    Q_EMIT pauseControlChanged();
 }
 
 QVariantMap DashboardModel::currentStatus() const {

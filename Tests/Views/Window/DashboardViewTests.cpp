@@ -44,6 +44,11 @@ TEST(DashboardView, listsThePagesThatThereAre) {
     EXPECT_FALSE(screen.shows("Resource Log"));
 }
 
+TEST(DashboardView, hasThePagesThatArePromised) {
+    for (const auto section : allDashboardSections)
+        EXPECT_EQ(pageEntry(section) != nullptr, hasPage(section)) << rawValue(section);
+}
+
 TEST(DashboardView, aClickOnAPageShowsItAndRemembersIt) {
     DashboardScreen screen;
     for (const auto* const name : {"timeline", "apps", "websites", "youtube", "projects", "overview"}) {
@@ -136,6 +141,18 @@ TEST(DashboardView, pausesByTheEntriesOfItsMenu) {
     // Until tomorrow is half past six hours away.
     EXPECT_EQ(screen.script.done,
               (std::vector<std::string>{"pause for 1800", "pause for 3600", "pause for 23400", "pause"}));
+}
+
+TEST(DashboardView, itsMenuStandsStillWhileTimePasses) {
+    DashboardScreen screen;
+    int changes = 0;
+    QObject::connect(&screen.model, &DashboardModel::pauseControlChanged, [&] { ++changes; });
+    screen.time.advance(Seconds(120));
+    screen.tell([](AgentStatus& status) { status.state = TrackingState::idle; });
+    EXPECT_EQ(changes, 0) << "until tomorrow is closer now, and the state another";
+    EXPECT_TRUE(screen.shows("Idle"));
+    screen.tell([](AgentStatus& status) { status.state = TrackingState::paused; });
+    EXPECT_EQ(changes, 1);
 }
 
 TEST(DashboardView, resumesWhileItIsPaused) {

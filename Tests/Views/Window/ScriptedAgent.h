@@ -14,6 +14,7 @@ struct AgentScript {
     std::optional<std::vector<BrowserReading>> browsers = std::vector<BrowserReading>();
     Signal<> browserChanges;
     Signal<AgentStatus> changed;
+    Signal<> dataChanged;
     Signal<MonitorReading> readings;
 
     void tell(AgentStatus news) {
@@ -36,7 +37,9 @@ public:
     Failure openSettings(std::optional<std::string> /*tab*/) override { return note("open the settings"); }
     Failure quit() override { return note("quit"); }
     Subscription importFiles(std::vector<SessionFile> /*files*/, ImportReceiver /*receiver*/) override { return {}; }
-    Subscription observeData(std::function<void()> /*receiver*/) override { return {}; }
+    Subscription observeData(std::function<void()> receiver) override {
+        return script_.dataChanged.subscribe(std::move(receiver));
+    }
     std::optional<std::vector<BrowserReading>> browsers() override { return script_.browsers; }
     Subscription observeBrowsers(std::function<void()> receiver) override {
         return script_.browserChanges.subscribe(std::move(receiver));
