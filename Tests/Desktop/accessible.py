@@ -4,7 +4,7 @@ import dbus
 
 from kestrio_desktop import eventually
 
-ROLES = {"dialog": 16, "heading": 83, "label": 29, "list item": 32, "push button": 43, "radio button": 44}
+ROLES = {"alert": 2, "dialog": 16, "heading": 83, "label": 29, "list item": 32, "push button": 43, "radio button": 44}
 VISIBLE = 30  # among the states
 NOTHING = "/org/a11y/atspi/null"
 
@@ -42,6 +42,11 @@ class Thing:
                 yield from child.all()
             except dbus.DBusException:
                 continue  # it went meanwhile
+
+    def place(self):
+        """Left, top, width and height on the screen."""
+        sides = self.object.GetExtents(0, dbus_interface="org.a11y.atspi.Component", signature="u")
+        return [int(side) for side in sides]
 
     def press(self):
         actions = self.object.GetActions(dbus_interface="org.a11y.atspi.Action")

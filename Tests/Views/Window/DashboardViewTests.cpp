@@ -289,6 +289,21 @@ TEST_F(BrowserBand, isThereWhileTheBrowserCannotBeRead) {
     EXPECT_TRUE(screen.shows(bandTitle));
 }
 
+TEST_F(BrowserBand, takesItsPlaceBelowTheRangeWheneverItComes) {
+    const auto place = [this] {
+        auto* const band = screen.named(bandTitle, QAccessible::AlertMessage);
+        return band ? band->mapRectToScene(QRectF(0, 0, band->width(), band->height())) : QRectF();
+    };
+    const auto first = place();
+    auto* const range = screen.withText("Week");
+    ASSERT_NE(range, nullptr);
+    EXPECT_GT(first.top(), range->mapToScene(QPointF(0, range->height())).y());
+    become({.isRunning = true, .isBridgeConnected = true});
+    EXPECT_EQ(place(), QRectF());
+    become({.isRunning = true});
+    EXPECT_EQ(place(), first);
+}
+
 TEST_F(BrowserBand, leadsToTheSettingsWhereTheAnswerWasNo) {
     browsers->step.reset();
     become({.isRunning = true, .isRefused = true});

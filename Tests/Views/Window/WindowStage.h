@@ -5,8 +5,8 @@
 #include "Kestrio/Base/VirtualQueue.h"
 #include "Kestrio/Platform/Testing/MemoryKeyValueStore.h"
 #include "Kestrio/Views/Window/WindowParts.h"
+#include "Tests/Link/ScriptedAgent.h"
 #include "Tests/Reports/ReportBench.h"
-#include "Tests/Views/Window/ScriptedAgent.h"
 
 namespace kestrio {
 
