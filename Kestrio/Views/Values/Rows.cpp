@@ -13,6 +13,7 @@ QString actionName(BannerAction action) {
     switch (action) {
     case BannerAction::grantAccessibility: return QStringLiteral("grantAccessibility");
     case BannerAction::requestBrowserAccess: return QStringLiteral("requestBrowserAccess");
+    case BannerAction::openBrowserStep: return QStringLiteral("openBrowserStep");
     case BannerAction::dismiss: break;
     }
     return QStringLiteral("dismiss");
@@ -256,6 +257,15 @@ QVariant toVariant(const AgentNotice& notice) {
         .words("title", notice.title)
         .words("text", notice.text)
         .add("buttons", QVariantList{Fields().words("title", notice.button)});
+}
+
+QVariant toVariant(const HistoryNotice& notice) {
+    return Fields()
+        .text("symbol", notice.symbol)
+        .add("tint", colorName(notice.tint))
+        .text("title", notice.title)
+        .text("text", notice.text) // in which a path stands
+        .text("message", notice.text);
 }
 
 QVariant toVariant(const StateWords& words) {

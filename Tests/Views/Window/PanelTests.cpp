@@ -102,6 +102,29 @@ TEST(TodayPanelView, tellsOfTheDayAndOfThisMoment) {
     EXPECT_TRUE(screen.model->isReady());
 }
 
+TEST(TodayPanelView, aHistoryThatCannotBeReadIsSaid) {
+    constexpr auto gone =
+        "Your history cannot be read. The file /home/me/activity.sqlite is gone. Once it is back, your "
+        "history shows again.";
+    TodayScreen screen;
+    screen.parts.host.historyFile = "/home/me/activity.sqlite";
+    screen.trouble = DatabaseTrouble::missing;
+    screen.today.reload();
+    screen.settle();
+    EXPECT_TRUE(screen.shows(QString(gone) + " What you see was read before."));
+    EXPECT_TRUE(screen.shows("38m"));
+    screen.time.advance(Seconds(86'400));
+    screen.settle();
+    EXPECT_TRUE(screen.shows(gone)) << "of this day nothing was read";
+    EXPECT_TRUE(screen.shows("–"));
+    EXPECT_FALSE(screen.shows("0% productive"));
+    screen.trouble.reset();
+    screen.time.advance(ReportStore::retryInterval);
+    screen.settle();
+    EXPECT_FALSE(screen.shows(gone));
+    EXPECT_TRUE(screen.shows("0% productive"));
+}
+
 TEST(TodayPanelView, followsTheAgent) {
     TodayScreen screen;
     auto later = recording();

@@ -32,6 +32,7 @@ void TodayPanelModel::setShown(bool isShown) {
     tokens_.push_back(parts().window.agent.status().observe(look));
     tokens_.push_back(parts().window.agent.presence().observe(look));
     tokens_.push_back(parts().window.settings.observe(look));
+    tokens_.push_back(today.trouble().observe(look));
     today.reload();
     refresh();
 }
@@ -58,6 +59,11 @@ void TodayPanelModel::refresh() {
                      .idleLimit = idleLimit(window.settings),
                      .thumbnails =
                          window.settings.boolean(settingKey::showYouTubeThumbnails) ? Thumbnails::on : Thumbnails::off};
+    if (const auto& trouble = window.today.trouble().value()) {
+        const bool isEmpty = window.today.report().value().sessions.empty();
+        state.historyNotice = historyNotice(*trouble, window.host.historyFile.string(),
+                                            isEmpty ? HistoryShown::nothing : HistoryShown::earlier);
+    }
     if (status) {
         state.state = status->state;
         state.pausedUntil = status->pausedUntil;
