@@ -47,10 +47,15 @@ Window {
             Layout.fillHeight: true
         }
 
-        DashboardDetail {
+        // Not a layout within the layout: a band that comes while its size stays the same would not be given its place.
+        Item {
             Layout.fillHeight: true
             Layout.fillWidth: true
-            model: window.model
+
+            DashboardDetail {
+                anchors.fill: parent
+                model: window.model
+            }
         }
     }
 }
