@@ -61,7 +61,9 @@ Rectangle {
             Layout.fillWidth: true
             color: Theme.textSecondary
             font: Theme.caption
+            maximumLineCount: 2
             text: card.value.detail ?? " "
+            wrapMode: Text.Wrap
         }
     }
 

@@ -16,7 +16,12 @@ Item {
     // Rows as full as each other: of six where five fit three stand above three.
     readonly property int columns: Math.max(1, Math.ceil(stats.length / Math.max(1, rowCount)))
     readonly property real cellWidth: (width - (columns - 1) * gap) / columns
-    readonly property real cellHeight: cards.count > 0 ? cards.itemAt(0)?.implicitHeight ?? 0 : 0
+    readonly property real cellHeight: {
+        let most = 0;
+        for (let i = 0; i < cards.count; ++i)
+            most = Math.max(most, cards.itemAt(i)?.implicitHeight ?? 0);
+        return most;
+    }
 
     Layout.fillWidth: true
     implicitHeight: rowCount * (cellHeight + gap) - gap
