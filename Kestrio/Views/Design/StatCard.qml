@@ -68,6 +68,6 @@ Rectangle {
     }
 
     Help {
-        text: [detail.truncated ? detail.text : "", card.value.help].filter(text => text).join("\n")
+        lines: [detail.whole, card.value.help]
     }
 }

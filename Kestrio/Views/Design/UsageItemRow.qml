@@ -79,6 +79,6 @@ DividedRow {
     }
 
     Help {
-        text: [title, subtitle, detail].filter(line => line.truncated).map(line => line.text).join("\n")
+        lines: [title.whole, subtitle.whole, detail.whole]
     }
 }
