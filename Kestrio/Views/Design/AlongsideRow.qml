@@ -49,7 +49,9 @@ DividedRow {
                     Layout.fillWidth: true
                     color: Theme.textTertiary
                     font: Theme.caption
+                    maximumLineCount: 2
                     text: alongside.row.detail ?? ""
+                    wrapMode: Text.Wrap
                 }
             }
         }

@@ -54,20 +54,15 @@ Rectangle {
             text: card.value.value ?? ""
         }
 
-        Line {
-            id: detail
-
+        Paragraph {
             Accessible.ignored: true
             Layout.fillWidth: true
-            color: Theme.textSecondary
             font: Theme.caption
-            maximumLineCount: 2
             text: card.value.detail ?? " "
-            wrapMode: Text.Wrap
         }
     }
 
     Help {
-        lines: [detail.whole, card.value.help]
+        text: card.value.help ?? ""
     }
 }

@@ -48,8 +48,10 @@ DividedRow {
                 Layout.fillWidth: true
                 color: Theme.textTertiary
                 font: Theme.caption
+                maximumLineCount: 2
                 text: item.row.detail ?? ""
                 visible: text !== ""
+                wrapMode: Text.Wrap
             }
         }
 

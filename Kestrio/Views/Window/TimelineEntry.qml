@@ -25,7 +25,7 @@ Item {
         spacing: Theme.m
 
         Item {
-            Layout.preferredWidth: entry.rangeWidth + 3 + Theme.m
+            Layout.preferredWidth: entry.width < Theme.scaled(480) ? 3 : entry.rangeWidth + 3 + Theme.m
         }
 
         Line {

@@ -69,7 +69,9 @@ DividedRow {
                 Layout.fillWidth: true
                 color: Theme.textTertiary
                 font: Theme.caption
+                maximumLineCount: 2
                 text: entry.row.detail ?? ""
+                wrapMode: Text.Wrap
             }
         }
 

@@ -99,22 +99,6 @@ TEST(StatGrid, hasCardsOfALeastWidth) {
     }
 }
 
-TEST(StatGrid, givesALongDetailASecondLineAndAllCardsOneHeight) {
-    Stage stage;
-    stage.show(
-        "StatGrid { width: 948; stats: ['short', 'Nothing played on the side', 'short'].map(words => ({title: 'T', "
-        "symbol: 'clock', value: '1h', detail: words})).concat([1,2,3].map(n => ({title: 'T', value: '1h'}))) }");
-    ASSERT_EQ(stage.value("columns").toInt(), 6);
-    auto* const detail = stage.withText("Nothing played on the side");
-    ASSERT_NE(detail, nullptr);
-    EXPECT_TRUE(stage.becomes([&] { return detail->property("lineCount").toInt() == 2; }));
-    EXPECT_FALSE(detail->property("truncated").toBool());
-    const auto cards = stage.items("StatCard");
-    for (auto* const card : cards)
-        EXPECT_EQ(card->height(), cards.front()->height());
-    EXPECT_GE(cards.front()->height(), cards[1]->implicitHeight());
-}
-
 TEST(ScrollPane, isMovedByKeys) {
     Stage stage;
     auto* const pane =
