@@ -26,6 +26,7 @@ Item {
         model: axis.marks
 
         Line {
+            Accessible.ignored: true
             required property int index
             required property var modelData
 

@@ -28,6 +28,7 @@ Rectangle {
         }
 
         Line {
+            Accessible.ignored: true
             Layout.fillWidth: true
             color: Theme.textSecondary
             text: readout.pointer.text
@@ -47,11 +48,13 @@ Rectangle {
         }
 
         Line {
+            Accessible.ignored: true
             font: Theme.bodyStrong
             text: readout.pointer.appName
         }
 
         Line {
+            Accessible.ignored: true
             Layout.fillWidth: true
             Layout.minimumWidth: Theme.scaled(40)
             color: Theme.textSecondary
@@ -65,6 +68,7 @@ Rectangle {
         }
 
         Line {
+            Accessible.ignored: true
             color: Theme.textSecondary
             font: Theme.small
             text: readout.pointer.times

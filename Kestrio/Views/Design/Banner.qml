@@ -49,6 +49,7 @@ Rectangle {
             spacing: Theme.xs
 
             Paragraph {
+                Accessible.ignored: true
                 Layout.fillWidth: true
                 color: Theme.text
                 font: Theme.headline
@@ -57,6 +58,7 @@ Rectangle {
             }
 
             Paragraph {
+                Accessible.ignored: true
                 Layout.fillWidth: true
                 text: banner.value?.text ?? ""
                 visible: text !== ""

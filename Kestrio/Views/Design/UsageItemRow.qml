@@ -50,6 +50,7 @@ DividedRow {
         }
 
         OpenLinkButton {
+            Accessible.description: item.row.title ?? ""
             link: item.row.link ?? ""
         }
 

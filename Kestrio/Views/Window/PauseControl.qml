@@ -19,11 +19,16 @@ Loader {
         id: menu
 
         MenuButton {
+            focus: true // where the other one had it
             entries: control.value?.entries ?? []
             symbol: control.value?.symbol ?? ""
             text: control.value?.title ?? ""
 
-            onChosen: index => control.model.pause(index)
+            onChosen: index => {
+                // The other one takes its place, and the keyboard.
+                control.forceActiveFocus(Qt.PopupFocusReason);
+                control.model.pause(index);
+            }
         }
     }
 
@@ -31,6 +36,7 @@ Loader {
         id: resume
 
         PlainButton {
+            focus: true
             prominent: true
             symbol: control.value?.symbol ?? ""
             text: control.value?.title ?? ""

@@ -20,6 +20,7 @@ RowLayout {
         Accessible.name: control.title
         enabled: control.isEnabled
         help: control.help ?? control.title
+        keys: control.keys
         symbol: control.symbol
     }
 
@@ -40,6 +41,8 @@ RowLayout {
         }
 
         PlainButton {
+            help: row.controls.today.title
+            keys: row.controls.today.keys
             text: row.controls.today.title
 
             onClicked: row.model.showToday()

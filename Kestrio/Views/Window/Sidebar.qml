@@ -11,6 +11,12 @@ Rectangle {
 
     required property DashboardModel model
 
+    // The picked page.
+    function takeFocus() {
+        for (let place = 0; place < parts.count; ++place)
+            (parts.itemAt(place) as SidebarGroup).takeFocus();
+    }
+
     color: Theme.sidebar
 
     ColumnLayout {
@@ -33,6 +39,8 @@ Rectangle {
                 width: parent.width
 
                 Repeater {
+                    id: parts
+
                     model: sidebar.model.groups
 
                     SidebarGroup {

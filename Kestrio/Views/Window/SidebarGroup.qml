@@ -10,6 +10,14 @@ Column {
     required property var modelData
     required property DashboardModel dashboard
 
+    function takeFocus() {
+        for (let place = 0; place < rows.count; ++place) {
+            const row = rows.itemAt(place) as SidebarRow;
+            if (row.selected)
+                row.forceActiveFocus(Qt.TabFocusReason);
+        }
+    }
+
     bottomPadding: Theme.m
 
     Line {
@@ -25,6 +33,8 @@ Column {
     }
 
     Repeater {
+        id: rows
+
         model: group.modelData.sections
 
         SidebarRow {
