@@ -73,6 +73,15 @@ ColumnLayout {
         Layout.leftMargin: Theme.xl
         Layout.rightMargin: Theme.xl
         Layout.topMargin: Theme.m
+        value: detail.model.historyNotice
+        visible: value !== undefined && !detail.model.isHistoryAway
+    }
+
+    Banner {
+        Layout.fillWidth: true
+        Layout.leftMargin: Theme.xl
+        Layout.rightMargin: Theme.xl
+        Layout.topMargin: Theme.m
         value: detail.model.permissionBanner
         visible: value !== undefined
 
@@ -92,6 +101,13 @@ ColumnLayout {
         }
     }
 
+    EmptyActivityView {
+        Layout.fillHeight: true
+        Layout.fillWidth: true
+        value: detail.model.historyNotice ?? ({})
+        visible: detail.model.isHistoryAway
+    }
+
     Loader {
         id: page
 
@@ -105,6 +121,7 @@ ColumnLayout {
         Accessible.role: Accessible.Pane
         Layout.fillHeight: true
         Layout.fillWidth: true
+        visible: !detail.model.isHistoryAway
 
         Component.onCompleted: load()
 

@@ -10,6 +10,7 @@ Loader {
     id: control
 
     required property DashboardModel model
+    property bool isCompact: false
     readonly property var value: model.pauseControl
     readonly property bool isPaused: value?.kind === "resume"
 
@@ -19,8 +20,9 @@ Loader {
         id: menu
 
         MenuButton {
-            focus: true // where the other one had it
+            compact: control.isCompact
             entries: control.value?.entries ?? []
+            focus: true // where the other one had it
             symbol: control.value?.symbol ?? ""
             text: control.value?.title ?? ""
 
@@ -36,7 +38,9 @@ Loader {
         id: resume
 
         PlainButton {
+            Accessible.name: control.value?.title ?? ""
             focus: true
+            help: control.isCompact ? control.value?.title ?? "" : ""
             prominent: true
             symbol: control.value?.symbol ?? ""
             text: control.value?.title ?? ""

@@ -13,6 +13,8 @@ KeyboardList {
     bottomMargin: Theme.s
     currentIndex: page.selectedPlace
     hasTypeAhead: true
+    // A fresh report may move the selected row, away from where somebody reads.
+    highlightFollowsCurrentItem: false
     leftMargin: Theme.s
     model: page.rows
     place: page.selectedPlace

@@ -5,11 +5,12 @@ import QtQuick.Layouts
 import Kestrio.Design
 import Kestrio.Window
 
-// The pages in their groups, and below them what is being recorded.
+// The pages in their groups, and below them what is being recorded. Where large text has little room, the symbols alone.
 Rectangle {
     id: sidebar
 
     required property DashboardModel model
+    property bool isCompact: false
 
     // The picked page.
     function takeFocus() {
@@ -45,6 +46,7 @@ Rectangle {
 
                     SidebarGroup {
                         dashboard: sidebar.model
+                        isCompact: sidebar.isCompact
                         width: groups.width
                     }
                 }
@@ -53,11 +55,13 @@ Rectangle {
 
         TrackingStatusPanel {
             Layout.fillWidth: true
+            isCompact: sidebar.isCompact
             model: sidebar.model
         }
 
         PauseControl {
             Layout.fillWidth: true
+            isCompact: sidebar.isCompact
             model: sidebar.model
             visible: sidebar.model.pauseControl !== undefined
         }

@@ -9,6 +9,7 @@ Column {
 
     required property var modelData
     required property DashboardModel dashboard
+    required property bool isCompact
 
     function takeFocus() {
         for (let place = 0; place < rows.count; ++place) {
@@ -29,6 +30,7 @@ Column {
         leftPadding: Theme.s + 2
         text: group.modelData.title
         topPadding: Theme.xs
+        visible: !group.isCompact
         width: group.width
     }
 
@@ -39,6 +41,7 @@ Column {
 
         SidebarRow {
             dashboard: group.dashboard
+            isCompact: group.isCompact
             width: group.width
         }
     }

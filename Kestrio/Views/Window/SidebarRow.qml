@@ -9,6 +9,7 @@ ListRow {
 
     required property var modelData
     required property DashboardModel dashboard
+    required property bool isCompact
     readonly property int everyPage: 100 // more than there are
 
     function pickBeside(step: int) {
@@ -42,9 +43,9 @@ ListRow {
     }
 
     RowLayout {
-        anchors.left: parent.left
-        anchors.right: parent.right
         spacing: Theme.s
+        width: row.isCompact ? implicitWidth : parent.width
+        x: row.isCompact ? Math.round((parent.width - width) / 2) : 0
 
         Symbol {
             color: row.selected ? Theme.accent : Theme.textSecondary
@@ -57,6 +58,7 @@ ListRow {
             Layout.fillWidth: true
             font: row.selected ? Theme.bodyStrong : Theme.body
             text: row.text
+            visible: !row.isCompact
         }
     }
 }

@@ -38,6 +38,25 @@ KeyboardList {
     }
     onCountChanged: Qt.callLater(findPlace)
 
+    // The columns of times are as wide as the widest line of these.
+    Text {
+        id: ranges
+
+        font: Theme.small
+        text: list.page.samples.ranges.join("\n")
+        textFormat: Text.PlainText
+        visible: false
+    }
+
+    Text {
+        id: times
+
+        font: Theme.small
+        text: list.page.samples.times.join("\n")
+        textFormat: Text.PlainText
+        visible: false
+    }
+
     delegate: Loader {
         id: row
 
@@ -69,6 +88,7 @@ KeyboardList {
                 focus: true
                 focusPolicy: row.ListView.isCurrentItem || activeFocus ? Qt.TabFocus : Qt.NoFocus
                 isOpen: row.isOpen
+                rangeWidth: Math.ceil(ranges.implicitWidth)
                 value: row.value
 
                 onClicked: {
@@ -85,6 +105,8 @@ KeyboardList {
             TimelineEntry {
                 activeFocusOnTab: row.ListView.isCurrentItem || activeFocus
                 focus: true
+                rangeWidth: Math.ceil(ranges.implicitWidth)
+                timeWidth: Math.ceil(times.implicitWidth)
                 value: row.value
             }
         }

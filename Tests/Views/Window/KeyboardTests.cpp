@@ -225,6 +225,17 @@ TEST(Keyboard, theArrowsChooseTheUnitOfTheRange) {
     EXPECT_TRUE(screen.shows("This Month"));
 }
 
+TEST(Keyboard, theOverviewFollowsFromUnitToUnit) {
+    for (const int sessions : {20, 60, 250}) {
+        KeyboardScreen screen({.history = exampleMonth(sessions)});
+        screen.go("choice: Day");
+        for (int times = 0; times < 4; ++times)
+            for (const auto key : {Qt::Key_Right, Qt::Key_Right, Qt::Key_Left, Qt::Key_Left})
+                screen.press(key);
+        EXPECT_EQ(screen.stop(), "choice: Day");
+    }
+}
+
 TEST(Keyboard, aButtonThatCannotBePressedAnyLongerHandsTheKeyboardOn) {
     KeyboardScreen screen;
     screen.press(Qt::Key_BracketLeft, Qt::ControlModifier);

@@ -38,6 +38,9 @@ Item {
 
                 accessory: [
                     FilterField {
+                        Layout.fillWidth: true
+                        Layout.maximumWidth: implicitWidth
+                        Layout.minimumWidth: Theme.scaled(110)
                         text: view.page.filter
 
                         onTextChanged: view.page.filter = text
