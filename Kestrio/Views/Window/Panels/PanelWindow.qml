@@ -41,6 +41,7 @@ Window {
         focus: true
         radius: window.cornerRadius
 
+        Keys.forwardTo: [pane]
         Keys.onEscapePressed: window.close()
 
         ColumnLayout {
