@@ -43,6 +43,11 @@ class Thing:
             except dbus.DBusException:
                 continue  # it went meanwhile
 
+    def right(self):
+        """Where it ends, in points from the window's left edge."""
+        x, _, width, _ = self.object.GetExtents(1, dbus_interface="org.a11y.atspi.Component", signature="u")
+        return int(x) + int(width)
+
     def press(self):
         actions = self.object.GetActions(dbus_interface="org.a11y.atspi.Action")
         names = [str(name) for name, _, _ in actions]
