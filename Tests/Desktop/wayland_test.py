@@ -113,6 +113,13 @@ class Wayland(DesktopTest):
         self.sway("[app_id=kestrio]", "kill")
         self.ended_well(window)
 
+    def test_where_people_read_from_right_to_left_the_dashboard_is_mirrored(self):
+        window = self.start_window(LC_ALL="ar_EG.UTF-8")
+        self.screen.shown("Overview", "list item")
+        eventually(lambda: self.screen.shown("Overview", "list item").right() > 1000, "the sidebar is on the right")
+        self.sway("[app_id=kestrio]", "kill")
+        self.ended_well(window)
+
     def test_a_panel_keeps_its_size_and_closes_on_escape(self):
         for kind, title in (("today", "Today"), ("system", "System")):
             with self.subTest(kind):
