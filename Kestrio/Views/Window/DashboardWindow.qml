@@ -24,8 +24,8 @@ Window {
     LayoutMirroring.enabled: Application.layoutDirection === Qt.RightToLeft
     color: Theme.window
     height: model.size.height
-    minimumHeight: 480
-    minimumWidth: 720
+    minimumHeight: 400
+    minimumWidth: 480
     title: model.words.windowTitle
     width: model.size.width
 
@@ -65,7 +65,7 @@ Window {
 
             Layout.fillHeight: true
             Layout.preferredWidth: isCompact ? Theme.scaled(40) + 2 * Theme.m : Theme.scaled(216)
-            isCompact: window.width < Theme.scaled(560)
+            isCompact: window.width < Theme.scaled(640)
             model: window.model
         }
 
