@@ -59,12 +59,15 @@ void ReportStore::load() {
     const auto number = ++*latestLoad_;
     isLoading_.set(true);
     parts_.loadingQueue.async([this, parts = parts_, latest = latestLoad_, number, range = range(),
-                               width = granularity(mode_.value()),
+                               width = granularity(mode_.value()), present = report_.share(),
                                calendar = std::make_shared<const Calendar>(calendar_)] {
         if (*latest != number)
             return; // given up before it began
         auto report = std::make_shared<const ActivityReport>(
             ReportBuilder::build(parts.sessions(range), range, width, *calendar, parts.classification()));
+        // Here, where comparing two long ranges keeps nobody waiting.
+        if (*report == *present)
+            report = present;
         parts.queue.async([this, latest, number, report] {
             if (*latest == number) // and so the store is still there
                 accept(report);
@@ -76,7 +79,10 @@ void ReportStore::accept(std::shared_ptr<const ActivityReport> report) {
     // Before anybody is told: who is told may ask for another load, which then stands as the latest.
     lastLoaded_ = parts_.clock.now();
     const auto accepted = latestLoad_->load();
+    auto left = report_.share();
     report_.set(std::move(report));
+    // A long range takes milliseconds to free, which the main queue has better use for.
+    parts_.loadingQueue.async([left = std::move(left)]() mutable { left.reset(); });
     if (*latestLoad_ == accepted)
         isLoading_.set(false);
 }
