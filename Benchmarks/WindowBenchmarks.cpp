@@ -121,6 +121,7 @@ void turnToRange(benchmark::State& state, const QString& page, const QString& fr
     for ([[maybe_unused]] auto _ : state) {
         state.PauseTiming();
         dashboard.model().setMode(from);
+        finishLoading();
         dashboard.frame();
         state.ResumeTiming();
         dashboard.model().setMode(to);
@@ -136,6 +137,7 @@ void refresh(benchmark::State& state, const QString& page) {
     OpenDashboard dashboard(page.toStdString());
     for ([[maybe_unused]] auto _ : state) {
         state.PauseTiming();
+        hugeStage().sessions.back().end += Seconds(1);
         dashboard.model().refresh();
         finishLoading();
         state.ResumeTiming();

@@ -27,6 +27,7 @@ public:
         std::function<Failure(const WindowRequest&)> openWindow = {};
         ImportFiles importFiles = {};
         std::function<std::vector<BrowserReading>()> browsers = {};
+        std::function<Subscription(std::function<void()>)> observeBrowsers = {};
         ObserveMonitor observeMonitor = {};
         std::function<AgentCost()> ownCost = {};
         std::function<void()> quit = {}; // called after the answer
@@ -45,6 +46,7 @@ public:
     Subscription importFiles(std::vector<SessionFile> files, ImportReceiver receiver) override;
     Subscription observeData(std::function<void()> receiver) override;
     std::optional<std::vector<BrowserReading>> browsers() override;
+    Subscription observeBrowsers(std::function<void()> receiver) override;
     std::optional<AgentCost> ownCost() override;
     Subscription observe(std::function<void(const AgentStatus&)> receiver) override;
     Subscription observeMonitor(std::function<void(const MonitorReading&)> receiver) override;

@@ -115,7 +115,8 @@ public:
                 .openWindow = [this](const WindowRequest& request) { return windows_->show(request); },
                 .importFiles = [this](auto files,
                                       auto receiver) { return importFiles(std::move(files), std::move(receiver)); },
-                .browsers = [this] { return browsers_->readings(); },
+                .browsers = [this] { return browserReadings(); },
+                .observeBrowsers = [this](auto receiver) { return browserChanges_.subscribe(std::move(receiver)); },
                 .observeMonitor = [this](auto receiver) { return systemMonitor_->observe(std::move(receiver)); },
                 .ownCost = [this] { return resources_->cost(); },
                 .quit = [this] { quit(); },
@@ -208,7 +209,7 @@ private:
         monitorQueue_.sync([this] {
             desktop_ = std::make_unique<HostDesktop>(monitorQueue_, clock_, processEnvironment);
             browsers_ = std::make_unique<HostBrowsers>(monitorQueue_, clock_, *desktop_, browserTabs_->board(),
-                                                       processEnvironment);
+                                                       processEnvironment, [this] { tellBrowserChange(); });
             media_ = std::make_unique<HostMedia>(monitorQueue_, clock_, *desktop_, *browsers_);
         });
     }
@@ -233,6 +234,19 @@ private:
             return detector.detect(bundleID, appName, title);
         };
         return all;
+    }
+
+    /// Answers at once with what is known; what somebody asks about is then looked at.
+    std::vector<BrowserReading> browserReadings() {
+        monitorQueue_.async([this] {
+            if (browsers_)
+                browsers_->examine();
+        });
+        return browsers_->readings();
+    }
+
+    void tellBrowserChange() {
+        main_.async([this] { browserChanges_.emit(); });
     }
 
     HostOptimizer::Parts optimizerParts() {
@@ -347,6 +361,7 @@ private:
         giveBackHeld();
         stopLogging();
         stopRecording();
+        windows_->quit(); // they would only say that nothing is recorded any more
         main_.stop();
     }
 
@@ -389,6 +404,7 @@ private:
     std::optional<AutostartLoginItem> loginItem_;
     std::optional<AppModel> model_;
     std::optional<LocalBackground> background_;
+    Signal<> browserChanges_;
     std::unique_ptr<BusConnection> sessionBus_;
     std::unique_ptr<BackgroundService> service_;
     std::optional<WindowLauncher> windows_;

@@ -12,13 +12,31 @@
 #include "Programs/Window/DesktopLook.h"
 #include "Programs/Window/StoredSize.h"
 
+#include <malloc.h>
+
 namespace kestrio {
 namespace {
 
 namespace fs = std::filesystem;
 
+constexpr Seconds zoneInterval{30.0};
+constexpr Seconds zoneTolerance{15.0};
+
 fs::path dataFolder(const Locations& locations) {
     return locations.data / "Kestrio";
+}
+
+fs::path ownFolder() {
+    std::error_code ignored;
+    return fs::read_symlink("/proc/self/exe", ignored).parent_path();
+}
+
+/// That a start belongs to a moment of long ago is for the window manager, so that it leaves the front as it is; not
+/// every one does.
+void startForPerson(const std::vector<std::string>& command, bool inBackground) {
+    EnvironmentChanges changes{{"XDG_ACTIVATION_TOKEN", std::nullopt}};
+    changes["DESKTOP_STARTUP_ID"] = inBackground ? std::optional("kestrio_TIME1") : std::nullopt;
+    startDetached(command, changes);
 }
 
 /// The agent of this session, if it keeps its data where these windows look.
@@ -54,6 +72,8 @@ WindowWiring::WindowWiring(Queue& main, const Locations& locations, const std::o
     : settings_(locations.settingsFile(), main),
       classification_(settings_, hostHint(processEnvironment, clock_)),
       agent_(main, agentQueue_, ownAgent(busAddress, dataFolder(locations), agentQueue_)),
+      browsers_(main, agentQueue_, agent_, clock_,
+                {processEnvironment, ownFolder(), calendar_.locale(), startForPerson}),
       history_(dataFolder(locations) / Database::fileName, agent_),
       dashboard_(storeParts(main), calendar_, RangeMode::day, ReportStore::Follows::itsPerson),
       today_(storeParts(main), calendar_, RangeMode::day, ReportStore::Follows::now),
@@ -65,6 +85,7 @@ WindowWiring::WindowWiring(Queue& main, const Locations& locations, const std::o
              .agent = agent_,
              .dashboard = dashboard_,
              .today = today_,
+             .browserAccess = &browsers_.access(),
              .host = host(main, locations, busAddress)} {
     std::map<std::string, SettingValue> registered;
     for (const auto& setting : knownSettings())
@@ -72,6 +93,16 @@ WindowWiring::WindowWiring(Queue& main, const Locations& locations, const std::o
             registered.emplace(setting.key, *setting.registered);
     settings_.registerDefaults(std::move(registered));
     agent_.start();
+    zoneLooks_ = main.every({.interval = zoneInterval, .tolerance = zoneTolerance}, [this] { followTimeZone(); });
+}
+
+/// A person who travels finds their days where they are now.
+void WindowWiring::followTimeZone() {
+    if (!zone_.hasChanged())
+        return;
+    calendar_ = Calendar::current();
+    dashboard_.setCalendar(calendar_);
+    today_.setCalendar(calendar_);
 }
 
 WindowHost WindowWiring::host(Queue& main, const Locations& locations, const std::optional<std::string>& busAddress) {
@@ -91,6 +122,7 @@ WindowHost WindowWiring::host(Queue& main, const Locations& locations, const std
         host.observeDesktop = [this, &main, address = *busAddress](auto receiver) {
             return observeDesktopLook(address, main, agentQueue_, std::move(receiver));
         };
+    host.historyFile = dataFolder(locations) / Database::fileName;
     const auto sizeFile = locations.cache / "Kestrio" / "dashboard-size";
     host.storedSize = [sizeFile] { return readStoredSize(sizeFile); };
     host.storeSize = [sizeFile](WindowSize size) { writeStoredSize(sizeFile, size); };
@@ -106,13 +138,15 @@ ReportStore::Parts WindowWiring::storeParts(Queue& main) {
         .classification =
             [this] {
                 return Classification{classification_.categorizer().snapshot(), classification_.projectRules().rules()};
-            }};
+            },
+        .freed = [] { malloc_trim(0); }, // a month takes tens of megabytes, and a day may be next
+    };
 }
 
 /// Quietly: the windows are there already.
 bool WindowWiring::startAgent() {
     std::error_code ignored;
-    const auto agent = fs::read_symlink("/proc/self/exe", ignored).parent_path() / "kestrio";
+    const auto agent = ownFolder() / "kestrio";
     return fs::exists(agent, ignored) && startDetached({agent.string(), "--login"});
 }
 

@@ -1,8 +1,7 @@
-// Draws the icons of the bar in all their states and sizes, enlarged, on light and on dark, for whoever works on them:
-//
-//   IconSheet FILE.ppm
+// Draws the icons of the bar in all their states and sizes, enlarged, on light and on dark, for whoever works on them.
 #include "Kestrio/Drawing/TrayIcons.h"
 
+#include <CLI/CLI.hpp>
 #include <cstdint>
 #include <fstream>
 #include <iostream>
@@ -90,10 +89,10 @@ std::vector<std::vector<TrayPixmap>> allIcons() {
 
 int main(int argc, char** argv) {
     using namespace kestrio;
-    if (argc != 2) {
-        std::cerr << "usage: IconSheet FILE.ppm\n";
-        return 2;
-    }
+    CLI::App app("Draws the icons of the bar in all their states and sizes, enlarged.", "IconSheet");
+    std::string file;
+    app.add_option("file", file, "The picture, a .ppm")->required();
+    CLI11_PARSE(app, argc, argv);
     constexpr int zoom = 4;
     constexpr int cell = 22 * zoom + 16;
     const auto icons = allIcons();
@@ -113,5 +112,5 @@ int main(int argc, char** argv) {
             left += cell;
         }
     }
-    sheet.write(argv[1]);
+    sheet.write(file);
 }

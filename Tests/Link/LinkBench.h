@@ -25,6 +25,7 @@ struct LinkBench : MonitorBench {
                 .importFiles = [this](auto files,
                                       auto receiver) { return importFiles(std::move(files), std::move(receiver)); },
                 .browsers = [this] { return browsers; },
+                .observeBrowsers = [this](auto receiver) { return browserChanges.subscribe(std::move(receiver)); },
                 .observeMonitor = [this](auto receiver) { return observeMonitor(std::move(receiver)); },
                 .ownCost = [this] { return ownCost; },
                 .quit = [this] { ++quits; },
@@ -40,6 +41,7 @@ struct LinkBench : MonitorBench {
     Background::Failure windowFailure;
     LocalBackground::ImportFiles importFiles;
     std::vector<BrowserReading> browsers;
+    Signal<> browserChanges;
     LocalBackground::ObserveMonitor observeMonitor = [](const auto&) { return Subscription(); };
     AgentCost ownCost;
     int quits = 0;

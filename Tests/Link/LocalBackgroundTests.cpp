@@ -82,10 +82,18 @@ TEST(LocalBackground, saysWhyThereIsNoDashboard) {
 TEST(LocalBackground, saysHowBrowsersAreRead) {
     LinkBench bench;
     EXPECT_EQ(bench.background->browsers(), std::vector<BrowserReading>());
-    bench.browsers = {{"org.chromium.Chromium", true, false}, {"org.mozilla.firefox", false, true}};
+    bench.browsers = {{"org.chromium.Chromium", "Chromium", true, false},
+                      {"org.mozilla.firefox", "Firefox", false, true}};
     EXPECT_EQ(bench.background->browsers(), bench.browsers);
+    int changes = 0;
+    auto token = bench.background->observeBrowsers([&] { ++changes; });
+    bench.browserChanges.emit();
+    token.cancel();
+    bench.browserChanges.emit();
+    EXPECT_EQ(changes, 1);
     LocalBackground without(*bench.model, {}, {});
     EXPECT_EQ(without.browsers(), std::vector<BrowserReading>());
+    const auto none = without.observeBrowsers([] {});
     EXPECT_EQ(without.openDashboard(std::nullopt), "There are no windows here.");
 }
 

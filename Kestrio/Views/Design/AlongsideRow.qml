@@ -43,11 +43,15 @@ DividedRow {
                 }
 
                 Line {
+                    id: detail
+
                     Accessible.ignored: true
                     Layout.fillWidth: true
                     color: Theme.textTertiary
                     font: Theme.caption
+                    maximumLineCount: 2
                     text: alongside.row.detail ?? ""
+                    wrapMode: Text.Wrap
                 }
             }
         }
@@ -74,6 +78,6 @@ DividedRow {
     }
 
     Help {
-        text: title.truncated ? title.text : ""
+        text: [title, detail].filter(line => line.truncated).map(line => line.text).join("\n")
     }
 }

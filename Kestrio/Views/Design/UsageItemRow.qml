@@ -30,6 +30,8 @@ DividedRow {
             }
 
             Line {
+                id: subtitle
+
                 Accessible.ignored: true
                 Layout.fillWidth: true
                 color: Theme.textSecondary
@@ -40,12 +42,16 @@ DividedRow {
             }
 
             Line {
+                id: detail
+
                 Accessible.ignored: true
                 Layout.fillWidth: true
                 color: Theme.textTertiary
                 font: Theme.caption
+                maximumLineCount: 2
                 text: item.row.detail ?? ""
                 visible: text !== ""
+                wrapMode: Text.Wrap
             }
         }
 
@@ -75,6 +81,6 @@ DividedRow {
     }
 
     Help {
-        text: title.truncated ? title.text : ""
+        text: [title, subtitle, detail].filter(line => line.truncated).map(line => line.text).join("\n")
     }
 }

@@ -37,6 +37,15 @@ ColumnLayout {
         Layout.leftMargin: Theme.xl
         Layout.rightMargin: Theme.xl
         Layout.topMargin: Theme.m
+        value: detail.model.historyNotice
+        visible: value !== undefined && !detail.model.isHistoryAway
+    }
+
+    Banner {
+        Layout.fillWidth: true
+        Layout.leftMargin: Theme.xl
+        Layout.rightMargin: Theme.xl
+        Layout.topMargin: Theme.m
         value: detail.model.permissionBanner
         visible: value !== undefined
 
@@ -56,6 +65,13 @@ ColumnLayout {
         }
     }
 
+    EmptyActivityView {
+        Layout.fillHeight: true
+        Layout.fillWidth: true
+        value: detail.model.historyNotice ?? ({})
+        visible: detail.model.isHistoryAway
+    }
+
     Loader {
         id: page
 
@@ -67,6 +83,7 @@ ColumnLayout {
 
         Layout.fillHeight: true
         Layout.fillWidth: true
+        visible: !detail.model.isHistoryAway
 
         Component.onCompleted: load()
 

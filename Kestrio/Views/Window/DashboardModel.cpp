@@ -23,14 +23,22 @@ const PageEntry& entryOr(DashboardSection wanted) {
 
 } // namespace
 
-DashboardModel::DashboardModel(const WindowParts& parts) : parts_(parts) {
+DashboardModel::DashboardModel(const WindowParts& parts) : parts_(parts), showsNow_(parts.dashboard.isCurrent()) {
     lookAtRange();
+    lookAtHistory();
     lookAtAgent();
     lookAtPermissions();
-    const auto rangeMoved = [this](const auto&) { lookAtRange(); };
+    const auto rangeMoved = [this](const auto&) {
+        showsNow_ = parts_.dashboard.isCurrent();
+        lookAtRange();
+    };
     tokens_.push_back(parts.dashboard.mode().observe(rangeMoved));
     tokens_.push_back(parts.dashboard.anchor().observe(rangeMoved));
+    const auto look = [this](const auto&) { lookAtHistory(); };
+    tokens_.push_back(parts.dashboard.trouble().observe(look));
+    tokens_.push_back(parts.dashboard.report().observe(look));
     tokens_.push_back(parts.queue.every({.interval = wordsInterval, .tolerance = wordsTolerance}, [this] {
+        followNow();
         lookAtRange();
         lookAtAgent();
     }));
@@ -57,8 +65,11 @@ DashboardModel::DashboardModel(const WindowParts& parts) : parts_(parts) {
         else if (key == settingKey::idleMinutes)
             lookAtAgent();
     }));
-    if (parts.browserAccess)
-        tokens_.push_back(parts.browserAccess->permissions().observe([this](const auto&) { lookAtPermissions(); }));
+    if (parts.browserAccess) {
+        const auto look = [this](const auto&) { lookAtPermissions(); };
+        tokens_.push_back(parts.browserAccess->permissions().observe(look));
+        tokens_.push_back(parts.browserAccess->stepsLeft().observe(look));
+    }
 }
 
 DashboardModel::~DashboardModel() = default;
@@ -118,6 +129,7 @@ void DashboardModel::show(const PageEntry& entry) {
     connect(page_.get(), &PageModel::navigationRequested, this, &DashboardModel::select);
     page_->setShown(isOnScreen_);
     Q_EMIT pageChanged();
+    lookAtHistory();
 }
 
 void DashboardModel::setOnScreen(bool isOnScreen) {
@@ -126,8 +138,11 @@ void DashboardModel::setOnScreen(bool isOnScreen) {
     parts_.dashboard.setOnScreen(isOnScreen);
     if (page_)
         page_->setShown(isOnScreen);
-    if (isOnScreen)
-        parts_.dashboard.reload();
+    if (!isOnScreen)
+        return;
+    parts_.dashboard.reload();
+    if (parts_.browserAccess)
+        parts_.browserAccess->refresh();
 }
 
 void DashboardModel::lookAtRange() {
@@ -139,6 +154,29 @@ void DashboardModel::lookAtRange() {
         return;
     dateControls_ = std::move(controls);
     Q_EMIT rangeChanged();
+}
+
+/// A person who looks at today, this week or this month goes on doing so when it is over or the clock was set; a range
+/// that they went back to stays.
+void DashboardModel::followNow() {
+    if (showsNow_ && !parts_.dashboard.isCurrent())
+        showToday();
+}
+
+void DashboardModel::lookAtHistory() {
+    const auto& store = parts_.dashboard;
+    const auto& trouble = isReportPage() ? store.trouble().value() : std::nullopt;
+    const auto& report = store.report().value();
+    const bool isAway = trouble && report.sessions.empty() && report.alongsideSessions.empty();
+    const auto notice = trouble
+                            ? toVariant(kestrio::historyNotice(*trouble, parts_.host.historyFile.string(),
+                                                               isAway ? HistoryShown::nothing : HistoryShown::earlier))
+                            : QVariant();
+    if (notice == historyNotice_ && isAway == isHistoryAway_)
+        return;
+    historyNotice_ = notice;
+    isHistoryAway_ = isAway;
+    Q_EMIT historyChanged();
 }
 
 void DashboardModel::setMode(const QString& mode) {
@@ -163,13 +201,16 @@ void DashboardModel::pickDay(double date) {
 }
 
 void DashboardModel::lookAtAgent() {
-    auto status = currentStatus();
+    if (auto status = currentStatus(); status != status_) {
+        status_ = std::move(status);
+        Q_EMIT statusChanged();
+    }
+    // Told on its own: a menu that is open would be made anew.
     auto pauseControl = parts_.agent.status().value() ? toVariant(currentPauseControl()) : QVariant();
-    if (status == status_ && pauseControl == pauseControl_)
+    if (pauseControl == pauseControl_)
         return;
-    status_ = std::move(status);
     pauseControl_ = std::move(pauseControl);
-    Q_EMIT statusChanged();
+    Q_EMIT pauseControlChanged();
 }
 
 QVariantMap DashboardModel::currentStatus() const {
@@ -219,13 +260,11 @@ std::optional<PermissionBanner> DashboardModel::currentBanner() const {
     const auto& agent = parts_.agent.status().value();
     if (!agent)
         return std::nullopt;
-    static const std::vector<BrowserPermission> none;
-    auto banner = kestrio::permissionBanner(agent->isAccessibilityGranted,
-                                            parts_.settings.boolean(settingKey::dismissedBrowserBanner),
-                                            parts_.browserAccess ? parts_.browserAccess->permissions().value() : none);
-    if (banner && !agent->isAccessibilityGranted && advice_)
-        banner->text = *advice_;
-    return banner;
+    const auto* const access = parts_.browserAccess;
+    return kestrio::permissionBanner(
+        agent->isAccessibilityGranted, parts_.settings.boolean(settingKey::dismissedBrowserBanner),
+        access ? access->permissions().value() : std::vector<BrowserPermission>(),
+        {.accessibility = advice_, .browsers = access ? access->stepsLeft().value() : BrowserAccess::Steps()});
 }
 
 void DashboardModel::lookAtPermissions() {
@@ -243,8 +282,15 @@ void DashboardModel::actOnBanner(const QString& action) {
     else if (action == QLatin1StringView("dismiss"))
         parts_.settings.set(settingKey::dismissedBrowserBanner, true);
     else if (banner && banner->browser && parts_.browserAccess)
-        parts_.browserAccess->request(*banner->browser);
+        actOnBrowser(action, *banner->browser);
     lookAtPermissions();
+}
+
+void DashboardModel::actOnBrowser(const QString& action, const BrowserApp& browser) {
+    if (action == QLatin1StringView("openBrowserStep"))
+        parts_.browserAccess->openStep(browser);
+    else
+        parts_.browserAccess->request(browser);
 }
 
 void DashboardModel::openAbout() {

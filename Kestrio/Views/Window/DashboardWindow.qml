@@ -39,7 +39,8 @@ Window {
 
         Sidebar {
             Layout.fillHeight: true
-            Layout.preferredWidth: Math.min(Theme.scaled(216), window.width * 0.4)
+            Layout.preferredWidth: isCompact ? Theme.scaled(40) + 2 * Theme.m : Theme.scaled(216)
+            isCompact: window.width < Theme.scaled(560)
             model: window.model
         }
 

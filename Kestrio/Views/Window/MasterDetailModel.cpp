@@ -10,7 +10,7 @@ void MasterDetailModel::refresh() {
 }
 
 void MasterDetailModel::refreshList() {
-    auto made = list(ItemFilter(listFilter_.toStdString()));
+    auto made = list(itemFilter(listFilter_));
     empty_ = toVariant(made.empty);
     message_ = made.message ? shown(*made.message) : QString();
     rows_.set(std::move(made.rows));
@@ -19,9 +19,18 @@ void MasterDetailModel::refreshList() {
 }
 
 void MasterDetailModel::refreshDetail() {
-    auto made = selection_.isEmpty() ? std::nullopt : detailOf(selectedKey(), ItemFilter(filter_.toStdString()));
+    auto made = selection_.isEmpty() ? std::nullopt : detailOf(selectedKey(), itemFilter(filter_));
+    if (!made)
+        clearFilter();
     setTrend(made ? std::move(made->trend) : UsageTrend());
     setDetail(made ? QVariant(made->fields) : QVariant());
+}
+
+/// The pane goes with what it tells of, and the next one's field is empty.
+void MasterDetailModel::clearFilter() {
+    if (std::exchange(filter_, {}).isEmpty())
+        return;
+    Q_EMIT filterChanged();
 }
 
 /// Whoever reads what has not changed is not disturbed.
@@ -60,10 +69,9 @@ void MasterDetailModel::select(const QString& key) {
     if (key == selection_)
         return;
     selection_ = key;
-    filter_.clear();
+    clearFilter();
     setDetail({}); // so that the pane of the new one is made anew, with nothing of the old one in it
     Q_EMIT selectionChanged();
-    Q_EMIT filterChanged();
     findSelection();
     refreshDetail();
 }

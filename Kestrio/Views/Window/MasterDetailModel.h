@@ -1,7 +1,7 @@
 // A page with a list at the left and what is told of the selected row at the right: the selection, both filters, and
 // the two halves as QML reads them. What the halves are made of is each page's own.
 //
-// Selection and filters last as long as the page's view. The detail's filter starts empty at each new selection. A
+// Selection and filters last as long as the page's view. The detail's filter starts empty with each new pane. A
 // selected row that a later report does not have leaves the placeholder, and is back with the next report that has it.
 #pragma once
 
@@ -93,6 +93,7 @@ protected:
 private:
     void refreshList();
     void refreshDetail();
+    void clearFilter();
     void findSelection();
     void setDetail(QVariant detail);
     void setTrend(UsageTrend trend);

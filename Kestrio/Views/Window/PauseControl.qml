@@ -10,6 +10,7 @@ Loader {
     id: control
 
     required property DashboardModel model
+    property bool isCompact: false
     readonly property var value: model.pauseControl
     readonly property bool isPaused: value?.kind === "resume"
 
@@ -19,6 +20,7 @@ Loader {
         id: menu
 
         MenuButton {
+            compact: control.isCompact
             entries: control.value?.entries ?? []
             symbol: control.value?.symbol ?? ""
             text: control.value?.title ?? ""
@@ -31,6 +33,8 @@ Loader {
         id: resume
 
         PlainButton {
+            Accessible.name: control.value?.title ?? ""
+            help: control.isCompact ? control.value?.title ?? "" : ""
             prominent: true
             symbol: control.value?.symbol ?? ""
             text: control.value?.title ?? ""

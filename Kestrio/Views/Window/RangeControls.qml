@@ -5,11 +5,14 @@ import QtQuick.Layouts
 import Kestrio.Design
 import Kestrio.Window
 
-RowLayout {
+// What moves the range, in as many lines as it takes.
+Flow {
     id: row
 
     required property DashboardModel model
     readonly property var controls: model.dateControls
+    // In one line.
+    readonly property real wholeWidth: units.implicitWidth + steps.implicitWidth + (day.visible ? day.implicitWidth + spacing : 0) + refresh.implicitWidth + 2 * spacing
 
     spacing: Theme.s
 
@@ -24,6 +27,8 @@ RowLayout {
     }
 
     SegmentedControl {
+        id: units
+
         choices: row.controls.units
         help: row.controls.rangeLabel
 
@@ -31,6 +36,8 @@ RowLayout {
     }
 
     RowLayout {
+        id: steps
+
         spacing: 0
 
         ControlButton {
@@ -53,6 +60,8 @@ RowLayout {
     }
 
     DatePicker {
+        id: day
+
         date: row.model.anchor
         help: row.controls.dateLabel
         now: row.model.now
@@ -62,6 +71,8 @@ RowLayout {
     }
 
     ControlButton {
+        id: refresh
+
         control: row.controls.refresh
 
         onClicked: row.model.refresh()

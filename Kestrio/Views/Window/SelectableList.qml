@@ -29,8 +29,8 @@ ListView {
     bottomMargin: Theme.s
     boundsBehavior: Flickable.StopAtBounds
     clip: true
-    currentIndex: page.selectedPlace
-    highlightMoveDuration: 0
+    // None: a view follows its current row, which a fresh report may move, away from where somebody reads.
+    currentIndex: -1
     keyNavigationEnabled: false
     leftMargin: Theme.s
     model: page.rows

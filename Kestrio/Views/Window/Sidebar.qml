@@ -5,11 +5,12 @@ import QtQuick.Layouts
 import Kestrio.Design
 import Kestrio.Window
 
-// The pages in their groups, and below them what is being recorded.
+// The pages in their groups, and below them what is being recorded. Where large text has little room, the symbols alone.
 Rectangle {
     id: sidebar
 
     required property DashboardModel model
+    property bool isCompact: false
 
     color: Theme.sidebar
 
@@ -37,6 +38,7 @@ Rectangle {
 
                     SidebarGroup {
                         dashboard: sidebar.model
+                        isCompact: sidebar.isCompact
                         width: groups.width
                     }
                 }
@@ -45,11 +47,13 @@ Rectangle {
 
         TrackingStatusPanel {
             Layout.fillWidth: true
+            isCompact: sidebar.isCompact
             model: sidebar.model
         }
 
         PauseControl {
             Layout.fillWidth: true
+            isCompact: sidebar.isCompact
             model: sidebar.model
             visible: sidebar.model.pauseControl !== undefined
         }

@@ -9,6 +9,7 @@ Column {
 
     required property var modelData
     required property DashboardModel dashboard
+    required property bool isCompact
 
     bottomPadding: Theme.m
 
@@ -21,6 +22,7 @@ Column {
         leftPadding: Theme.s + 2
         text: group.modelData.title
         topPadding: Theme.xs
+        visible: !group.isCompact
         width: group.width
     }
 
@@ -29,6 +31,7 @@ Column {
 
         SidebarRow {
             dashboard: group.dashboard
+            isCompact: group.isCompact
             width: group.width
         }
     }

@@ -9,6 +9,7 @@ ListRow {
 
     required property var modelData
     required property DashboardModel dashboard
+    required property bool isCompact
 
     function pickBeside(step: int) {
         dashboard.selectNeighbour(step);
@@ -30,9 +31,9 @@ ListRow {
     }
 
     RowLayout {
-        anchors.left: parent.left
-        anchors.right: parent.right
         spacing: Theme.s
+        width: row.isCompact ? implicitWidth : parent.width
+        x: row.isCompact ? Math.round((parent.width - width) / 2) : 0
 
         Symbol {
             color: row.selected ? Theme.accent : Theme.textSecondary
@@ -45,6 +46,11 @@ ListRow {
             Layout.fillWidth: true
             font: row.selected ? Theme.bodyStrong : Theme.body
             text: row.text
+            visible: !row.isCompact
         }
+    }
+
+    Help {
+        text: row.isCompact ? row.text : ""
     }
 }

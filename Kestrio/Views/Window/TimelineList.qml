@@ -24,6 +24,25 @@ ListView {
 
     T.ScrollBar.vertical: ThinScrollBar {}
 
+    // The columns of times are as wide as the widest line of these.
+    Text {
+        id: ranges
+
+        font: Theme.small
+        text: list.page.samples.ranges.join("\n")
+        textFormat: Text.PlainText
+        visible: false
+    }
+
+    Text {
+        id: times
+
+        font: Theme.small
+        text: list.page.samples.times.join("\n")
+        textFormat: Text.PlainText
+        visible: false
+    }
+
     delegate: Loader {
         id: row
 
@@ -48,6 +67,7 @@ ListView {
 
             TimelineBlock {
                 isOpen: row.isOpen
+                rangeWidth: Math.ceil(ranges.implicitWidth)
                 value: row.value
 
                 onToggled: list.page.rows.toggle(row.index)
@@ -58,6 +78,8 @@ ListView {
             id: entry
 
             TimelineEntry {
+                rangeWidth: Math.ceil(ranges.implicitWidth)
+                timeWidth: Math.ceil(times.implicitWidth)
                 value: row.value
             }
         }

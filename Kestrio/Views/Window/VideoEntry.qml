@@ -63,11 +63,15 @@ DividedRow {
             }
 
             Line {
+                id: detail
+
                 Accessible.ignored: true
                 Layout.fillWidth: true
                 color: Theme.textTertiary
                 font: Theme.caption
+                maximumLineCount: 2
                 text: entry.row.detail ?? ""
+                wrapMode: Text.Wrap
             }
         }
 
@@ -84,6 +88,6 @@ DividedRow {
     }
 
     Help {
-        text: title.truncated ? title.text : ""
+        text: [title, detail].filter(line => line.truncated).map(line => line.text).join("\n")
     }
 }

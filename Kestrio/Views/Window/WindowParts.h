@@ -44,6 +44,8 @@ struct WindowHost {
     std::function<Subscription(std::function<void(const DesktopAppearance&)>)> observeDesktop = [](const auto&) {
         return Subscription();
     };
+    /// The file with the recorded sessions, for people to look for.
+    std::filesystem::path historyFile = {};
     /// The size that the dashboard had when it was last closed; absent when it never was.
     std::function<std::optional<WindowSize>()> storedSize = [] { return std::nullopt; };
     std::function<void(WindowSize)> storeSize = [](auto) {};

@@ -84,7 +84,7 @@ struct TodayScreen : PanelScreen<TodayPanelModel> {
 };
 
 struct SystemScreen : PanelScreen<SystemPanelModel> {
-    SystemScreen() : PanelScreen("SystemPanel") {}
+    explicit SystemScreen(Agent presence = Agent::there) : PanelScreen("SystemPanel", recording(), presence) {}
     void read(const MonitorReading& news) {
         script.readings.emit(news);
         settle();
@@ -102,6 +102,29 @@ TEST(TodayPanelView, tellsOfTheDayAndOfThisMoment) {
     EXPECT_TRUE(screen.model->isReady());
 }
 
+TEST(TodayPanelView, aHistoryThatCannotBeReadIsSaid) {
+    constexpr auto gone =
+        "Your history cannot be read. The file /home/me/activity.sqlite is gone. Once it is back, your "
+        "history shows again.";
+    TodayScreen screen;
+    screen.parts.host.historyFile = "/home/me/activity.sqlite";
+    screen.trouble = DatabaseTrouble::missing;
+    screen.today.reload();
+    screen.settle();
+    EXPECT_TRUE(screen.shows(QString(gone) + " What you see was read before."));
+    EXPECT_TRUE(screen.shows("38m"));
+    screen.time.advance(Seconds(86'400));
+    screen.settle();
+    EXPECT_TRUE(screen.shows(gone)) << "of this day nothing was read";
+    EXPECT_TRUE(screen.shows("–"));
+    EXPECT_FALSE(screen.shows("0% productive"));
+    screen.trouble.reset();
+    screen.time.advance(ReportStore::retryInterval);
+    screen.settle();
+    EXPECT_FALSE(screen.shows(gone));
+    EXPECT_TRUE(screen.shows("0% productive"));
+}
+
 TEST(TodayPanelView, followsTheAgent) {
     TodayScreen screen;
     auto later = recording();
@@ -117,6 +140,30 @@ TEST(TodayPanelView, followsTheAgent) {
     screen.settle();
     EXPECT_TRUE(screen.shows("Red: no keyboard or mouse for 7m, so you count as away and nothing is being recorded. "
                              "Touch the keyboard or mouse and it turns green again."));
+}
+
+TEST(TodayPanelView, theDayIsKeptUpToDateWhileItShows) {
+    TodayScreen screen;
+    const auto active = [&] { return screen.model->panel().value(QStringLiteral("activeTime")).toString(); };
+    const auto after = [&](const auto& what) {
+        what();
+        screen.settle();
+        return active();
+    };
+    const auto aMinute = [&] { screen.time.advance(TodayPanelModel::refreshInterval * 6 / 5); };
+    EXPECT_EQ(active(), "38m");
+    screen.sessions.erase(screen.sessions.begin());
+    EXPECT_EQ(after(aMinute), "28m");
+    screen.sessions.clear();
+    EXPECT_EQ(after([&] { screen.script.dataChanged.emit(); }), "0s") << "deleted";
+    screen.sessions = exampleWorkday();
+    EXPECT_EQ(after([&] {
+                  screen.classification.categorizer().setAppCategory(ActivityCategory::social, "org.example.Editor");
+              }),
+              "38m");
+    screen.model->setShown(false);
+    screen.sessions.clear();
+    EXPECT_EQ(after(aMinute), "38m") << "nobody looks";
 }
 
 TEST(TodayPanelView, pausesAndResumes) {
@@ -237,6 +284,20 @@ TEST(SystemPanelView, waitsForTheFirstReading) {
     screen.read(reading());
     EXPECT_TRUE(screen.model->isReady());
     EXPECT_FALSE(screen.shows("Reading this computer…"));
+}
+
+TEST(SystemPanelView, withoutAnAgentSaysSoUntilThereIsOne) {
+    constexpr auto notRunning = "Kestrio is not running, so nothing is being read.";
+    SystemScreen screen(WindowStage::Agent::away);
+    EXPECT_TRUE(screen.model->isReady());
+    EXPECT_TRUE(screen.shows(notRunning));
+    screen.isAgentThere = true;
+    screen.time.advance(AgentLink::retryInterval);
+    screen.settle();
+    EXPECT_TRUE(screen.shows("Reading this computer…"));
+    screen.read(reading());
+    EXPECT_FALSE(screen.shows(notRunning));
+    EXPECT_TRUE(screen.shows("42%"));
 }
 
 TEST(SystemPanelView, tellsHowTheMachineIs) {

@@ -11,7 +11,10 @@ struct AgentScript {
     AgentStatus status;
     std::vector<std::string> done; // what it was asked to do, in words
     Background::Failure failure;   // of every action
+    std::optional<std::vector<BrowserReading>> browsers = std::vector<BrowserReading>();
+    Signal<> browserChanges;
     Signal<AgentStatus> changed;
+    Signal<> dataChanged;
     Signal<MonitorReading> readings;
 
     void tell(AgentStatus news) {
@@ -34,8 +37,13 @@ public:
     Failure openSettings(std::optional<std::string> /*tab*/) override { return note("open the settings"); }
     Failure quit() override { return note("quit"); }
     Subscription importFiles(std::vector<SessionFile> /*files*/, ImportReceiver /*receiver*/) override { return {}; }
-    Subscription observeData(std::function<void()> /*receiver*/) override { return {}; }
-    std::optional<std::vector<BrowserReading>> browsers() override { return std::vector<BrowserReading>(); }
+    Subscription observeData(std::function<void()> receiver) override {
+        return script_.dataChanged.subscribe(std::move(receiver));
+    }
+    std::optional<std::vector<BrowserReading>> browsers() override { return script_.browsers; }
+    Subscription observeBrowsers(std::function<void()> receiver) override {
+        return script_.browserChanges.subscribe(std::move(receiver));
+    }
     std::optional<AgentCost> ownCost() override { return AgentCost(); }
     Subscription observe(std::function<void(const AgentStatus&)> receiver) override {
         return script_.changed.subscribe(std::move(receiver));

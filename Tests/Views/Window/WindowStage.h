@@ -29,7 +29,7 @@ struct WindowStage {
         return {.clock = time,
                 .queue = main,
                 .loadingQueue = loading,
-                .sessions = [this](DateInterval) { return sessions; },
+                .sessions = [this](DateInterval) { return trouble ? FoundSessions(*trouble) : sessions; },
                 .classification =
                     [this] {
                         return Classification{classification.categorizer().snapshot(),
@@ -64,6 +64,7 @@ struct WindowStage {
                         return connection;
                     }};
     std::vector<ActivitySession> sessions;
+    std::optional<DatabaseTrouble> trouble; // why they cannot be read
     ReportStore dashboard;
     ReportStore today;
     WindowParts parts{.clock = time,

@@ -41,6 +41,9 @@ Item {
 
                 accessory: [
                     FilterField {
+                        Layout.fillWidth: true
+                        Layout.maximumWidth: implicitWidth
+                        Layout.minimumWidth: Theme.scaled(110)
                         text: view.page.filter
 
                         onTextChanged: view.page.filter = text

@@ -99,6 +99,15 @@ PanelWindow {
         value: window.panel.banner
     }
 
+    Paragraph {
+        Accessible.name: text
+        Accessible.role: Accessible.AlertMessage
+        Layout.fillWidth: true
+        color: Theme.critical
+        text: window.panel.historyNotice ?? ""
+        visible: text !== ""
+    }
+
     LiveActivity {
         Layout.fillWidth: true
         value: window.panel.live
