@@ -48,6 +48,7 @@ Window {
         focus: true
         radius: window.cornerRadius
 
+        Keys.forwardTo: [pane]
         Keys.onEscapePressed: window.close()
 
         ColumnLayout {
