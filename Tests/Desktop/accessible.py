@@ -64,13 +64,9 @@ class Thing:
 
     def place(self):
         """Left and upper edge in the window, width and height."""
+<<<<<<< HEAD
         sides = self.object.GetExtents(WINDOW, dbus_interface="org.a11y.atspi.Component", signature="u")
         return [int(side) for side in sides]
-
-    def right(self):
-        """Where it ends, in points from the window's left edge."""
-        left, _, width, _ = self.place()
-        return left + width
 
     def press(self):
         actions = self.object.GetActions(dbus_interface="org.a11y.atspi.Action")
