@@ -114,6 +114,17 @@ class Window(DesktopTest):
         self.assertTrue(rows)
         self.assertGreater(rows[-1]["end"] - rows[-1]["start"], 3 * TICK)
 
+    def test_the_band_that_tells_of_a_missing_agent_stands_below_the_head_of_the_page(self):
+        self.start_window()
+        band = self.screen.shown("Kestrio is not running")
+        head = self.screen.shown("Today", "heading")
+
+        def is_below():
+            _, top, _, height = head.place()
+            return band.place()[1] >= top + height
+
+        eventually(is_below, "the band stands below the head")
+
     def test_without_an_agent_the_window_starts_one(self):
         window = self.start_window()
         self.screen.shown("Kestrio is not running")

@@ -7,7 +7,8 @@ import QtQuick.Templates as T
 Loader {
     id: help
 
-    property string text: ""
+    property var lines: [] // instead of one text; empty and absent ones are left out
+    property string text: lines.filter(line => line).join("\n")
     readonly property bool wanted: text !== "" && (pointer.hovered || (control?.visualFocus ?? false))
     readonly property T.Control control: parent as T.Control
 

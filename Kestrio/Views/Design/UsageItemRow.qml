@@ -81,6 +81,6 @@ DividedRow {
     }
 
     Help {
-        text: [title, subtitle, detail].filter(line => line.truncated).map(line => line.text).join("\n")
+        lines: [title.whole, subtitle.whole, detail.whole]
     }
 }

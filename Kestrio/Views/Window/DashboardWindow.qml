@@ -48,10 +48,20 @@ Window {
             Layout.fillHeight: true
         }
 
-        DashboardDetail {
+        // Apart from this row: of a layout within another, what comes to show while the window gets its size is not
+        // laid out.
+        Item {
             Layout.fillHeight: true
             Layout.fillWidth: true
-            model: window.model
+            implicitHeight: detail.implicitHeight
+            implicitWidth: detail.implicitWidth
+
+            DashboardDetail {
+                id: detail
+
+                anchors.fill: parent
+                model: window.model
+            }
         }
     }
 }

@@ -88,6 +88,6 @@ DividedRow {
     }
 
     Help {
-        text: [title, detail].filter(line => line.truncated).map(line => line.text).join("\n")
+        lines: [title.whole, detail.whole]
     }
 }

@@ -161,7 +161,6 @@ TEST(Rows, tellWholeWhatIsCutShort) {
          title},
         {"UsageItemRow { width: 300; row: ({title: 'short', detail: '%1', duration: '1m'}) }", title},
         {"AlongsideRow { width: 300; row: ({title: '%1', detail: '%1', duration: '1m'}) }", title + "\n" + title},
-        {"StatCard { width: 148; value: ({title: 'T', value: '1h', detail: '%1', help: 'Why'}) }", title + "\nWhy"},
         {"StatCard { width: 148; value: ({title: 'T', value: '1h', detail: 'short', help: 'Why'}) }", "Why"},
         {"StatCard { width: 148; value: ({title: 'T', value: '1h'}) }", ""},
     };
