@@ -2,7 +2,7 @@
 #include "Kestrio/Views/Window/Panels/Panels.h"
 #include "Kestrio/Views/Window/Panels/SystemPanelModel.h"
 #include "Kestrio/Views/Window/Panels/TodayPanelModel.h"
-#include "Tests/Views/Window/Screen.h"
+#include "Tests/Views/Window/KeyboardWalk.h"
 #include "Tests/Views/Window/WindowStage.h"
 
 namespace kestrio {
@@ -484,6 +484,43 @@ TEST(Panels, appearAllTheSameWhenNothingComes) {
     PanelsScreen screen;
     screen.panels.show({PanelKind::system, std::nullopt});
     EXPECT_TRUE(QTest::qWaitFor([&] { return screen.panels.window()->isVisible(); }));
+}
+
+TEST(TodayPanelView, isUsedByKeyboardAlone) {
+    TodayScreen screen;
+    KeyboardWalk walk(screen);
+    const auto stops = walk.stops(Qt::Key_Tab, [&] {
+        EXPECT_TRUE(walk.isRinged()) << walk.stop();
+        EXPECT_TRUE(walk.isInSight()) << walk.stop();
+        EXPECT_TRUE(walk.isLargeEnough()) << walk.stop();
+    });
+    EXPECT_EQ(stops,
+              (KeyboardWalk::Stops{"button: Dashboard", "button: Pause tracking", "button: Settings", "button: Quit"}));
+    walk.go("button: Pause tracking");
+    screen.press(Qt::Key_Space);
+    screen.settle();
+    EXPECT_EQ(screen.script.done, std::vector<std::string>{"pause"});
+    screen.press(Qt::Key_Escape);
+    EXPECT_FALSE(screen.window().isVisible());
+}
+
+TEST(SystemPanelView, isUsedByKeyboardAlone) {
+    SystemScreen screen;
+    screen.read(reading());
+    KeyboardWalk walk(screen);
+    const auto stops = walk.stops(Qt::Key_Tab, [&] {
+        EXPECT_TRUE(walk.isRinged()) << walk.stop();
+        EXPECT_TRUE(walk.isInSight()) << walk.stop();
+        EXPECT_TRUE(walk.isLargeEnough()) << walk.stop();
+    });
+    EXPECT_EQ(stops,
+              (KeyboardWalk::Stops{"choice: Memory", "button: Resume All", "button: System Monitor",
+                                   "button: Performance", "button: Settings — you can hide this tray icon there"}));
+    walk.go("choice: Memory");
+    screen.press(Qt::Key_Right);
+    EXPECT_EQ(walk.stop(), "choice: Power");
+    screen.press(Qt::Key_Escape);
+    EXPECT_FALSE(screen.window().isVisible());
 }
 
 } // namespace
