@@ -4,9 +4,8 @@ import dbus
 
 from kestrio_desktop import eventually
 
-ROLES = {"dialog": 16, "heading": 83, "label": 29, "list item": 32, "push button": 43, "radio button": 44}
+ROLES = {"alert": 2, "dialog": 16, "heading": 83, "label": 29, "list item": 32, "push button": 43, "radio button": 44}
 VISIBLE = 30  # among the states
-WINDOW = 1  # among the origins of places
 NOTHING = "/org/a11y/atspi/null"
 
 
@@ -45,8 +44,9 @@ class Thing:
                 continue  # it went meanwhile
 
     def place(self):
-        """Left and upper edge in the window, width and height."""
-        return [int(number) for number in self.object.GetExtents(WINDOW, dbus_interface="org.a11y.atspi.Component", signature="u")]
+        """Left, top, width and height on the screen."""
+        sides = self.object.GetExtents(0, dbus_interface="org.a11y.atspi.Component", signature="u")
+        return [int(side) for side in sides]
 
     def press(self):
         actions = self.object.GetActions(dbus_interface="org.a11y.atspi.Action")

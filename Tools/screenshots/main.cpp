@@ -42,6 +42,12 @@ void withoutHistory(WindowStage& stage) {
     stage.sessions.clear();
 }
 
+void withoutReadableHistory(WindowStage& stage) {
+    stage.trouble = DatabaseTrouble::damaged;
+    stage.parts.host.historyFile = "/home/robin/.local/share/Kestrio/activity.sqlite";
+    stage.dashboard.step(-1); // what was read before is another day's
+}
+
 void atWork(WindowStage& stage) {
     const auto& last = stage.sessions.back();
     LiveActivity live;
@@ -136,6 +142,7 @@ const std::vector<View>& views() {
         {"projects", DashboardRequest{"projects"}, RangeMode::week},
         {"projects-selected", DashboardRequest{"projects"}, RangeMode::week, asItIs, 0},
         {"empty", DashboardRequest{"overview"}, RangeMode::day, withoutHistory},
+        {"unreadable", DashboardRequest{"overview"}, RangeMode::day, withoutReadableHistory},
         {"not-running", DashboardRequest{"overview"}, RangeMode::day, withoutAgent},
         {"paused", DashboardRequest{"timeline"}, RangeMode::week, pausedUntilSix},
         {"panel-today", PanelRequest{PanelKind::today}, RangeMode::day, atWork},
@@ -235,7 +242,10 @@ std::variant<Wish, int> parse(int count, const char* const* arguments) {
     Wish wish;
     CLI::App app("Pictures of the windows over an example history.", "kestrio-screenshots");
     app.add_option("folder", wish.folder, "Where the pictures are written")->capture_default_str();
-    app.add_option("name", wish.name, "The only view to show");
+    std::vector<std::string> names;
+    for (const auto& view : views())
+        names.emplace_back(view.name);
+    app.add_option("name", wish.name, "The only view to show")->check(CLI::IsMember(names));
     app.add_option("--size", wish.size, "Of the dashboard, in points, instead of two usual ones");
     app.add_option("--scale", wish.scale, "The pixels of a point")->check(CLI::Range(0.5, 4.0));
     app.add_option("--text", wish.desktop.textScale, "How much larger text is")->check(CLI::Range(0.5, 3.0));

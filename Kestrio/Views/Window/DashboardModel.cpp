@@ -34,9 +34,9 @@ DashboardModel::DashboardModel(const WindowParts& parts) : parts_(parts), showsN
     };
     tokens_.push_back(parts.dashboard.mode().observe(rangeMoved));
     tokens_.push_back(parts.dashboard.anchor().observe(rangeMoved));
-    const auto look = [this](const auto&) { lookAtHistory(); };
-    tokens_.push_back(parts.dashboard.trouble().observe(look));
-    tokens_.push_back(parts.dashboard.report().observe(look));
+    const auto historyRead = [this](const auto&) { lookAtHistory(); };
+    tokens_.push_back(parts.dashboard.trouble().observe(historyRead));
+    tokens_.push_back(parts.dashboard.report().observe(historyRead));
     tokens_.push_back(parts.queue.every({.interval = wordsInterval, .tolerance = wordsTolerance}, [this] {
         followNow();
         lookAtRange();
@@ -66,9 +66,9 @@ DashboardModel::DashboardModel(const WindowParts& parts) : parts_(parts), showsN
             lookAtAgent();
     }));
     if (parts.browserAccess) {
-        const auto look = [this](const auto&) { lookAtPermissions(); };
-        tokens_.push_back(parts.browserAccess->permissions().observe(look));
-        tokens_.push_back(parts.browserAccess->stepsLeft().observe(look));
+        const auto lookAgain = [this](const auto&) { lookAtPermissions(); };
+        tokens_.push_back(parts.browserAccess->permissions().observe(lookAgain));
+        tokens_.push_back(parts.browserAccess->stepsLeft().observe(lookAgain));
     }
 }
 

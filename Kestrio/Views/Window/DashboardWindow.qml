@@ -48,12 +48,17 @@ Window {
             Layout.fillHeight: true
         }
 
-        // Not a layout within the layout: a band that comes while its size stays the same would not be given its place.
+        // Apart from this row: of a layout within another, what comes to show while the window gets its size is not
+        // laid out.
         Item {
             Layout.fillHeight: true
             Layout.fillWidth: true
+            implicitHeight: detail.implicitHeight
+            implicitWidth: detail.implicitWidth
 
             DashboardDetail {
+                id: detail
+
                 anchors.fill: parent
                 model: window.model
             }

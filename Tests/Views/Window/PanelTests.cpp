@@ -102,6 +102,19 @@ TEST(TodayPanelView, tellsOfTheDayAndOfThisMoment) {
     EXPECT_TRUE(screen.model->isReady());
 }
 
+TEST(TodayPanelView, theAgentsDeathIsSaidWhileItIsOpen) {
+    TodayScreen screen;
+    screen.agentDies();
+    screen.settle();
+    EXPECT_TRUE(screen.shows("Not running"));
+    EXPECT_FALSE(screen.shows("Song of the sea"));
+    EXPECT_TRUE(screen.shows("38m"));
+    screen.agentReturns();
+    screen.settle();
+    EXPECT_TRUE(screen.shows("Song of the sea"));
+    EXPECT_FALSE(screen.shows("Not running"));
+}
+
 TEST(TodayPanelView, aHistoryThatCannotBeReadIsSaid) {
     constexpr auto gone =
         "Your history cannot be read. The file /home/me/activity.sqlite is gone. Once it is back, your "
