@@ -66,9 +66,9 @@ DashboardModel::DashboardModel(const WindowParts& parts) : parts_(parts), showsN
             lookAtAgent();
     }));
     if (parts.browserAccess) {
-        const auto lookAgain = [this](const auto&) { lookAtPermissions(); };
-        tokens_.push_back(parts.browserAccess->permissions().observe(lookAgain));
-        tokens_.push_back(parts.browserAccess->stepsLeft().observe(lookAgain));
+        const auto accessChanged = [this](const auto&) { lookAtPermissions(); };
+        tokens_.push_back(parts.browserAccess->permissions().observe(accessChanged));
+        tokens_.push_back(parts.browserAccess->stepsLeft().observe(accessChanged));
     }
 }
 

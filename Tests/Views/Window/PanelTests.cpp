@@ -138,6 +138,21 @@ TEST(TodayPanelView, aHistoryThatCannotBeReadIsSaid) {
     EXPECT_TRUE(screen.shows("0% productive"));
 }
 
+TEST(TodayPanelView, whatIsTooLongForItsLineIsTheHelpOfThatLine) {
+    const std::string title = "A title that goes on and on about how long it is, and then some more";
+    auto status = recording();
+    status.live->sample.title = title + " in front";
+    status.alongside.front().sample.title = title + " beside it";
+    const TodayScreen screen(status);
+    for (const auto* const where : {" in front", " beside it"}) {
+        const auto saying = screen.items(
+            [&](QQuickItem& item) { return item.property("text").toString().toStdString() == title + where; });
+        ASSERT_EQ(saying.size(), 2U) << where;
+        EXPECT_TRUE(saying[0]->property("truncated").toBool()) << where;
+        EXPECT_EQ(saying[1]->parentItem(), saying[0]) << "its help";
+    }
+}
+
 TEST(TodayPanelView, followsTheAgent) {
     TodayScreen screen;
     auto later = recording();
@@ -338,6 +353,17 @@ TEST(SystemPanelView, tellsHowTheMachineIs) {
                                    "System Monitor",
                                    "Performance"})
         EXPECT_TRUE(screen.shows(text)) << text;
+}
+
+TEST(SystemPanelView, nothingOfWhatTheOptimizerHoldsIsCut) {
+    SystemScreen screen;
+    auto busy = reading();
+    busy.optimizer = OptimizerCounts{12, 11'200'000'000, 14, true};
+    screen.read(busy);
+    auto* const details = screen.withText("12 frozen (11.2 GB) · 14 on efficiency cores");
+    ASSERT_NE(details, nullptr);
+    EXPECT_FALSE(details->property("truncated").toBool());
+    EXPECT_GE(details->height(), details->implicitHeight());
 }
 
 TEST(SystemPanelView, ranksAsItsPickerSays) {
