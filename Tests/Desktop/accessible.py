@@ -64,7 +64,6 @@ class Thing:
 
     def place(self):
         """Left and upper edge in the window, width and height."""
-<<<<<<< HEAD
         sides = self.object.GetExtents(WINDOW, dbus_interface="org.a11y.atspi.Component", signature="u")
         return [int(side) for side in sides]
 
