@@ -78,9 +78,9 @@ DashboardModel::DashboardModel(const WindowParts& parts) : parts_(parts), showsN
             lookAtAgent();
     }));
     if (parts.browserAccess) {
-        const auto look = [this](const auto&) { lookAtPermissions(); };
-        tokens_.push_back(parts.browserAccess->permissions().observe(look));
-        tokens_.push_back(parts.browserAccess->stepsLeft().observe(look));
+        const auto lookAtAccess = [this](const auto&) { lookAtPermissions(); };
+        tokens_.push_back(parts.browserAccess->permissions().observe(lookAtAccess));
+        tokens_.push_back(parts.browserAccess->stepsLeft().observe(lookAtAccess));
     }
 }
 
