@@ -195,6 +195,18 @@ class TheHistory(Failures):
         self.screen.gone(UNREADABLE)
         self.assertRegex(self.close_dashboard(window), "^Kestrio: Could not open database: [^\n]*\n$")
 
+    def test_a_stretch_without_anything_and_back(self):
+        self.make_history(2)
+        window = self.start_window()
+        self.page_shown("Overview")
+        for _ in range(3):
+            for _ in range(4):
+                self.screen.press("Previous", "push button")
+            self.screen.shown("No activity yet")
+            self.screen.press("Today", "push button")
+            self.page_shown("Overview")
+        self.assertEqual(self.close_dashboard(window), "")
+
     def test_one_that_another_program_keeps_to_itself_holds_nobody_up(self):
         self.make_history()
         with contextlib.closing(sqlite3.connect(self.home.database)) as other:
