@@ -64,7 +64,8 @@ class Thing:
 
     def place(self):
         """Left and upper edge in the window, width and height."""
-        return [int(number) for number in self.object.GetExtents(WINDOW, dbus_interface="org.a11y.atspi.Component", signature="u")]
+        sides = self.object.GetExtents(WINDOW, dbus_interface="org.a11y.atspi.Component", signature="u")
+        return [int(side) for side in sides]
 
     def press(self):
         actions = self.object.GetActions(dbus_interface="org.a11y.atspi.Action")

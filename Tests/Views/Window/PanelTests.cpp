@@ -74,7 +74,7 @@ struct PanelScreen : WindowStage, Screen {
     PanelParts panelParts{
         .window = parts,
         .openDashboard = [this](const auto& page) { opened.push_back("dashboard " + page.value_or("-")); },
-        .openSettings = [this] { opened.push_back("settings"); }};
+        .openSettings = [this](const auto& tab) { opened.push_back("settings " + tab.value_or("-")); }};
     std::unique_ptr<Model> model;
 };
 
@@ -227,7 +227,7 @@ TEST(TodayPanelView, leadsOnByItsButtonsAndByKeys) {
     screen.click(screen.named("Settings", QAccessible::Button));
     screen.press(Qt::Key_D, Qt::ControlModifier);
     screen.press(Qt::Key_Comma, Qt::ControlModifier);
-    EXPECT_EQ(screen.opened, (Done{"dashboard -", "settings", "dashboard -", "settings"}));
+    EXPECT_EQ(screen.opened, (Done{"dashboard -", "settings -", "dashboard -", "settings -"}));
     EXPECT_EQ(screen.closings, 4);
 }
 
@@ -392,7 +392,7 @@ TEST(SystemPanelView, leadsOn) {
     screen.click("Performance");
     screen.click(screen.named("Settings — you can hide this tray icon there", QAccessible::Button));
     screen.click("Optimization is off");
-    EXPECT_EQ(screen.opened, (Done{"monitor", "dashboard performance", "settings", "settings"}));
+    EXPECT_EQ(screen.opened, (Done{"monitor", "dashboard performance", "settings -", "settings optimization"}));
     EXPECT_EQ(screen.closings, 4);
 }
 
