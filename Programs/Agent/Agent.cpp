@@ -4,12 +4,10 @@
 #include "Kestrio/Base/Log.h"
 #include "Kestrio/Base/Mistake.h"
 #include "Kestrio/Classification/TextTools.h"
-#include "Kestrio/Link/BackgroundClient.h"
 #include "Kestrio/Link/BackgroundService.h"
 #include "Kestrio/Link/LocalBackground.h"
 #include "Kestrio/Pages/StateWords.h"
 #include "Kestrio/Platform/Linux/AutostartLoginItem.h"
-#include "Kestrio/Platform/Linux/BusAddress.h"
 #include "Kestrio/Platform/Linux/BusConnection.h"
 #include "Kestrio/Platform/Linux/FileKeyValueStore.h"
 #include "Kestrio/Platform/Linux/SingleInstance.h"
@@ -183,15 +181,16 @@ private:
         const auto process = std::get<SingleInstance::Taken>(answer).processIdentifier;
         say("Kestrio is already running" + (process ? " (process " + std::to_string(*process) + ")." : "."));
         if (!options_.isLoginItem && !options_.onChange)
-            showRunningAgent();
+            showDashboard();
         return 0;
     }
 
-    static void showRunningAgent() {
-        const auto said = BusConnection::address(BusConnection::Bus::session);
-        const auto address = said ? answeringBus(*said, BusConnection::callDeadline) : std::nullopt;
-        const auto running = address ? BackgroundClient::connect(*address) : nullptr;
-        if (const auto failure = running ? running->openDashboard(std::nullopt) : std::nullopt)
+    /// Not by the copy that runs: the screen to show it on and the desktop's leave to take the front are this one's.
+    void showDashboard() {
+        const auto bus = BusConnection::open(main_, BusConnection::Bus::session);
+        WindowLauncher windows({main_, bus.get(), ownProgram().parent_path() / "kestrio-window", processEnvironment});
+        const auto token = processEnvironment("XDG_ACTIVATION_TOKEN").value_or("");
+        if (const auto failure = windows.show(DashboardRequest(), token))
             say(*failure);
     }
 
