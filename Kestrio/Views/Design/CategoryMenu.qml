@@ -10,6 +10,7 @@ T.AbstractButton {
     id: control
 
     required property var value
+    readonly property bool isOpen: (menuLoader.item as T.Menu)?.opened ?? false
 
     signal selected(var category)
 
@@ -62,7 +63,7 @@ T.AbstractButton {
     onClicked: open()
 
     Help {
-        text: Words.changeCategory
+        text: control.isOpen ? "" : Words.changeCategory
     }
 
     Loader {
