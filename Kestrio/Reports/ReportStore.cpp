@@ -16,6 +16,12 @@ std::shared_ptr<const ActivityReport> shared(ActivityReport report) {
     return std::make_shared<const ActivityReport>(std::move(report));
 }
 
+/// The present report where the new one equals it. To compare two long ones takes milliseconds: done while loading.
+std::shared_ptr<const ActivityReport> presentIfEqual(std::shared_ptr<const ActivityReport> made,
+                                                     const std::shared_ptr<const ActivityReport>& present) {
+    return *made == *present ? present : std::move(made);
+}
+
 } // namespace
 
 ReportStore::ReportStore(Parts parts, Calendar calendar, RangeMode mode, Follows follows)
@@ -64,15 +70,17 @@ void ReportStore::load() {
     retry_.cancel();
     isLoading_.set(true);
     parts_.loadingQueue.async([this, parts = parts_, latest = latestLoad_, number, range = range(),
-                               width = granularity(mode_.value()),
+                               width = granularity(mode_.value()), present = report_.share(),
                                calendar = std::make_shared<const Calendar>(calendar_)] {
         if (*latest != number)
             return; // given up before it began
         auto found = parts.sessions(range);
         auto* const sessions = std::get_if<std::vector<ActivitySession>>(&found);
-        const Loaded loaded = sessions ? Loaded(shared(ReportBuilder::build(std::move(*sessions), range, width,
-                                                                            *calendar, parts.classification())))
-                                       : Loaded(std::get<DatabaseTrouble>(found));
+        const Loaded loaded =
+            sessions ? Loaded(presentIfEqual(shared(ReportBuilder::build(std::move(*sessions), range, width, *calendar,
+                                                                         parts.classification())),
+                                             present))
+                     : Loaded(std::get<DatabaseTrouble>(found));
         parts.queue.async([this, latest, number, loaded] {
             if (*latest == number) // and so the store is still there
                 accept(loaded);
@@ -91,7 +99,7 @@ void ReportStore::accept(const Loaded& loaded) {
 void ReportStore::take(const std::shared_ptr<const ActivityReport>& report) {
     lastLoaded_ = parts_.clock.now();
     trouble_.set(std::nullopt);
-    report_.set(report);
+    show(report);
 }
 
 void ReportStore::take(DatabaseTrouble trouble) {
@@ -100,8 +108,19 @@ void ReportStore::take(DatabaseTrouble trouble) {
             reload();
     });
     if (report_.value().interval != range())
-        report_.set(shared(emptyReport(mode_.value(), anchor_.value(), calendar_)));
+        show(shared(emptyReport(mode_.value(), anchor_.value(), calendar_)));
     trouble_.set(trouble);
+}
+
+/// To free a long report takes milliseconds too, so it goes on the loading queue.
+void ReportStore::show(std::shared_ptr<const ActivityReport> report) {
+    auto left = report_.share();
+    report_.set(std::move(report));
+    if (left != report_.share())
+        parts_.loadingQueue.async([left = std::move(left), freed = parts_.freed]() mutable {
+            left.reset();
+            freed();
+        });
 }
 
 void ReportStore::startAutoRefresh(Seconds interval) {

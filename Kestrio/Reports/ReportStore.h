@@ -35,6 +35,8 @@ public:
         Queue& loadingQueue; // on which sessions are read and reports built
         Sessions sessions;
         CurrentClassification classification;
+        /// Called on the loading queue whenever a report was dropped that is no longer shown.
+        std::function<void()> freed = [] {};
     };
 
     /// How long after sessions could not be read it is tried again, while somebody sees the store.
@@ -93,6 +95,7 @@ private:
     void accept(const Loaded& loaded);
     void take(const std::shared_ptr<const ActivityReport>& report);
     void take(DatabaseTrouble trouble);
+    void show(std::shared_ptr<const ActivityReport> report);
     void refresh();
     bool isDue() const;
 

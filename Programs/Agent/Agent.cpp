@@ -419,6 +419,8 @@ private:
 
 int runAgent(const AgentOptions& options) {
     umask(077); // whatever is made here is nobody else's business
+    // Its threads hardly ever work at the same time; a heap for each would only keep what another could use.
+    mallopt(M_ARENA_MAX, 1);
     const auto places = locations(processEnvironment);
     if (!places) {
         say("neither KESTRIO_HOME nor HOME is set to a folder; there is no place to keep anything.");

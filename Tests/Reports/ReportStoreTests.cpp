@@ -480,5 +480,30 @@ TEST(ReportStore, loadsOnARealThreadAndDropsWhatCameTooLate) {
     queue.sync([] {});
 }
 
+TEST(ReportStore, anEqualReportLeavesTheShownOneWhereItIs) {
+    StoreBench bench;
+    bench.addSession(bench.time.now() - Seconds(hour), 60);
+    bench.store.reload();
+    bench.settle();
+    const auto shown = bench.store.report().share();
+    bench.store.reload();
+    bench.time.runPending();
+    EXPECT_EQ(bench.store.report().share(), shown);
+    EXPECT_EQ(bench.told, (Told{"loading", "done"}));
+}
+
+TEST(ReportStore, aReportThatIsNoLongerShownIsFreedOnTheLoadingQueue) {
+    StoreBench bench;
+    const std::weak_ptr<const ActivityReport> left = bench.store.report().share();
+    bench.addSession(bench.time.now() - Seconds(hour), 60);
+    bench.store.reload();
+    bench.loadingQueue.sync([] {});
+    bench.queue.sync([] {});
+    EXPECT_EQ(bench.told, (Told{"loading", "report", "done"}));
+    EXPECT_FALSE(left.expired());
+    bench.loadingQueue.sync([] {});
+    EXPECT_TRUE(left.expired());
+}
+
 } // namespace
 } // namespace kestrio

@@ -38,6 +38,7 @@ DividedRow {
                 spacing: Theme.xs + 2
 
                 AlongsideBadge {
+                    Accessible.ignored: true
                     value: alongside.row.badge ?? ({})
                     visible: alongside.row.badge !== undefined
                 }

@@ -56,6 +56,7 @@ DividedRow {
         }
 
         OpenLinkButton {
+            Accessible.description: item.row.title ?? ""
             link: item.row.link ?? ""
         }
 

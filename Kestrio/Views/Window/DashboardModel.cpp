@@ -21,6 +21,18 @@ const PageEntry& entryOr(DashboardSection wanted) {
     return entry ? *entry : pageTable().front();
 }
 
+/// Its sections with the keys that lead to each: Ctrl and its place in the sidebar, the first being 1.
+QVariantMap withKeys(QVariantMap group, int& place) {
+    auto sections = group["sections"].toList();
+    for (auto& section : sections) {
+        auto fields = section.toMap();
+        fields["keys"] = QStringLiteral("Ctrl+%1").arg(++place);
+        section = fields;
+    }
+    group["sections"] = sections;
+    return group;
+}
+
 } // namespace
 
 DashboardModel::DashboardModel(const WindowParts& parts) : parts_(parts), showsNow_(parts.dashboard.isCurrent()) {
@@ -66,9 +78,15 @@ DashboardModel::DashboardModel(const WindowParts& parts) : parts_(parts), showsN
             lookAtAgent();
     }));
     if (parts.browserAccess) {
+<<<<<<< HEAD
         const auto accessChanged = [this](const auto&) { lookAtPermissions(); };
         tokens_.push_back(parts.browserAccess->permissions().observe(accessChanged));
         tokens_.push_back(parts.browserAccess->stepsLeft().observe(accessChanged));
+=======
+        const auto lookAtAccess = [this](const auto&) { lookAtPermissions(); };
+        tokens_.push_back(parts.browserAccess->permissions().observe(lookAtAccess));
+        tokens_.push_back(parts.browserAccess->stepsLeft().observe(lookAtAccess));
+>>>>>>> wt-keys
     }
 }
 
@@ -84,7 +102,11 @@ void DashboardModel::open(const std::optional<std::string>& page) {
 }
 
 QVariantList DashboardModel::groups() {
-    return toVariants(listedGroups());
+    auto groups = toVariants(listedGroups());
+    int place = 0;
+    for (auto& group : groups)
+        group = withKeys(group.toMap(), place);
+    return groups;
 }
 
 QString DashboardModel::section() const {

@@ -19,7 +19,7 @@ class DashboardModel : public QObject {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("Made by the program.")
-    /// The sidebar: `title` and `sections` of each group.
+    /// The sidebar: `title` and `sections` of each group, a section with the `keys` that lead to it.
     Q_PROPERTY(QVariantList groups READ groups CONSTANT)
     Q_PROPERTY(QString section READ section NOTIFY pageChanged)
     Q_PROPERTY(QString sectionLabel READ sectionLabel NOTIFY pageChanged)

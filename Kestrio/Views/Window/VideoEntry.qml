@@ -41,6 +41,7 @@ DividedRow {
                 }
 
                 Badge {
+                    Accessible.ignored: true
                     text: entry.row.badge ?? ""
                     tint: Theme.red
                     visible: text !== ""
@@ -76,6 +77,7 @@ DividedRow {
         }
 
         OpenLinkButton {
+            Accessible.description: entry.row.title ?? ""
             link: entry.row.link ?? ""
         }
 

@@ -36,7 +36,7 @@ Windows::Windows(const WindowParts& parts)
     : parts_(parts),
       panelParts_{.window = parts,
                   .openDashboard = [this](const auto& page) { showDashboard({page}); },
-                  .openSettings = [this] { show(SettingsRequest{}); }} {
+                  .openSettings = [this](const auto& tab) { show(SettingsRequest{tab}); }} {
     // Naming it has the linker take the registration along.
     [[maybe_unused]] const volatile auto registration = &qml_register_types_Kestrio_Window;
     installDesign(engine_, parts.host.iconFile)

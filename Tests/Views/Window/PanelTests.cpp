@@ -2,7 +2,7 @@
 #include "Kestrio/Views/Window/Panels/Panels.h"
 #include "Kestrio/Views/Window/Panels/SystemPanelModel.h"
 #include "Kestrio/Views/Window/Panels/TodayPanelModel.h"
-#include "Tests/Views/Window/Screen.h"
+#include "Tests/Views/Window/KeyboardWalk.h"
 #include "Tests/Views/Window/WindowStage.h"
 
 namespace kestrio {
@@ -74,7 +74,7 @@ struct PanelScreen : WindowStage, Screen {
     PanelParts panelParts{
         .window = parts,
         .openDashboard = [this](const auto& page) { opened.push_back("dashboard " + page.value_or("-")); },
-        .openSettings = [this] { opened.push_back("settings"); }};
+        .openSettings = [this](const auto& tab) { opened.push_back("settings " + tab.value_or("-")); }};
     std::unique_ptr<Model> model;
 };
 
@@ -227,7 +227,7 @@ TEST(TodayPanelView, leadsOnByItsButtonsAndByKeys) {
     screen.click(screen.named("Settings", QAccessible::Button));
     screen.press(Qt::Key_D, Qt::ControlModifier);
     screen.press(Qt::Key_Comma, Qt::ControlModifier);
-    EXPECT_EQ(screen.opened, (Done{"dashboard -", "settings", "dashboard -", "settings"}));
+    EXPECT_EQ(screen.opened, (Done{"dashboard -", "settings -", "dashboard -", "settings -"}));
     EXPECT_EQ(screen.closings, 4);
 }
 
@@ -392,7 +392,7 @@ TEST(SystemPanelView, leadsOn) {
     screen.click("Performance");
     screen.click(screen.named("Settings — you can hide this tray icon there", QAccessible::Button));
     screen.click("Optimization is off");
-    EXPECT_EQ(screen.opened, (Done{"monitor", "dashboard performance", "settings", "settings"}));
+    EXPECT_EQ(screen.opened, (Done{"monitor", "dashboard performance", "settings -", "settings optimization"}));
     EXPECT_EQ(screen.closings, 4);
 }
 
@@ -484,6 +484,43 @@ TEST(Panels, appearAllTheSameWhenNothingComes) {
     PanelsScreen screen;
     screen.panels.show({PanelKind::system, std::nullopt});
     EXPECT_TRUE(QTest::qWaitFor([&] { return screen.panels.window()->isVisible(); }));
+}
+
+TEST(TodayPanelView, isUsedByKeyboardAlone) {
+    TodayScreen screen;
+    KeyboardWalk walk(screen);
+    const auto stops = walk.stops(Qt::Key_Tab, [&] {
+        EXPECT_TRUE(walk.isRinged()) << walk.stop();
+        EXPECT_TRUE(walk.isInSight()) << walk.stop();
+        EXPECT_TRUE(walk.isLargeEnough()) << walk.stop();
+    });
+    EXPECT_EQ(stops,
+              (KeyboardWalk::Stops{"button: Dashboard", "button: Pause tracking", "button: Settings", "button: Quit"}));
+    walk.go("button: Pause tracking");
+    screen.press(Qt::Key_Space);
+    screen.settle();
+    EXPECT_EQ(screen.script.done, std::vector<std::string>{"pause"});
+    screen.press(Qt::Key_Escape);
+    EXPECT_FALSE(screen.window().isVisible());
+}
+
+TEST(SystemPanelView, isUsedByKeyboardAlone) {
+    SystemScreen screen;
+    screen.read(reading());
+    KeyboardWalk walk(screen);
+    const auto stops = walk.stops(Qt::Key_Tab, [&] {
+        EXPECT_TRUE(walk.isRinged()) << walk.stop();
+        EXPECT_TRUE(walk.isInSight()) << walk.stop();
+        EXPECT_TRUE(walk.isLargeEnough()) << walk.stop();
+    });
+    EXPECT_EQ(stops,
+              (KeyboardWalk::Stops{"choice: Memory", "button: Resume All", "button: System Monitor",
+                                   "button: Performance", "button: Settings — you can hide this tray icon there"}));
+    walk.go("choice: Memory");
+    screen.press(Qt::Key_Right);
+    EXPECT_EQ(walk.stop(), "choice: Power");
+    screen.press(Qt::Key_Escape);
+    EXPECT_FALSE(screen.window().isVisible());
 }
 
 } // namespace

@@ -106,6 +106,7 @@ ColumnLayout {
             }
 
             AlongsideBadge {
+                Accessible.ignored: true
                 value: line.row.badge ?? ({})
                 visible: line.row.badge !== undefined
             }

@@ -161,7 +161,7 @@ PanelWindow {
         visible: window.hasReading
 
         onResumeAll: window.model.resumeAll()
-        onSettingsWanted: window.model.openSettings()
+        onSettingsWanted: window.model.openOptimization()
     }
 
     Item {
