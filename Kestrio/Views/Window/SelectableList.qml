@@ -11,10 +11,9 @@ KeyboardList {
     required property MasterDetailModel page
 
     bottomMargin: Theme.s
-    currentIndex: page.selectedPlace
+    // None: a view follows its current row, which a fresh report may move, away from where somebody reads.
+    currentIndex: -1
     hasTypeAhead: true
-    // A fresh report may move the selected row, away from where somebody reads.
-    highlightFollowsCurrentItem: false
     leftMargin: Theme.s
     model: page.rows
     place: page.selectedPlace
@@ -38,7 +37,12 @@ KeyboardList {
         required property var row
 
         Accessible.description: [row.duration, row.subtitle].filter(text => text).join(", ")
+        ListView.onReused: {
+            if (selected && list.activeFocus)
+                forceActiveFocus(Qt.OtherFocusReason);
+        }
         activeFocusOnTab: false
+        focus: selected
         focusPolicy: Qt.NoFocus
         selected: row.key === list.page.selection
         text: row.title

@@ -23,13 +23,21 @@ ColumnLayout {
         text: list.title
     }
 
-    Repeater {
-        model: RowsModel {
-            rows: list.rows
-        }
+    // Not a layout: a nested one may still arrange rows that a shorter list no longer has.
+    Column {
+        id: column
 
-        CompactUsageRow {
-            Layout.fillWidth: true
+        Layout.fillWidth: true
+        spacing: 2
+
+        Repeater {
+            model: RowsModel {
+                rows: list.rows
+            }
+
+            CompactUsageRow {
+                width: column.width
+            }
         }
     }
 }
