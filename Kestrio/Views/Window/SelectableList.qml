@@ -36,8 +36,11 @@ KeyboardList {
 
         required property var row
 
+        // While it waits to be used again, assistive technology would still come to it.
+        ListView.onPooled: visible = false
         Accessible.description: [row.duration, row.subtitle].filter(text => text).join(", ")
         ListView.onReused: {
+            visible = true;
             if (selected && list.activeFocus)
                 forceActiveFocus(Qt.OtherFocusReason);
         }
