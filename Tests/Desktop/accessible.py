@@ -140,6 +140,10 @@ class Screen:
         except dbus.DBusException:
             return None
 
+    def focused_path(self):
+        thing = self.focus()
+        return thing and str(thing.path)
+
     def focused_description(self):
         thing = self.focus()
         return thing and str(thing.ask("Description"))
