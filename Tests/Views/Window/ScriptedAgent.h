@@ -13,6 +13,10 @@ struct AgentScript {
     Background::Failure failure;   // of every action
     Signal<AgentStatus> changed;
     Signal<MonitorReading> readings;
+    OptimizerLink* optimizer = nullptr;
+    std::vector<std::string> importedFiles; // by name
+    ImportOutcome importOutcome = ImportStopped{};
+    Signal<> dataChanged;
 
     void tell(AgentStatus news) {
         status = std::move(news);
@@ -33,8 +37,20 @@ public:
     Failure openDashboard(std::optional<std::string> /*page*/) override { return note("open the dashboard"); }
     Failure openSettings(std::optional<std::string> /*tab*/) override { return note("open the settings"); }
     Failure quit() override { return note("quit"); }
-    Subscription importFiles(std::vector<SessionFile> /*files*/, ImportReceiver /*receiver*/) override { return {}; }
-    Subscription observeData(std::function<void()> /*receiver*/) override { return {}; }
+    Subscription importFiles(std::vector<SessionFile> files, ImportReceiver receiver) override {
+        for (const auto& file : files)
+            script_.importedFiles.push_back(file.name);
+        receiver.ended(script_.importOutcome);
+        return {};
+    }
+    Failure deleteActivity(std::optional<Date> before) override {
+        return note(before ? "delete before " + std::to_string(static_cast<std::int64_t>(before->seconds()))
+                           : "delete all");
+    }
+    Failure deleteResourceLog() override { return note("delete the log"); }
+    Subscription observeData(std::function<void()> receiver) override {
+        return script_.dataChanged.subscribe(std::move(receiver));
+    }
     std::optional<std::vector<BrowserReading>> browsers() override { return std::vector<BrowserReading>(); }
     std::optional<AgentCost> ownCost() override { return AgentCost(); }
     Subscription observe(std::function<void(const AgentStatus&)> receiver) override {
@@ -44,7 +60,7 @@ public:
         return script_.readings.subscribe(std::move(receiver));
     }
 
-    OptimizerLink* optimizer() override { return nullptr; }
+    OptimizerLink* optimizer() override { return script_.optimizer; }
 
 private:
     Failure note(std::string what) {
