@@ -6,6 +6,12 @@
 #include <utility>
 
 namespace kestrio {
+namespace {
+
+/// More than anybody looks through.
+constexpr std::int32_t mostTotals = 5000;
+
+} // namespace
 
 std::vector<ActivitySession> StoredHistory::sessions(DateInterval interval) {
     std::vector<ActivitySession> found;
@@ -14,6 +20,21 @@ std::vector<ActivitySession> StoredHistory::sessions(DateInterval interval) {
     if (const auto agent = agent_.known(patience))
         joinOpen(found, agent->live, agent->alongside, interval);
     return found;
+}
+
+DataSettings::Stored StoredHistory::stored() {
+    DataSettings::Stored stored{.fileName = file_.filename().string()};
+    if (auto* const found = database()) {
+        stored.bytes = static_cast<std::uint64_t>(found->fileSize());
+        stored.sessions = found->sessionCount();
+        stored.since = found->earliestStart();
+    }
+    return stored;
+}
+
+std::vector<NamedTotal> StoredHistory::totals(const char* sql) {
+    auto* const found = database();
+    return found ? found->totals(sql, mostTotals) : std::vector<NamedTotal>();
 }
 
 Database* StoredHistory::database() {

@@ -5,8 +5,11 @@
 #include "Kestrio/Platform/Linux/BusAddress.h"
 #include "Kestrio/Platform/Linux/BusConnection.h"
 #include "Kestrio/Platform/Linux/DetachedProgram.h"
+#include "Kestrio/Platform/Linux/FileManager.h"
+#include "Kestrio/Platform/Linux/LinuxHostFacts.h"
 #include "Kestrio/Platform/Linux/PrivacyRemedies.h"
 #include "Kestrio/Platform/Linux/SystemMonitorPrograms.h"
+#include "Kestrio/Shell/AppInfo.h"
 #include "Kestrio/Shell/Settings.h"
 #include "Programs/Agent/HostClassification.h"
 #include "Programs/Window/DesktopLook.h"
@@ -39,6 +42,11 @@ std::optional<std::string> privacyAdvice(std::string_view place) {
     return remedy->command ? remedy->text + " " + *remedy->command : remedy->text;
 }
 
+fs::path agentProgram() {
+    std::error_code ignored;
+    return fs::read_symlink("/proc/self/exe", ignored).parent_path() / "kestrio";
+}
+
 /// What starts this host's own system monitor; empty where none is installed.
 std::function<void()> activityMonitor(const Clock& clock) {
     DesktopEntries entries(applicationFolders(processEnvironment), messageLocale(processEnvironment), clock);
@@ -57,6 +65,8 @@ WindowWiring::WindowWiring(Queue& main, const Locations& locations, const std::o
       history_(dataFolder(locations) / Database::fileName, agent_),
       dashboard_(storeParts(main), calendar_, RangeMode::day, ReportStore::Follows::itsPerson),
       today_(storeParts(main), calendar_, RangeMode::day, ReportStore::Follows::now),
+      loginItem_(locations.autostartFolder(), agentProgram()),
+      archive_(main, loadingQueue_, history_),
       parts_{.clock = clock_,
              .queue = main,
              .calendar = calendar_,
@@ -65,6 +75,8 @@ WindowWiring::WindowWiring(Queue& main, const Locations& locations, const std::o
              .agent = agent_,
              .dashboard = dashboard_,
              .today = today_,
+             .loginItem = &loginItem_,
+             .archive = &archive_,
              .host = host(main, locations, busAddress)} {
     std::map<std::string, SettingValue> registered;
     for (const auto& setting : knownSettings())
@@ -91,6 +103,9 @@ WindowHost WindowWiring::host(Queue& main, const Locations& locations, const std
         host.observeDesktop = [this, &main, address = *busAddress](auto receiver) {
             return observeDesktopLook(address, main, agentQueue_, std::move(receiver));
         };
+    host.systemInfo = [] { return AppInfo::diagnostics(hostFacts()); };
+    host.dataFolder = dataFolder(locations);
+    host.showInFiles = [this, busAddress](const auto& file) { showInFiles(busAddress, file); };
     const auto sizeFile = locations.cache / "Kestrio" / "dashboard-size";
     host.storedSize = [sizeFile] { return readStoredSize(sizeFile); };
     host.storeSize = [sizeFile](WindowSize size) { writeStoredSize(sizeFile, size); };
@@ -109,10 +124,18 @@ ReportStore::Parts WindowWiring::storeParts(Queue& main) {
             }};
 }
 
+/// Without a file manager that knows how to show a file, its folder is opened.
+void WindowWiring::showInFiles(const std::optional<std::string>& busAddress, const fs::path& file) {
+    agentQueue_.async([busAddress, file] {
+        if (!busAddress || !showInFileManager(*busAddress, file))
+            startDetached({"xdg-open", file.parent_path().string()});
+    });
+}
+
 /// Quietly: the windows are there already.
 bool WindowWiring::startAgent() {
     std::error_code ignored;
-    const auto agent = fs::read_symlink("/proc/self/exe", ignored).parent_path() / "kestrio";
+    const auto agent = agentProgram();
     return fs::exists(agent, ignored) && startDetached({agent.string(), "--login"});
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Kestrio/Base/LoopQueue.h"
+#include "Kestrio/Platform/Linux/AutostartLoginItem.h"
 #include "Kestrio/Platform/Linux/Locations.h"
 #include "Kestrio/Views/Window/WindowParts.h"
 #include "Programs/Window/SettingsRelay.h"
@@ -21,6 +22,7 @@ public:
 
 private:
     static bool startAgent();
+    void showInFiles(const std::optional<std::string>& busAddress, const std::filesystem::path& file);
     WindowHost host(Queue& main, const Locations& locations, const std::optional<std::string>& busAddress);
     ReportStore::Parts storeParts(Queue& main);
 
@@ -34,6 +36,8 @@ private:
     WorkerQueue loadingQueue_{"Kestrio.reports"}; // dropped before what its work uses
     ReportStore dashboard_;
     ReportStore today_;
+    AutostartLoginItem loginItem_;
+    ArchiveLink archive_;
     const WindowParts parts_;
 };
 

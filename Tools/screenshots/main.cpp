@@ -1,11 +1,13 @@
 // Pictures of every view over an example history, in light and dark and at two sizes: kestrio-screenshots [FOLDER
 // [NAME]] writes them into the folder, Docs/images unless said otherwise; with a name only the view of that name.
+#include "Kestrio/Optimizer/OptimizerJSON.h"
 #include "Kestrio/Pages/Icons.h"
+#include "Kestrio/Pages/Settings/ScheduleEditor.h"
 #include "Kestrio/Shell/Settings.h"
 #include "Kestrio/Views/Window/WindowApplication.h"
 #include "Kestrio/Views/Window/Windows.h"
 #include "Tests/Examples/ExampleHistory.h"
-#include "Tests/Views/Window/WindowStage.h"
+#include "Tests/Views/Window/SettingsStage.h"
 
 #include <QColor>
 #include <QCoreApplication>
@@ -35,6 +37,22 @@ void pausedUntilSix(WindowStage& stage) {
 
 void withoutHistory(WindowStage& stage) {
     stage.sessions.clear();
+}
+
+void withProjectRules(WindowStage& stage) {
+    stage.classification.projectRules().setRules(
+        {{{{1}}, "harbour", "Harbour"}, {{{2}}, "docs.google.com", "Writing"}, {{{3}}, "lunch", ""}});
+}
+
+void withOptimizerRules(WindowStage& stage) {
+    OptimizerChoices choices{.isEnabled = true};
+    choices.rules = addingSchedule({}, {{1}});
+    choices.rules.schedules[0].tiers["com.tinyspeck.slackmacgap"] = tindra::AppTier::alwaysOn;
+    choices.rules.tiers["com.tinyspeck.slackmacgap"] = tindra::AppTier::checkPeriodically;
+    choices.rules.tiers["com.spotify.client"] = tindra::AppTier::canWait;
+    choices.rules.neverTouch = {"com.microsoft.VSCode"};
+    stage.settings.set(settingKey::optimizerEnabled, true);
+    stage.settings.set(settingKey::optimizerRules, SettingBytes{encoded(choices.rules).value_or("")});
 }
 
 void atWork(WindowStage& stage) {
@@ -123,6 +141,13 @@ const std::vector<View>& views() {
         {"not-running", DashboardRequest{"overview"}, RangeMode::day, withoutAgent},
         {"paused", DashboardRequest{"timeline"}, RangeMode::week, pausedUntilSix},
         {"panel-today", PanelRequest{PanelKind::today}, RangeMode::day, atWork},
+        {"settings-general", SettingsRequest{"general"}},
+        {"settings-categories", SettingsRequest{"categories"}},
+        {"settings-projects", SettingsRequest{"projects"}, RangeMode::day, withProjectRules},
+        {"settings-optimization", SettingsRequest{"optimization"}, RangeMode::day, withOptimizerRules},
+        {"settings-permissions", SettingsRequest{"permissions"}},
+        {"settings-data", SettingsRequest{"data"}},
+        {"settings-about", SettingsRequest{"about"}},
         {"panel-system", PanelRequest{PanelKind::system}},
     };
     return all;
@@ -162,10 +187,11 @@ bool write(QQuickWindow& window, const QString& file) {
 
 bool take(const View& view, AppearanceMode appearance, const QDir& folder) {
     const ExampleIcons icons;
-    WindowStage stage(history(), view.mode);
+    SettingsStage stage(history(), view.mode);
     stage.settings.set(settingKey::appearanceMode, std::string(rawText(appearance)));
     stage.script.status.isAccessibilityGranted = true;
     stage.parts.host.iconFile = [&icons](const auto& application, int) { return icons.file(application); };
+    stage.archiveHistory();
     view.prepare(stage);
     stage.today.reload();
     stage.agent.start(); // once more, to see it as it is now
@@ -177,6 +203,8 @@ bool take(const View& view, AppearanceMode appearance, const QDir& folder) {
     const auto name = QStringLiteral("%1-%2").arg(view.name, rawText(appearance));
     if (windows.panel())
         return write(*windows.panel(), folder.filePath(name + ".png"));
+    if (windows.settings())
+        return write(*windows.settings(), folder.filePath(name + ".png"));
     auto* const window = windows.dashboard();
     if (!window)
         return false;
