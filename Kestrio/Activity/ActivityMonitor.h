@@ -86,9 +86,9 @@ public:
         std::vector<LiveActivity> alongside; // all watching before all listening, the oldest first
         TrackingState state = TrackingState::tracking;
         std::optional<Date> pausedUntil;
-        std::size_t unsaved = 0; // closed sessions that wait for the store to take them
-        bool windowTitlesGranted = false;
-        std::uint64_t pausesTaken = 0; // how many calls of `pause` this already reckons with
+        std::size_t unsaved = 0;         // closed sessions that wait for the store to take them
+        bool windowTitlesGranted = true; // nobody misses them before the first look
+        std::uint64_t pausesTaken = 0;   // how many calls of `pause` this already reckons with
 
         friend bool operator==(const Published&, const Published&) = default;
     };

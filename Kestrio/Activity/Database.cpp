@@ -109,13 +109,22 @@ bool Database::updateEndOnQueue(std::int64_t id, Date end) {
 }
 
 std::vector<ActivitySession> Database::sessions(Date from, Date to) {
-    return queue_.sync([&] {
+    auto answer = findSessions(from, to);
+    auto* const found = std::get_if<std::vector<ActivitySession>>(&answer);
+    return found ? std::move(*found) : std::vector<ActivitySession>();
+}
+
+FoundSessions Database::findSessions(Date from, Date to) {
+    return queue_.sync([&]() -> FoundSessions {
         auto statement = prepare(sessionRows::rangeSQL);
         sessionRows::bindRange(statement, from, to);
         std::vector<ActivitySession> found;
-        while (statement.step() == Step::row)
-            found.push_back(sessionRows::decode(statement));
-        return found;
+        for (;;)
+            switch (statement.step()) {
+            case Step::row: found.push_back(sessionRows::decode(statement)); break;
+            case Step::done: return found;
+            case Step::failed: return databaseTrouble(connection_.get());
+            }
     });
 }
 

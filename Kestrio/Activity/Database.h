@@ -5,6 +5,7 @@
 // empty result, because losing one write of a session must not disturb tracking.
 #pragma once
 
+#include "Kestrio/Activity/FoundSessions.h"
 #include "Kestrio/Activity/PackedSessions.h"
 #include "Kestrio/Activity/SessionStore.h"
 #include "Kestrio/Base/DatabaseFile.h"
@@ -44,6 +45,9 @@ public:
     bool updateEnd(std::int64_t id, Date end) override;
     std::vector<ActivitySession> sessions(Date from, Date to) override;
     std::string lastError() override;
+
+    /// The same, or why they cannot be read.
+    FoundSessions findSessions(Date from, Date to);
 
     /// Removes the sessions that ended before the date; one that crosses it stays whole. The file shrinks at once.
     void deleteSessions(Date before);

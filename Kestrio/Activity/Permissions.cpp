@@ -46,6 +46,15 @@ AutomationStatus Permissions::status(const std::optional<BrowserReadiness>& read
                                                                               : AutomationStatus::notDetermined;
 }
 
+std::optional<BrowserStep> Permissions::stepLeft(const BrowserApp& browser) const {
+    return host_.stepLeft ? host_.stepLeft(browser) : std::nullopt;
+}
+
+void Permissions::openStep(const BrowserApp& browser) const {
+    if (host_.openStep)
+        host_.openStep(browser);
+}
+
 void Permissions::openInBackground(const BrowserApp& browser) const {
     if (host_.openInBackground)
         host_.openInBackground(browser);

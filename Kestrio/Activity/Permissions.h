@@ -42,6 +42,14 @@ struct BrowserReadiness {
     bool isRefused = false;               // the person does not want it read
 };
 
+/// What is left to a person before a browser can be read, once they allowed it.
+struct BrowserStep {
+    std::string text;
+    std::optional<std::string> button; // leads to where it is done; absent where there is no such place
+
+    friend bool operator==(const BrowserStep&, const BrowserStep&) = default;
+};
+
 class Permissions {
 public:
     /// The places in the host's settings at which a person can mend what is missing.
@@ -56,6 +64,10 @@ public:
         std::function<std::optional<BrowserReadiness>(const std::string& bundleID)> readiness;
         /// Does what this host can do to be let in, on the person's word; returns when they have answered.
         std::function<void(const std::string& bundleID)> askForConsent;
+        /// Absent when nothing is.
+        std::function<std::optional<BrowserStep>(const BrowserApp& browser)> stepLeft;
+        /// Leads the person to where the step is done.
+        std::function<void(const BrowserApp& browser)> openStep;
         /// Starts the application without taking the front from another.
         std::function<void(const BrowserApp& browser)> openInBackground;
         /// Leads the person to the place of that name, or says what to do where there is none.
@@ -72,6 +84,8 @@ public:
     /// With `ifNeeded` a running browser that has not been decided upon is asked for; that may block for long.
     AutomationStatus automationStatus(const std::string& bundleID, Asking asking) const;
 
+    std::optional<BrowserStep> stepLeft(const BrowserApp& browser) const;
+    void openStep(const BrowserApp& browser) const;
     void openInBackground(const BrowserApp& browser) const;
     void openPrivacyPane(const std::string& anchor) const;
 

@@ -2,6 +2,7 @@
 // they are. Takes as long as the disk; belongs to the queue that the connection will belong to.
 #pragma once
 
+#include "Kestrio/Base/DatabaseTrouble.h"
 #include "Kestrio/Base/Sqlite.h"
 
 #include <filesystem>
@@ -14,13 +15,20 @@ namespace kestrio {
 /// Thrown at opening alone.
 class DatabaseError : public std::runtime_error {
 public:
-    static DatabaseError open(const std::string& message) {
-        return DatabaseError("Could not open database: " + message);
+    static DatabaseError open(const std::string& message, DatabaseTrouble trouble = DatabaseTrouble::unreadable) {
+        return {"Could not open database: " + message, trouble};
     }
-    static DatabaseError execute(const std::string& message) { return DatabaseError("Database error: " + message); }
+    static DatabaseError execute(const std::string& message, DatabaseTrouble trouble) {
+        return {"Database error: " + message, trouble};
+    }
+
+    DatabaseTrouble trouble() const { return trouble_; }
 
 private:
-    using std::runtime_error::runtime_error;
+    DatabaseError(const std::string& message, DatabaseTrouble trouble)
+        : std::runtime_error(message), trouble_(trouble) {}
+
+    DatabaseTrouble trouble_;
 };
 
 enum class DatabaseAccess {
@@ -29,8 +37,12 @@ enum class DatabaseAccess {
 };
 
 /// A connection to the file, which with its folder is made when missing and the access is `readWrite`. Any statement on
-/// it waits up to three seconds for another connection's lock. Throws `DatabaseError`.
+/// it waits up to three seconds for another connection's lock. Where the folder cannot be written to or the disk is
+/// full, `readOnly` may show the file as it is now: it is for a short look then. Throws `DatabaseError`.
 sqlite::Connection openDatabaseFile(const std::filesystem::path& file, DatabaseAccess access);
+
+/// What the connection's last failure comes to.
+DatabaseTrouble databaseTrouble(sqlite3* connection);
 
 /// Runs SQL text that returns no rows. Throws `DatabaseError` when it fails.
 void executeOrThrow(sqlite3* connection, const char* sql);

@@ -19,7 +19,7 @@ public:
 
     /// Takes the value and tells the observers, or does nothing when it equals the present one.
     void set(std::shared_ptr<const Value> value) {
-        if (*value == *value_)
+        if (value == value_ || *value == *value_)
             return;
         value_ = std::move(value);
         changed_.emit(*share());

@@ -40,11 +40,12 @@ nlohmann::ordered_json toJSON(const AgentStatus& status);
 /// Absent when a field is missing or of another type: the agent is of another version.
 std::optional<AgentStatus> agentStatusFromJSON(const nlohmann::ordered_json& json);
 
-/// How a running browser is read.
+/// How a running browser is read; where neither of both holds, the titles of its windows are all that is known.
 struct BrowserReading {
     std::string bundleIdentifier;
+    std::string name;          // as the person reads it
     bool isConnected = false;  // its extension is
-    bool isAccessible = false; // the tree of its pages could be read when it was last in front
+    bool isAccessible = false; // the tree of its pages could be read when it was last looked at
 
     friend bool operator==(const BrowserReading&, const BrowserReading&) = default;
 };
@@ -89,9 +90,12 @@ public:
     /// `receiver` is called whenever stored sessions changed other than by recording, until the token is dropped.
     virtual Subscription observeData(std::function<void()> receiver) = 0;
 
-    /// By bundle identifier, the browsers that tell of themselves in one way at least. Absent when the agent does not
-    /// answer.
+    /// By bundle identifier, the browsers that run and are known here. Absent when the agent does not answer, or is of
+    /// another version. What it did not look at for long it looks at after the answer, and tells of if it is otherwise.
     virtual std::optional<std::vector<BrowserReading>> browsers() = 0;
+
+    /// `receiver` is called whenever `browsers` has become another answer, until the token is dropped.
+    virtual Subscription observeBrowsers(std::function<void()> receiver) = 0;
 
     /// What the agent itself takes of the machine. Absent when it does not answer.
     virtual std::optional<AgentCost> ownCost() = 0;

@@ -68,6 +68,9 @@ BackgroundClient::BackgroundClient(std::unique_ptr<sdbus::IConnection> connectio
         if (*receiver)
             (*receiver)();
     });
+    proxy_->uponSignal("BrowsersDidChange").onInterface(busNames::interface).call([changes = browserChanges_] {
+        changes->emit();
+    });
     proxy_->uponSignal("ImportProgress")
         .onInterface(busNames::interface)
         .call([receiver = shareReceiver_](double share) {
@@ -194,15 +197,20 @@ bool BackgroundClient::serve(Seconds patience) {
 
 std::optional<std::vector<BrowserReading>> BackgroundClient::browsers() {
     try {
-        std::vector<sdbus::Struct<std::string, bool, bool>> onBus;
+        std::vector<sdbus::Struct<std::string, std::string, bool, bool>> onBus;
         proxy_->callMethod("Browsers").onInterface(busNames::interface).withTimeout(deadline()).storeResultsTo(onBus);
         std::vector<BrowserReading> browsers;
         for (const auto& browser : onBus)
-            browsers.push_back({std::get<0>(browser), std::get<1>(browser), std::get<2>(browser)});
+            browsers.push_back(
+                {std::get<0>(browser), std::get<1>(browser), std::get<2>(browser), std::get<3>(browser)});
         return browsers;
     } catch (const sdbus::Error&) {
         return std::nullopt;
     }
+}
+
+Subscription BackgroundClient::observeBrowsers(std::function<void()> receiver) {
+    return browserChanges_->subscribe(std::move(receiver));
 }
 
 Subscription BackgroundClient::observe(std::function<void(const AgentStatus&)> receiver) {

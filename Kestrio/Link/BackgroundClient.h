@@ -35,6 +35,7 @@ public:
     Failure deleteResourceLog() override;
     Subscription observeData(std::function<void()> receiver) override;
     std::optional<std::vector<BrowserReading>> browsers() override;
+    Subscription observeBrowsers(std::function<void()> receiver) override;
     std::optional<AgentCost> ownCost() override;
     Subscription observe(std::function<void(const AgentStatus&)> receiver) override;
     Subscription observeMonitor(std::function<void(const MonitorReading&)> receiver) override;
@@ -68,6 +69,7 @@ private:
     std::unique_ptr<OptimizerClient> optimizer_;
     std::shared_ptr<std::function<void(const AgentStatus&)>> receiver_;
     std::shared_ptr<std::function<void()>> dataReceiver_ = std::make_shared<std::function<void()>>();
+    std::shared_ptr<Signal<>> browserChanges_ = std::make_shared<Signal<>>();
     std::shared_ptr<std::function<void(double)>> shareReceiver_ = std::make_shared<std::function<void(double)>>();
     std::shared_ptr<Signal<MonitorReading>> monitorReadings_ = std::make_shared<Signal<MonitorReading>>();
     std::shared_ptr<BackgroundClient*> self_ = std::make_shared<BackgroundClient*>(this); // tokens hold it weakly

@@ -91,9 +91,13 @@ std::unique_ptr<BackgroundService> BackgroundService::offer(sdbus::IConnection& 
     if (!offered)
         return nullptr;
     service->stateChanges_ = background.observeState([self = service.get()] { self->tellState(); });
-    service->dataChanges_ = background.observeData([self = service.get()] {
-        self->perform_([self](auto&) { self->object_->emitSignal("ActivityDataDidChange").onInterface(interface); });
-    });
+    const auto notice = [self = service.get()](const char* name) {
+        return [self, name] {
+            self->perform_([self, name](auto&) { self->object_->emitSignal(name).onInterface(interface); });
+        };
+    };
+    service->dataChanges_ = background.observeData(notice("ActivityDataDidChange"));
+    service->browserChanges_ = background.observeBrowsers(notice("BrowsersDidChange"));
     return service;
 }
 
@@ -119,15 +123,12 @@ void BackgroundService::registerObject(sdbus::IConnection& connection) {
             require(background_.openSettings(tab.empty() ? std::nullopt : std::optional(tab)));
         });
     object_->registerMethod("Quit").onInterface(interface).implementedAs([this] { require(background_.quit()); });
-    object_->registerMethod("Browsers")
-        .onInterface(interface)
-        .withOutputParamNames("browsers") // each the bundle identifier, whether it is connected, whether accessible
-        .implementedAs([this] {
-            std::vector<sdbus::Struct<std::string, bool, bool>> onBus;
-            for (const auto& browser : background_.browsers().value_or(std::vector<BrowserReading>()))
-                onBus.emplace_back(browser.bundleIdentifier, browser.isConnected, browser.isAccessible);
-            return onBus;
-        });
+    object_->registerMethod("Browsers").onInterface(interface).withOutputParamNames("browsers").implementedAs([this] {
+        std::vector<sdbus::Struct<std::string, std::string, bool, bool>> onBus;
+        for (const auto& browser : background_.browsers().value_or(std::vector<BrowserReading>()))
+            onBus.emplace_back(browser.bundleIdentifier, browser.name, browser.isConnected, browser.isAccessible);
+        return onBus;
+    });
     object_->registerMethod("Status").onInterface(interface).withOutputParamNames("json").implementedAs([this] {
         const auto status = background_.status();
         return status ? text(*status) : std::string();
@@ -178,6 +179,7 @@ void BackgroundService::registerObject(sdbus::IConnection& connection) {
     object_->registerSignal("MonitorReading").onInterface(interface).withParameters<std::string>("json");
     object_->registerSignal("ImportProgress").onInterface(interface).withParameters<double>("share");
     object_->registerSignal("ActivityDataDidChange").onInterface(interface);
+    object_->registerSignal("BrowsersDidChange").onInterface(interface);
     object_->finishRegistration();
 }
 

@@ -5,7 +5,8 @@
 //   OpenDashboard()       as it was left             OpenPage(s page)      one of its pages, by its raw text
 //   OpenSettings(s tab)   a tab by its raw text, or empty: as they were left
 //   Quit()                ends the agent, and with it the recording
-//   Browsers() -> as      the browsers whose extension is connected, as bundle identifiers
+//   Browsers() -> a(ssbb) the browsers that run: bundle identifier, name, whether the extension is connected, whether
+//                         accessibility shows their pages. BrowsersDidChange() is a signal.
 //   Status() -> s         everything that lives in memory, as JSON
 //   Import(a(sh) files) -> s      brings the sessions of exported files into the database, each a name for messages and
 //                         a descriptor open for reading. Answers at the end, which may be minutes away, with the counts
@@ -77,6 +78,7 @@ private:
     Subscription changes_;                                                   // while somebody watches
     Subscription stateChanges_;
     Subscription dataChanges_;
+    Subscription browserChanges_;
     std::map<std::string, std::shared_ptr<Import>> imports_; // by the caller's unique bus name
     std::shared_ptr<BackgroundService*> self_ = std::make_shared<BackgroundService*>(this); // work holds it weakly
 };

@@ -103,6 +103,10 @@ std::optional<std::vector<BrowserReading>> LocalBackground::browsers() {
     return services_.browsers ? services_.browsers() : std::vector<BrowserReading>();
 }
 
+Subscription LocalBackground::observeBrowsers(std::function<void()> receiver) {
+    return services_.observeBrowsers ? services_.observeBrowsers(std::move(receiver)) : Subscription();
+}
+
 std::optional<AgentCost> LocalBackground::ownCost() {
     return services_.ownCost ? services_.ownCost() : AgentCost();
 }

@@ -30,6 +30,7 @@ public:
         DeleteActivity deleteActivity = {}; // tells its end on the queue
         std::function<void()> deleteResourceLog = {};
         std::function<std::vector<BrowserReading>()> browsers = {};
+        std::function<Subscription(std::function<void()>)> observeBrowsers = {};
         ObserveMonitor observeMonitor = {};
         std::function<AgentCost()> ownCost = {};
         std::function<void()> quit = {}; // called after the answer
@@ -50,6 +51,7 @@ public:
     Failure deleteResourceLog() override;
     Subscription observeData(std::function<void()> receiver) override;
     std::optional<std::vector<BrowserReading>> browsers() override;
+    Subscription observeBrowsers(std::function<void()> receiver) override;
     std::optional<AgentCost> ownCost() override;
     Subscription observe(std::function<void(const AgentStatus&)> receiver) override;
     Subscription observeMonitor(std::function<void(const MonitorReading&)> receiver) override;

@@ -23,6 +23,7 @@ public:
     void operator()(const SettingsRequest& request) { call("ShowSettings", request.tab.value_or("")); }
 
     void provide(const std::string& activationToken) { call("ProvideActivationToken", activationToken); }
+    void quit() { call("Quit"); }
 
 private:
     template <class... Arguments>
@@ -73,6 +74,10 @@ bool WindowClient::show(const WindowRequest& request, const std::string& activat
             caller.provide(activationToken);
         std::visit(caller, request);
     });
+}
+
+void WindowClient::quit() {
+    perform_([](sdbus::IConnection& connection) { Caller(connection).quit(); });
 }
 
 std::string WindowClient::appearingRule() {

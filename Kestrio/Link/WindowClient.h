@@ -37,6 +37,9 @@ public:
     /// one.
     bool show(const WindowRequest& request, const std::string& activationToken = {});
 
+    /// Has every window closed. Where there is none nothing happens.
+    void quit();
+
     /// The rule for the notice of the bus that a process with windows has appeared.
     static std::string appearingRule();
 

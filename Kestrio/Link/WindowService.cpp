@@ -21,10 +21,11 @@ PanelRequest panelRequest(const std::string& kind, bool atPoint, int x, int y) {
 
 } // namespace
 
-std::unique_ptr<WindowService> WindowService::offer(const std::string& busAddress, Queue& queue, Receiver receiver) {
+std::unique_ptr<WindowService> WindowService::offer(const std::string& busAddress, Queue& queue, Receiver receiver,
+                                                    std::function<void()> quit) {
     try {
-        std::unique_ptr<WindowService> service(
-            new WindowService(sdbus::createSessionBusConnectionWithAddress(busAddress), queue, std::move(receiver)));
+        std::unique_ptr<WindowService> service(new WindowService(
+            sdbus::createSessionBusConnectionWithAddress(busAddress), queue, {std::move(receiver), std::move(quit)}));
         // The object stands before the name does, so that nobody finds the one without the other.
         service->registerObject();
         service->connection_->requestName(busNames::windowService);
@@ -41,10 +42,10 @@ std::unique_ptr<WindowService> WindowService::offer(const std::string& busAddres
     }
 }
 
-WindowService::WindowService(std::unique_ptr<sdbus::IConnection> connection, Queue& queue, Receiver receiver)
+WindowService::WindowService(std::unique_ptr<sdbus::IConnection> connection, Queue& queue, Receivers receivers)
     : connection_(std::move(connection)),
       queue_(queue),
-      receiver_(std::make_shared<const Receiver>(std::move(receiver))) {}
+      receivers_(std::make_shared<const Receivers>(std::move(receivers))) {}
 
 WindowService::~WindowService() {
     if (thread_.joinable()) {
@@ -74,15 +75,22 @@ void WindowService::registerObject() {
         .onInterface(interface)
         .withInputParamNames("token")
         .implementedAs([this](const std::string& token) { activationToken_ = token; });
+    object_->registerMethod("Quit").onInterface(interface).implementedAs(
+        [this] { later([](const Receivers& receivers) { receivers.quit(); }); });
     object_->finishRegistration();
 }
 
 void WindowService::handOver(WindowRequest request) {
-    queue_.async(
-        [weak = std::weak_ptr(receiver_), request = std::move(request), token = std::exchange(activationToken_, {})] {
-            if (const auto receiver = weak.lock())
-                (*receiver)(request, token);
-        });
+    later([request = std::move(request), token = std::exchange(activationToken_, {})](const Receivers& receivers) {
+        receivers.show(request, token);
+    });
+}
+
+void WindowService::later(std::function<void(const Receivers&)> work) {
+    queue_.async([weak = std::weak_ptr(receivers_), work = std::move(work)] {
+        if (const auto receivers = weak.lock())
+            work(*receivers);
+    });
 }
 
 } // namespace kestrio

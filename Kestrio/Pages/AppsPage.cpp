@@ -30,6 +30,13 @@ std::vector<SiteTime> sites(const ActivityReport& report, std::string_view bundl
     return all;
 }
 
+/// Of the site itself, whatever application showed it.
+SystemColor siteColor(const ActivityReport& report, std::string_view domain) {
+    const auto site = std::ranges::find_if(
+        report.domains, [&](const DomainUsage& one) { return text::equivalent(one.domain, domain); });
+    return site == report.domains.end() ? SystemColor::gray : color(site->category);
+}
+
 std::optional<TopCard<UsageRow>> websitesCard(const ActivityReport& report, const AppUsage& app, AppSort sort) {
     constexpr std::size_t limit = 10;
     if (sort != AppSort::browser)
@@ -45,7 +52,7 @@ std::optional<TopCard<UsageRow>> websitesCard(const ActivityReport& report, cons
                              .subtitle = {},
                              .duration = Fmt::duration(site.duration),
                              .fraction = fraction(site.duration, all.front().duration),
-                             .tint = color(app.category)});
+                             .tint = siteColor(report, site.domain)});
     return card;
 }
 

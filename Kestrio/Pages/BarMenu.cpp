@@ -33,7 +33,9 @@ std::optional<BarAction> actionAmong(const std::vector<BarMenuEntry>& entries, s
 
 BarMenu statusMenu(TrackingState state, const std::optional<Date>& pausedUntil, const Viewpoint& viewpoint) {
     return {{{stateWords(state).label}},
-            {{"Open Dashboard", ShowDashboard{}}, pauseOrResume(pauseControl(state, pausedUntil, viewpoint))},
+            {{"Show Today", ShowPanel{}},
+             {"Open Dashboard", ShowDashboard{}},
+             pauseOrResume(pauseControl(state, pausedUntil, viewpoint))},
             {settingsEntry()},
             {{"Quit Kestrio", QuitProgram{}}}};
 }
@@ -46,7 +48,8 @@ BarMenu systemMenu(std::span<const SystemInsight> insights) {
             words.push_back({insight.text});
     }
     const auto performance = DashboardSection::performance;
-    menu.push_back({{std::string(label(performance)), ShowDashboard{performance}}, settingsEntry()});
+    menu.push_back(
+        {{"Show System", ShowPanel{}}, {std::string(label(performance)), ShowDashboard{performance}}, settingsEntry()});
     return menu;
 }
 

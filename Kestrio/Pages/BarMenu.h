@@ -14,6 +14,9 @@
 namespace kestrio {
 
 // What choosing an entry does.
+struct ShowPanel { // of the icon whose menu it is, where a click brings up the menu instead
+    friend bool operator==(const ShowPanel&, const ShowPanel&) = default;
+};
 struct ShowDashboard {
     std::optional<DashboardSection> page = {}; // absent: the one that was open last
     friend bool operator==(const ShowDashboard&, const ShowDashboard&) = default;
@@ -31,7 +34,7 @@ struct ResumeTracking {
 struct QuitProgram {
     friend bool operator==(const QuitProgram&, const QuitProgram&) = default;
 };
-using BarAction = std::variant<ShowDashboard, ShowSettings, PauseTracking, ResumeTracking, QuitProgram>;
+using BarAction = std::variant<ShowPanel, ShowDashboard, ShowSettings, PauseTracking, ResumeTracking, QuitProgram>;
 
 struct BarMenuEntry {
     std::string text;                       // no other entry of the menu that does something has the same

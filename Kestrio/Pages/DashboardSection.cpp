@@ -10,20 +10,30 @@ struct SectionFacts {
     std::string_view label;
     std::string_view symbol;
     bool isReportPage;
+    bool hasPage;
 };
 
 const SectionFacts& facts(DashboardSection section) {
     static constexpr std::array<SectionFacts, allDashboardSections.size()> table{{
-        {"overview", "Overview", "square.grid.2x2", true},
-        {"timeline", "Timeline", "chart.xyaxis.line", true},
-        {"apps", "Apps", "macwindow", true},
-        {"websites", "Websites", "globe", true},
-        {"youtube", "YouTube", "play.rectangle", true},
-        {"projects", "Projects", "folder", true},
-        {"performance", "Performance", "gauge.with.dots.needle.67percent", false},
-        {"resourceLog", "Resource Log", "list.bullet.rectangle", false},
+        {"overview", "Overview", "square.grid.2x2", true, true},
+        {"timeline", "Timeline", "chart.xyaxis.line", true, true},
+        {"apps", "Apps", "macwindow", true, true},
+        {"websites", "Websites", "globe", true, true},
+        {"youtube", "YouTube", "play.rectangle", true, true},
+        {"projects", "Projects", "folder", true, true},
+        {"performance", "Performance", "gauge.with.dots.needle.67percent", false, false},
+        {"resourceLog", "Resource Log", "list.bullet.rectangle", false, false},
     }};
     return table[static_cast<std::size_t>(section)];
+}
+
+template <class Fits>
+std::string listed(Fits fits) {
+    std::vector<std::string_view> names;
+    for (const auto section : allDashboardSections)
+        if (fits(section))
+            names.push_back(rawValue(section));
+    return fmt::format("{}", fmt::join(names, ", "));
 }
 
 } // namespace
@@ -42,10 +52,18 @@ std::optional<DashboardSection> dashboardSection(std::string_view raw) {
 std::optional<std::string> dashboardSectionError(std::string_view text) {
     if (dashboardSection(text))
         return std::nullopt;
-    std::vector<std::string_view> known;
-    for (const auto section : allDashboardSections)
-        known.push_back(rawValue(section));
-    return fmt::format("there is no page \"{}\"; there are {}", text, fmt::join(known, ", "));
+    return fmt::format("there is no page \"{}\"; there are {}", text, listed([](auto) { return true; }));
+}
+
+bool hasPage(DashboardSection section) {
+    return facts(section).hasPage;
+}
+
+std::optional<std::string> dashboardPageError(std::string_view text) {
+    const auto section = dashboardSection(text);
+    if (section && hasPage(*section))
+        return std::nullopt;
+    return fmt::format("there is no page \"{}\"{}; there are {}", text, section ? " yet" : "", listed(hasPage));
 }
 
 std::string_view label(DashboardSection section) {

@@ -21,6 +21,10 @@ std::string_view rawValue(DashboardSection section);
 std::optional<DashboardSection> dashboardSection(std::string_view rawValue);
 /// What is wrong with a text that somebody gave for a section's raw text, and which there are. Absent when it is one.
 std::optional<std::string> dashboardSectionError(std::string_view text);
+/// Whether the section has a page already.
+bool hasPage(DashboardSection section);
+/// The same for a page that somebody wants to open: it must be there.
+std::optional<std::string> dashboardPageError(std::string_view text);
 std::string_view label(DashboardSection section);
 std::string_view symbol(DashboardSection section);
 

@@ -34,6 +34,13 @@ void forEachDay(SessionSpan sessions, const Calendar& calendar, Visitor&& visit)
     }
 }
 
+/// On the day's clocks; where they sprang forward, not later than in hours that passed, by which the strip is drawn.
+int firstHour(const DayStrips::Day& day, const Calendar& calendar) {
+    const auto start = day.sessions.front().start;
+    const auto passed = static_cast<int>((start - day.start) / Seconds(3600));
+    return std::min(calendar.components(start).hour, passed);
+}
+
 int lastHour(const DayStrips::Day& day) {
     const auto latest = std::ranges::max_element(day.sessions, {}, &ClassifiedSession::end)->end;
     return static_cast<int>(std::min(24.0, std::ceil((latest - day.start) / Seconds(3600))));
@@ -192,7 +199,7 @@ HourRange hourRange(std::span<const DayStrips::Day> days, const Calendar& calend
     for (const auto& day : days) {
         if (day.sessions.empty())
             continue;
-        range.lowest = std::min(range.lowest, calendar.components(day.sessions.front().start).hour);
+        range.lowest = std::min(range.lowest, firstHour(day, calendar));
         range.highest = std::max(range.highest, lastHour(day));
     }
     return range.lowest < range.highest ? HourRange{std::max(0, range.lowest), range.highest} : HourRange{};

@@ -13,8 +13,9 @@ public:
     static constexpr auto clearSymbol = "xmark.circle.fill";
 
     ItemFilter() = default;
-    /// Blanks around the text do not count; of nothing but blanks is no filter.
-    explicit ItemFilter(std::string_view typed);
+    /// Blanks around the text do not count; of nothing but blanks is no filter. The locale, as in "tr_TR", says which
+    /// small letters belong to which capitals.
+    explicit ItemFilter(std::string_view typed, std::string_view locale = {});
 
     bool isEmpty() const { return needle_.empty(); }
 
@@ -26,6 +27,7 @@ public:
 
 private:
     std::string needle_;
+    bool isTurkic_ = false;
 };
 
 } // namespace kestrio

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 namespace kestrio {
 namespace {
@@ -20,10 +21,34 @@ std::string activeTimeDetail(const ActivityReport& report, RangeMode mode, const
     return fmt::format("avg {} / active day", Fmt::duration(report.total / days));
 }
 
-StatCard productivityCard(const ActivityReport& report, Productivity productivity, std::string title,
-                          std::string symbol, SystemColor tint) {
-    const auto time = report.productivity[productivity];
-    return {std::move(title), std::move(symbol), Fmt::duration(time), shareOfActiveTime(time, report.total), tint};
+StatCard activeTimeCard(const ActivityReport& report, RangeMode mode, const Calendar& calendar) {
+    return {.title = "Active Time",
+            .symbol = "clock",
+            .value = Fmt::duration(report.total),
+            .detail = activeTimeDetail(report, mode, calendar),
+            .tint = SystemColor::blue,
+            .help = "Time you were at the Mac using something. Time away, idle or paused is not part of it."};
+}
+
+/// "Time in {categories}. You choose what counts as what under Apps and Websites."
+std::string productivityHelp(Productivity which) {
+    std::vector<std::string_view> categories;
+    for (const auto category : allActivityCategories)
+        if (productivity(category) == which)
+            categories.push_back(label(category));
+    return fmt::format("Time in {}. You choose what counts as what under Apps and Websites.",
+                       fmt::join(categories, ", "));
+}
+
+StatCard productivityCard(const ActivityReport& report, Productivity which, std::string title, std::string symbol,
+                          SystemColor tint) {
+    const auto time = report.productivity[which];
+    return {.title = std::move(title),
+            .symbol = std::move(symbol),
+            .value = Fmt::duration(time),
+            .detail = shareOfActiveTime(time, report.total),
+            .tint = tint,
+            .help = productivityHelp(which)};
 }
 
 StatCard alongsideCard(const ActivityReport& report) {
@@ -39,6 +64,15 @@ StatCard alongsideCard(const ActivityReport& report) {
             .help = "Video on another screen or audio in the background while you worked. Not part of active time."};
 }
 
+StatCard switchesCard(const ActivityReport& report) {
+    return {.title = "App Switches",
+            .symbol = "arrow.left.arrow.right",
+            .value = fmt::format("{}", report.switches),
+            .detail = fmt::format("{} apps · {} sites", report.apps.size(), report.domains.size()),
+            .tint = SystemColor::brown,
+            .help = "How often you went from one app to another."};
+}
+
 std::string videoCounts(const std::vector<VideoUsage>& videos) {
     const auto shorts = std::ranges::count_if(videos, &VideoUsage::isShort);
     const auto others = std::ssize(videos) - shorts;
@@ -46,6 +80,15 @@ std::string videoCounts(const std::vector<VideoUsage>& videos) {
     if (shorts > 0)
         text += fmt::format(", {} short{}", shorts, shorts == 1 ? "" : "s");
     return text;
+}
+
+StatCard youtubeFigure(const ActivityReport& report) {
+    return {.title = "YouTube",
+            .symbol = "play.rectangle.fill",
+            .value = Fmt::duration(report.youtubeTime + report.youtubeAlongsideTime),
+            .detail = videoCounts(report.videos),
+            .tint = SystemColor::red,
+            .help = "Time on YouTube in front of you and alongside."};
 }
 
 TopCard<UsageRow> youtubeCard(const ActivityReport& report, Thumbnails thumbnails, const Viewpoint& viewpoint) {
@@ -92,15 +135,12 @@ std::optional<TopCard<UsageRow>> projectsCard(const ActivityReport& report) {
 
 std::vector<StatCard> overviewStats(const ActivityReport& report, RangeMode mode, const Calendar& calendar) {
     return {
-        {"Active Time", "clock", Fmt::duration(report.total), activeTimeDetail(report, mode, calendar),
-         SystemColor::blue},
+        activeTimeCard(report, mode, calendar),
         productivityCard(report, Productivity::productive, "Productive", "bolt.fill", SystemColor::teal),
         productivityCard(report, Productivity::distracting, "Distracting", "flame.fill", SystemColor::orange),
         alongsideCard(report),
-        {"YouTube", "play.rectangle.fill", Fmt::duration(report.youtubeTime + report.youtubeAlongsideTime),
-         videoCounts(report.videos), SystemColor::red},
-        {"App Switches", "arrow.left.arrow.right", fmt::format("{}", report.switches),
-         fmt::format("{} apps · {} sites", report.apps.size(), report.domains.size()), SystemColor::brown},
+        youtubeFigure(report),
+        switchesCard(report),
     };
 }
 

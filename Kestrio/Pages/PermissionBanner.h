@@ -10,6 +10,7 @@ namespace kestrio {
 enum class BannerAction {
     grantAccessibility,   // ask the host, and lead to its settings
     requestBrowserAccess, // of the band's browser; leads to the host's settings where the answer was no before
+    openBrowserStep,      // lead to where what is left with the band's browser is done
     dismiss,              // for ever
 };
 
@@ -30,8 +31,16 @@ struct PermissionBanner {
     friend bool operator==(const PermissionBanner&, const PermissionBanner&) = default;
 };
 
-/// The most pressing one. The one about titles shows also to a person who dismissed that about browsers.
+/// What the host says once the person asked to be helped; it takes the place of what the band offered.
+struct BannerAdvice {
+    std::optional<std::string> accessibility = {};
+    BrowserAccess::Steps browsers = {};
+};
+
+/// The most pressing one: of browsers, one that runs. The one about titles shows also to a person who dismissed that
+/// about browsers.
 std::optional<PermissionBanner> permissionBanner(bool isAccessibilityGranted, bool dismissedBrowserBanner,
-                                                 const std::vector<BrowserPermission>& browserPermissions);
+                                                 const std::vector<BrowserPermission>& browserPermissions,
+                                                 const BannerAdvice& advice = {});
 
 } // namespace kestrio

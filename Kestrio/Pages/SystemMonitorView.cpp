@@ -30,15 +30,15 @@ std::vector<SystemMonitorView::Insight> insights(std::span<const SystemInsight> 
 
 } // namespace
 
-SystemMonitorView systemMonitorView(const std::optional<SystemMonitorReading>& reading, TopAppsMode mode,
-                                    ActivityMonitorApp activityMonitor, const Calendar& calendar) {
+SystemMonitorView systemMonitorView(const std::optional<SystemMonitorReading>& reading, MonitorSource source,
+                                    TopAppsMode mode, ActivityMonitorApp activityMonitor, const Calendar& calendar) {
     SystemMonitorView view;
     view.buttons = buttons(activityMonitor);
     view.modes = modes(mode);
-    if (!reading || !reading->state.snapshot) {
+    if (source == MonitorSource::missing || !reading || !reading->state.snapshot) {
         view.header.title = "System";
         view.header.chip = reading ? reading->chipName : std::string();
-        view.message = SystemMonitorView::waiting;
+        view.message = source == MonitorSource::missing ? SystemMonitorView::notRunning : SystemMonitorView::waiting;
         return view;
     }
     const auto& snapshot = *reading->state.snapshot;

@@ -24,6 +24,7 @@ struct SystemMonitorView {
     };
     static constexpr auto resumeAllHelp = "Let every app run again that is being held back";
     static constexpr auto waiting = "Reading this Mac…"; // before the first reading
+    static constexpr auto notRunning = "Kestrio is not running, so nothing is being read.";
 
     SystemHeader header;
     std::vector<SystemTile> tiles;
@@ -46,12 +47,15 @@ struct SystemMonitorReading {
     std::optional<OptimizerCounts> optimizer = {}; // absent while it is off
 };
 
+/// Who takes the readings.
+enum class MonitorSource { running, missing };
+
 /// What the host can open from the panel.
 enum class ActivityMonitorApp { missing, installed };
 
-/// Before the first reading the view has its foot and the words that there is none.
-SystemMonitorView systemMonitorView(const std::optional<SystemMonitorReading>& reading, TopAppsMode mode,
-                                    ActivityMonitorApp activityMonitor, const Calendar& calendar);
+/// Without a reading, or anybody who takes one, the view has its foot and the words that there is none.
+SystemMonitorView systemMonitorView(const std::optional<SystemMonitorReading>& reading, MonitorSource source,
+                                    TopAppsMode mode, ActivityMonitorApp activityMonitor, const Calendar& calendar);
 
 /// The text by which the views name a way of ranking, a tone or what a button does.
 std::string_view rawValue(TopAppsMode mode);

@@ -78,6 +78,16 @@ std::variant<EmptyActivity, TimelinePage> timelinePage(const ActivityReport& rep
     return page;
 }
 
+TimelineSamples timelineSamples(const Calendar& calendar) {
+    TimelineSamples samples;
+    for (const int hour : {10, 22}) { // with two digits, and with either half of the day's name
+        const auto moment = calendar.date(2000, 1, 1, hour);
+        samples.ranges.push_back(Fmt::timeRange(moment, moment, calendar));
+        samples.times.push_back(shortTime(moment, calendar));
+    }
+    return samples;
+}
+
 TimelineBlockRow timelineBlockRow(const TimelineBlock& block, const std::string& query, const Calendar& calendar) {
     TimelineBlockRow row;
     row.id = block.id;

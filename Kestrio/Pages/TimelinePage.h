@@ -23,6 +23,8 @@ struct TimelineSearch {
 };
 
 struct TimelineSection {
+    static constexpr auto totalHelp = "Everything listed below, with what played alongside";
+
     Date day;
     std::string title;               // by `Fmt::relativeDay`
     std::string total;               // of its blocks
@@ -38,6 +40,15 @@ struct TimelinePage {
 
 std::variant<EmptyActivity, TimelinePage> timelinePage(const ActivityReport& report, const TimelineSearch& search,
                                                        const Viewpoint& viewpoint);
+
+/// Times as wide as those of rows get, for the width of their columns.
+struct TimelineSamples {
+    std::vector<std::string> ranges; // of blocks
+    std::vector<std::string> times;  // of entries
+    friend bool operator==(const TimelineSamples&, const TimelineSamples&) = default;
+};
+
+TimelineSamples timelineSamples(const Calendar& calendar);
 
 struct TimelineEntryRow {
     std::int64_t id = 0;

@@ -58,6 +58,13 @@ LiveActivityRow liveRow(const PanelState& state) {
     return liveActivityRow(state.live, state.state, state.alongside, state.thumbnails);
 }
 
+/// Figures that nobody knows are not those of an empty day.
+void hideFigures(TodayPanel& panel) {
+    panel.activeTime = "–";
+    panel.productive.clear();
+    panel.switches.clear();
+}
+
 } // namespace
 
 LiveActivityRow liveActivityRow(const std::optional<LiveActivity>& live, TrackingState state,
@@ -75,12 +82,13 @@ LiveActivityRow liveActivityRow(const std::optional<LiveActivity>& live, Trackin
 
 TodayPanel todayPanel(const ActivityReport& today, const PanelState& state, const Calendar& calendar) {
     const auto productive = today.productivity[Productivity::productive];
-    return {
+    TodayPanel panel{
         .activeTime = Fmt::duration(today.total),
         .productive = Fmt::percent(productive.count(), today.total.count()) + " productive",
         .switches = fmt::format("{} app switches", today.switches),
         .banner = banner(state, calendar),
         .live = liveRow(state),
+        .historyNotice = std::nullopt,
         .accessibilityHint = accessibilityHint(state),
         .topApps = appRows(today.apps, TodayPanel::topLimit),
         .topWebsites = domainRows(today.domains, TodayPanel::topLimit),
@@ -89,6 +97,12 @@ TodayPanel todayPanel(const ActivityReport& today, const PanelState& state, cons
         .settings = {.title = "Settings", .symbol = "gearshape", .key = ','},
         .quit = quit(state),
     };
+    if (const auto& notice = state.historyNotice) {
+        panel.historyNotice = notice->title + ". " + notice->text;
+        if (today.sessions.empty())
+            hideFigures(panel);
+    }
+    return panel;
 }
 
 } // namespace kestrio

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Kestrio/Pages/DateControls.h"
+#include "Kestrio/Pages/HistoryNotice.h"
 #include "Kestrio/Pages/Rows.h"
 #include "Kestrio/Pages/StateWords.h"
 
@@ -46,6 +47,7 @@ struct TodayPanel {
     std::string switches;   // "{count} app switches"
     ActivityBanner banner;
     LiveActivityRow live;
+    std::optional<std::string> historyNotice; // why the figures are old, or none
     std::optional<PanelWarning> accessibilityHint;
     std::vector<UsageRow> topApps;
     std::vector<UsageRow> topWebsites;
@@ -64,7 +66,8 @@ struct PanelState {
     std::optional<Date> pausedUntil = {};
     std::optional<LiveActivity> live = {};
     std::vector<LiveActivity> alongside = {};
-    std::optional<std::string> appName = {}; // of the application in front
+    std::optional<std::string> appName = {};         // of the application in front
+    std::optional<HistoryNotice> historyNotice = {}; // while the recorded history cannot be read
     bool isAccessibilityGranted = true;
     std::optional<std::string> accessibilityAdvice = {}; // what a person can do on this host, once they asked
     Seconds idleLimit{};

@@ -27,20 +27,31 @@ StatCard timeCard(const ActivityReport& report) {
     auto detail = Fmt::split(report.youtubeTime, report.youtubeAlongsideTime);
     if (!detail)
         detail = Fmt::percent(report.youtubeTime.count(), report.total.count()) + " of active time";
-    return {"Time on YouTube", "play.rectangle.fill", Fmt::duration(report.youtubeTime + report.youtubeAlongsideTime),
-            std::move(detail), SystemColor::red};
+    return {.title = "Time on YouTube",
+            .symbol = "play.rectangle.fill",
+            .value = Fmt::duration(report.youtubeTime + report.youtubeAlongsideTime),
+            .detail = std::move(detail),
+            .tint = SystemColor::red,
+            .help = "Time on YouTube in front of you and alongside."};
 }
 
 StatCard watchedCard(std::string title, std::string symbol, const Watched& watched, SystemColor tint) {
-    return {std::move(title), std::move(symbol), fmt::format("{}", watched.count),
-            "watched " + Fmt::duration(watched.time), tint};
+    return {.title = std::move(title),
+            .symbol = std::move(symbol),
+            .value = fmt::format("{}", watched.count),
+            .detail = "watched " + Fmt::duration(watched.time),
+            .tint = tint,
+            .help = "How many you opened, and how long they played in front of you or alongside."};
 }
 
 StatCard browsingCard(const ActivityReport& report, Seconds allWatch) {
     const auto searches = report.youtubeSearches.size();
-    return {"Browsing & Searching", "magnifyingglass",
-            Fmt::duration(std::max(Seconds(0), report.youtubeTime - allWatch)),
-            searches == 1 ? std::string("1 search") : fmt::format("{} searches", searches), SystemColor::blue};
+    return {.title = "Browsing & Searching",
+            .symbol = "magnifyingglass",
+            .value = Fmt::duration(std::max(Seconds(0), report.youtubeTime - allWatch)),
+            .detail = searches == 1 ? std::string("1 search") : fmt::format("{} searches", searches),
+            .tint = SystemColor::blue,
+            .help = "What is left of the time with YouTube in front of you without the videos and shorts."};
 }
 
 std::optional<ItemCard> searchesCard(const ActivityReport& report, const Viewpoint& viewpoint) {

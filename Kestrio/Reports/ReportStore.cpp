@@ -12,6 +12,16 @@ ActivityReport emptyReport(RangeMode mode, Date anchor, const Calendar& calendar
     return ActivityReport::empty(interval(mode, anchor, calendar), granularity(mode));
 }
 
+std::shared_ptr<const ActivityReport> shared(ActivityReport report) {
+    return std::make_shared<const ActivityReport>(std::move(report));
+}
+
+/// The present report where the new one equals it. To compare two long ones takes milliseconds: done while loading.
+std::shared_ptr<const ActivityReport> presentIfEqual(std::shared_ptr<const ActivityReport> made,
+                                                     const std::shared_ptr<const ActivityReport>& present) {
+    return *made == *present ? present : std::move(made);
+}
+
 } // namespace
 
 ReportStore::ReportStore(Parts parts, Calendar calendar, RangeMode mode, Follows follows)
@@ -57,28 +67,60 @@ void ReportStore::reload() {
 
 void ReportStore::load() {
     const auto number = ++*latestLoad_;
+    retry_.cancel();
     isLoading_.set(true);
     parts_.loadingQueue.async([this, parts = parts_, latest = latestLoad_, number, range = range(),
-                               width = granularity(mode_.value()),
+                               width = granularity(mode_.value()), present = report_.share(),
                                calendar = std::make_shared<const Calendar>(calendar_)] {
         if (*latest != number)
             return; // given up before it began
-        auto report = std::make_shared<const ActivityReport>(
-            ReportBuilder::build(parts.sessions(range), range, width, *calendar, parts.classification()));
-        parts.queue.async([this, latest, number, report] {
+        auto found = parts.sessions(range);
+        auto* const sessions = std::get_if<std::vector<ActivitySession>>(&found);
+        const Loaded loaded =
+            sessions ? Loaded(presentIfEqual(shared(ReportBuilder::build(std::move(*sessions), range, width, *calendar,
+                                                                         parts.classification())),
+                                             present))
+                     : Loaded(std::get<DatabaseTrouble>(found));
+        parts.queue.async([this, latest, number, loaded] {
             if (*latest == number) // and so the store is still there
-                accept(report);
+                accept(loaded);
         });
     });
 }
 
-void ReportStore::accept(std::shared_ptr<const ActivityReport> report) {
-    // Before anybody is told: who is told may ask for another load, which then stands as the latest.
-    lastLoaded_ = parts_.clock.now();
+void ReportStore::accept(const Loaded& loaded) {
+    // Whoever is told may ask for another load, which then stands as the latest.
     const auto accepted = latestLoad_->load();
-    report_.set(std::move(report));
+    std::visit([this](const auto& what) { take(what); }, loaded);
     if (*latestLoad_ == accepted)
         isLoading_.set(false);
+}
+
+void ReportStore::take(const std::shared_ptr<const ActivityReport>& report) {
+    lastLoaded_ = parts_.clock.now();
+    trouble_.set(std::nullopt);
+    show(report);
+}
+
+void ReportStore::take(DatabaseTrouble trouble) {
+    retry_ = parts_.queue.after(retryInterval, [this] {
+        if (isOnScreen_)
+            reload();
+    });
+    if (report_.value().interval != range())
+        show(shared(emptyReport(mode_.value(), anchor_.value(), calendar_)));
+    trouble_.set(trouble);
+}
+
+/// To free a long report takes milliseconds too, so it goes on the loading queue.
+void ReportStore::show(std::shared_ptr<const ActivityReport> report) {
+    auto left = report_.share();
+    report_.set(std::move(report));
+    if (left != report_.share())
+        parts_.loadingQueue.async([left = std::move(left), freed = parts_.freed]() mutable {
+            left.reset();
+            freed();
+        });
 }
 
 void ReportStore::startAutoRefresh(Seconds interval) {

@@ -6,6 +6,7 @@
 // report back by value, so that nobody ever sees half a report. Dropping the store calls off everything.
 #pragma once
 
+#include "Kestrio/Activity/FoundSessions.h"
 #include "Kestrio/Base/Clock.h"
 #include "Kestrio/Base/Observable.h"
 #include "Kestrio/Base/Queue.h"
@@ -21,9 +22,8 @@ namespace kestrio {
 
 class ReportStore {
 public:
-    /// The sessions of an interval, those still open among them; empty on failure. Called on the loading queue, where
-    /// it may wait.
-    using Sessions = std::function<std::vector<ActivitySession>(DateInterval)>;
+    /// The sessions of an interval, those still open among them. Called on the loading queue, where it may wait.
+    using Sessions = std::function<FoundSessions(DateInterval)>;
 
     /// What the person has decided by now. Called on the loading queue.
     using CurrentClassification = std::function<Classification()>;
@@ -35,7 +35,12 @@ public:
         Queue& loadingQueue; // on which sessions are read and reports built
         Sessions sessions;
         CurrentClassification classification;
+        /// Called on the loading queue whenever a report was dropped that is no longer shown.
+        std::function<void()> freed = [] {};
     };
+
+    /// How long after sessions could not be read it is tried again, while somebody sees the store.
+    static constexpr Seconds retryInterval{3.0};
 
     /// Whether a store moves on by itself when its range is over.
     enum class Follows { itsPerson, now };
@@ -51,6 +56,9 @@ public:
     const Observable<Date>& anchor() const { return anchor_; }
     const SharedObservable<ActivityReport>& report() const { return report_; }
     const Observable<bool>& isLoading() const { return isLoading_; }
+    /// Why the sessions of the range could not be read at the last load; absent when they could. Meanwhile the report
+    /// is what was read of the same range before, or empty.
+    const Observable<std::optional<DatabaseTrouble>>& trouble() const { return trouble_; }
 
     /// Another mode always loads.
     void setMode(RangeMode mode);
@@ -83,7 +91,11 @@ public:
 private:
     DateInterval range() const { return interval(mode_.value(), anchor_.value(), calendar_); }
     void load();
-    void accept(std::shared_ptr<const ActivityReport> report);
+    using Loaded = std::variant<std::shared_ptr<const ActivityReport>, DatabaseTrouble>;
+    void accept(const Loaded& loaded);
+    void take(const std::shared_ptr<const ActivityReport>& report);
+    void take(DatabaseTrouble trouble);
+    void show(std::shared_ptr<const ActivityReport> report);
     void refresh();
     bool isDue() const;
 
@@ -94,9 +106,11 @@ private:
     Observable<Date> anchor_;
     SharedObservable<ActivityReport> report_;
     Observable<bool> isLoading_{false};
+    Observable<std::optional<DatabaseTrouble>> trouble_;
     bool isOnScreen_ = true;
     std::optional<Date> lastLoaded_; // when the last report was accepted
     Subscription timer_;
+    Subscription retry_;
     static constexpr std::uint64_t noLoad = 0;
     /// The number of the latest load. Loads compare theirs with it on both queues, and may outlive the store: from then
     /// on it is `noLoad`.

@@ -131,10 +131,13 @@ std::optional<std::int64_t> activityOf(const SystemMinute& minute) {
     return most->second > 0 ? std::optional(most->first) : std::nullopt;
 }
 
-/// An application's name, as any minute around the moment has it; else its key.
-std::string nameOf(const std::string& key, const std::vector<AppMinute>& apps) {
-    const auto app = std::ranges::find(apps, key, &AppMinute::appID);
-    return app == apps.end() ? key : app->name;
+/// An application's name, as any minute around the moment has it, or whoever else knows it; else its key.
+std::string nameOf(const std::string& key, const LogAroundMoment& log) {
+    const auto app = std::ranges::find(log.apps, key, &AppMinute::appID);
+    if (app != log.apps.end())
+        return app->name;
+    const auto other = log.otherNames.find(key);
+    return other == log.otherNames.end() ? key : other->second;
 }
 
 void takeBehaviour(Slowness& made, const LogAroundMoment& log, const SystemMinute* minute,
@@ -150,7 +153,7 @@ void takeBehaviour(Slowness& made, const LogAroundMoment& log, const SystemMinut
         made.activity = activityOf(*minute);
     }
     if (front)
-        made.front = nameOf(*front, log.apps);
+        made.front = nameOf(*front, log);
 }
 
 // Sentences.

@@ -5,6 +5,7 @@
 #include "Kestrio/Base/Calendar.h"
 #include "Kestrio/Resources/ResourceRecords.h"
 
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -18,6 +19,8 @@ struct LogAroundMoment {
     std::vector<AppMinute> apps = {};
     std::vector<SystemSecond> seconds = {};
     std::vector<ResourceEvent> events = {}; // up to the moment
+    /// What applications are called that have no minutes, by their keys.
+    std::map<std::string, std::string> otherNames = {};
 };
 
 struct Slowness {

@@ -26,7 +26,24 @@ void BrowserAccess::refresh() {
         }
         return all;
     };
-    ask(question, [](BrowserAccess& self, const std::vector<BrowserPermission>& all) { self.all_.set(all); });
+    ask(question, [](BrowserAccess& self, const std::vector<BrowserPermission>& all) { self.take(all); });
+}
+
+void BrowserAccess::take(const std::vector<BrowserPermission>& all) {
+    auto left = stepsLeft_.value();
+    for (const auto& permission : all)
+        if (permission.status == AutomationStatus::granted)
+            left.erase(permission.browser.bundleID);
+    all_.set(all);
+    stepsLeft_.set(std::move(left));
+}
+
+void BrowserAccess::note(const std::string& bundleID, const std::optional<BrowserStep>& step) {
+    auto left = stepsLeft_.value();
+    left.erase(bundleID);
+    if (step)
+        left.emplace(bundleID, *step);
+    stepsLeft_.set(std::move(left));
 }
 
 void BrowserAccess::request(const BrowserApp& browser) {
@@ -54,9 +71,16 @@ void BrowserAccess::requestConsent(const BrowserApp& browser) {
         const auto status = permissions.automationStatus(browser.bundleID, Permissions::Asking::ifNeeded);
         if (status == AutomationStatus::denied)
             permissions.openPrivacyPane(Permissions::automationPane);
-        return status;
+        return status == AutomationStatus::granted ? std::nullopt : permissions.stepLeft(browser);
     };
-    ask(question, [](BrowserAccess& self, AutomationStatus) { self.refresh(); });
+    ask(question, [id = browser.bundleID](BrowserAccess& self, const std::optional<BrowserStep>& step) {
+        self.note(id, step);
+        self.refresh();
+    });
+}
+
+void BrowserAccess::openStep(const BrowserApp& browser) {
+    worker_.async([&permissions = permissions_, browser] { permissions.openStep(browser); });
 }
 
 } // namespace kestrio

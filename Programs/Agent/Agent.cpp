@@ -117,7 +117,8 @@ public:
                                       auto receiver) { return importFiles(std::move(files), std::move(receiver)); },
                 .deleteActivity = [this](auto before, auto deleted) { deleteActivity(before, std::move(deleted)); },
                 .deleteResourceLog = [this] { resources_->deleteLog(); },
-                .browsers = [this] { return browsers_->readings(); },
+                .browsers = [this] { return browserReadings(); },
+                .observeBrowsers = [this](auto receiver) { return browserChanges_.subscribe(std::move(receiver)); },
                 .observeMonitor = [this](auto receiver) { return systemMonitor_->observe(std::move(receiver)); },
                 .ownCost = [this] { return resources_->cost(); },
                 .quit = [this] { quit(); },
@@ -210,7 +211,7 @@ private:
         monitorQueue_.sync([this] {
             desktop_ = std::make_unique<HostDesktop>(monitorQueue_, clock_, processEnvironment);
             browsers_ = std::make_unique<HostBrowsers>(monitorQueue_, clock_, *desktop_, browserTabs_->board(),
-                                                       processEnvironment);
+                                                       processEnvironment, [this] { tellBrowserChange(); });
             media_ = std::make_unique<HostMedia>(monitorQueue_, clock_, *desktop_, *browsers_);
         });
     }
@@ -235,6 +236,19 @@ private:
             return detector.detect(bundleID, appName, title);
         };
         return all;
+    }
+
+    /// Answers at once with what is known; what somebody asks about is then looked at.
+    std::vector<BrowserReading> browserReadings() {
+        monitorQueue_.async([this] {
+            if (browsers_)
+                browsers_->examine();
+        });
+        return browsers_->readings();
+    }
+
+    void tellBrowserChange() {
+        main_.async([this] { browserChanges_.emit(); });
     }
 
     HostOptimizer::Parts optimizerParts() {
@@ -363,6 +377,7 @@ private:
         giveBackHeld();
         stopLogging();
         stopRecording();
+        windows_->quit(); // they would only say that nothing is recorded any more
         main_.stop();
     }
 
@@ -405,6 +420,7 @@ private:
     std::optional<AutostartLoginItem> loginItem_;
     std::optional<AppModel> model_;
     std::optional<LocalBackground> background_;
+    Signal<> browserChanges_;
     std::unique_ptr<BusConnection> sessionBus_;
     std::unique_ptr<BackgroundService> service_;
     std::optional<WindowLauncher> windows_;

@@ -9,6 +9,8 @@
 #include "Kestrio/Link/Background.h"
 #include "Kestrio/Platform/Linux/AccessibilityBrowserReader.h"
 #include "Kestrio/Platform/Linux/BridgeBrowserReader.h"
+#include "Kestrio/Platform/Linux/BrowserProcess.h"
+#include "Kestrio/Platform/Linux/Browsers.h"
 #include "Kestrio/Platform/Linux/BusConnection.h"
 #include "Kestrio/Platform/Linux/PreferringBrowserReader.h"
 #include "Kestrio/Platform/Linux/ResponsibleProcess.h"
@@ -17,56 +19,71 @@
 
 #include <algorithm>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace kestrio {
 
 class HostBrowsers {
 public:
-    /// All must outlive this.
+    /// All must outlive this. `changed` is called on the queue when `readings` has become another answer.
     HostBrowsers(LoopQueue& queue, const Clock& clock, HostDesktop& desktop, const TabBoard& board,
-                 const Environment& environment)
+                 const Environment& environment, std::function<void()> changed)
         : desktop_(desktop),
           board_(board),
+          isWayland_(environment("WAYLAND_DISPLAY").has_value()),
+          changed_(std::move(changed)),
           bridge_(board, BridgeBrowserReader::focusPatience, titledWindows(desktop.windows, applicationOf_)),
           accessibility_(queue, clock,
                          {BusConnection::address(BusConnection::Bus::session).value_or(""),
                           environment("XDG_RUNTIME_DIR").value_or("")},
                          applicationOf_, titledWindows(desktop.windows, applicationOf_), [this] { settled_.emit(); }),
-          inspector(chain_, clock, AccessibilityBrowserReader::readable()) {}
+          inspector(chain_, clock, AccessibilityBrowserReader::readable()) {
+        tokens_.push_back(desktop.workspace.observe([this](WorkspaceNotice notice) {
+            if (notice != WorkspaceNotice::activated)
+                look();
+        }));
+        tokens_.push_back(board.observeBrowsers([&queue, weak = std::weak_ptr(self_)] {
+            queue.async([weak] {
+                if (const auto self = weak.lock())
+                    (*self)->look();
+            });
+        }));
+        look();
+    }
 
     /// The front tab, as the inspector answers; takes note of whether the browser's pages could be read without the
     /// extension.
     std::optional<BrowserTab> activeTab(const std::string& id) {
         auto tab = inspector.activeTab(id);
-        const std::lock_guard guard(lock_);
-        if (accessibility_.isReadable(id))
-            accessible_.insert(id);
-        else
-            accessible_.erase(id);
+        if (!knownBrowser(id))
+            return tab;
+        const bool isReadable = accessibility_.isReadable(id);
+        const auto known = isAccessible_.find(id);
+        if (known == isAccessible_.end() || known->second != isReadable) {
+            isAccessible_[id] = isReadable;
+            look();
+        }
         return tab;
     }
 
-    /// Of each browser that is read in one way at least, in which. Any thread.
+    /// How each browser that runs is read, as it was last looked at. Any thread.
     std::vector<BrowserReading> readings() const {
-        std::map<std::string, BrowserReading> all;
-        for (const auto& id : board_.browsers())
-            all[id].isConnected = true;
-        {
-            const std::lock_guard guard(lock_);
-            for (const auto& id : accessible_)
-                all[id].isAccessible = true;
-        }
-        std::vector<BrowserReading> readings;
-        for (auto& [id, reading] : all) {
-            reading.bundleIdentifier = id;
-            readings.push_back(std::move(reading));
-        }
-        return readings;
+        const std::lock_guard guard(lock_);
+        return readings_;
+    }
+
+    /// Looks at all that run, also at those that were never in front since they do.
+    void examine() {
+        look();
+        for (const auto& reading : readings())
+            if (!reading.isConnected && !isAccessible_.contains(reading.bundleIdentifier))
+                activeTab(reading.bundleIdentifier);
     }
 
     /// Calls the receiver when a page that was uncertain at the last question has become certain.
@@ -87,6 +104,45 @@ public:
     }
 
 private:
+    /// The browsers that have a window. Where a window system tells of none or not of all, those that have a process.
+    std::set<std::string> inUse() {
+        std::set<std::string> found;
+        if (isWayland_ || !desktop_.windows.hasServer())
+            found = runningBrowsers(desktop_.identity);
+        for (const auto& application : desktop_.workspace.runningApplications())
+            if (application.bundleIdentifier && knownBrowser(*application.bundleIdentifier))
+                found.insert(*application.bundleIdentifier);
+        return found;
+    }
+
+    void look() {
+        const auto connected = board_.browsers();
+        auto running = inUse();
+        running.insert(connected.begin(), connected.end());
+        std::erase_if(isAccessible_, [&](const auto& entry) { return !running.contains(entry.first); });
+        std::vector<BrowserReading> found;
+        for (const auto& id : running)
+            found.push_back({id, name(id), std::ranges::find(connected, id) != connected.end(), isAccessible(id)});
+        {
+            const std::lock_guard guard(lock_);
+            if (std::exchange(readings_, found) == found)
+                return;
+        }
+        changed_();
+    }
+
+    std::string name(const std::string& id) {
+        if (auto installed = desktop_.identity.name(id))
+            return *installed;
+        const auto* const known = knownBrowser(id);
+        return known ? std::string(known->name) : id;
+    }
+
+    bool isAccessible(const std::string& id) const {
+        const auto found = isAccessible_.find(id);
+        return found != isAccessible_.end() && found->second;
+    }
+
     std::optional<std::string> applicationOf(pid_t process) {
         for (const auto& application : desktop_.workspace.runningApplications())
             if (application.processIdentifier == process)
@@ -110,8 +166,13 @@ private:
 
     HostDesktop& desktop_;
     const TabBoard& board_;
-    mutable std::mutex lock_; // guards `accessible_` alone
-    std::set<std::string> accessible_;
+    const bool isWayland_;
+    const std::function<void()> changed_;
+    std::map<std::string, bool> isAccessible_; // of those that run, as far as they were looked at
+    mutable std::mutex lock_;                  // guards `readings_` alone
+    std::vector<BrowserReading> readings_;
+    std::vector<Subscription> tokens_;
+    std::shared_ptr<HostBrowsers*> self_ = std::make_shared<HostBrowsers*>(this); // work on the way holds it weakly
     Signal<> settled_;
     const ApplicationOfProcess applicationOf_ = [this](pid_t process) { return applicationOf(process); };
     BridgeBrowserReader bridge_;

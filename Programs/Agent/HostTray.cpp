@@ -43,6 +43,10 @@ std::optional<ScreenPoint> placeOf(const TrayClick& click) {
     return click.x == 0 && click.y == 0 ? std::nullopt : std::optional(ScreenPoint{click.x, click.y});
 }
 
+PanelKind panelOf(const std::string& item) {
+    return item == HostTray::systemItem ? PanelKind::system : PanelKind::today;
+}
+
 std::vector<std::string> identifiers(const std::vector<SystemInsight>& insights) {
     std::vector<std::string> result;
     for (const auto& insight : insights)
@@ -161,18 +165,17 @@ BarMenu HostTray::menu(const std::string& item) const {
 }
 
 void HostTray::hear(const TrayClick& click) {
-    const bool isSystem = click.item == systemItem;
     if (click.button != TrayClick::Button::secondary)
-        return parts_.open(PanelRequest{isSystem ? PanelKind::system : PanelKind::today, placeOf(click)},
-                           click.activationToken);
-    perform(ShowDashboard{isSystem ? std::optional(DashboardSection::performance) : std::nullopt},
+        return parts_.open(PanelRequest{panelOf(click.item), placeOf(click)}, click.activationToken);
+    const bool isSystem = click.item == systemItem;
+    perform(ShowDashboard{isSystem ? std::optional(DashboardSection::performance) : std::nullopt}, click.item,
             click.activationToken);
 }
 
 void HostTray::hear(const TrayChoice& choice) {
     // By the menu of this moment: what was chosen may be gone, and the time until tomorrow is another.
     if (const auto action = actionOf(menu(choice.item), choice.entry))
-        perform(*action, choice.activationToken);
+        perform(*action, choice.item, choice.activationToken);
 }
 
 void HostTray::hear(const TrayMenuOpening& opening) {
@@ -181,11 +184,13 @@ void HostTray::hear(const TrayMenuOpening& opening) {
     parts_.tray.show(item);
 }
 
-void HostTray::perform(const BarAction& action, const std::string& activationToken) {
+void HostTray::perform(const BarAction& action, const std::string& item, const std::string& activationToken) {
     struct Doing {
         const Parts& parts;
+        const std::string& item;
         const std::string& token;
 
+        void operator()(const ShowPanel&) const { parts.open(PanelRequest{panelOf(item), std::nullopt}, token); }
         void operator()(const ShowDashboard& asked) const {
             parts.open(DashboardRequest{asked.page ? std::optional(std::string(rawValue(*asked.page))) : std::nullopt},
                        token);
@@ -195,7 +200,7 @@ void HostTray::perform(const BarAction& action, const std::string& activationTok
         void operator()(const ResumeTracking&) const { parts.model.resume(); }
         void operator()(const QuitProgram&) const { parts.quit(); }
     };
-    std::visit(Doing{parts_, activationToken}, action);
+    std::visit(Doing{parts_, item, activationToken}, action);
 }
 
 } // namespace kestrio

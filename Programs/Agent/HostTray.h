@@ -68,7 +68,8 @@ private:
     void hear(const TrayClick& click);
     void hear(const TrayChoice& choice);
     void hear(const TrayMenuOpening& opening);
-    void perform(const BarAction& action, const std::string& activationToken);
+    /// An action of that item's menu.
+    void perform(const BarAction& action, const std::string& item, const std::string& activationToken);
 
     const Parts parts_;
     std::optional<DateInterval> day_; // that the time is of

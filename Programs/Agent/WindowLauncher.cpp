@@ -59,6 +59,11 @@ Background::Failure WindowLauncher::show(const WindowRequest& request, const std
     return start(request, activationToken);
 }
 
+void WindowLauncher::quit() {
+    if (isRunning())
+        client_->quit();
+}
+
 bool WindowLauncher::isRunning() {
     return client_ && client_->isRunning();
 }

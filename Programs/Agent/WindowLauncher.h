@@ -37,6 +37,9 @@ public:
     /// front, empty where it gave none.
     Background::Failure show(const WindowRequest& request, const std::string& activationToken = {});
 
+    /// Closes all windows, where there are any.
+    void quit();
+
 private:
     struct Waiting {
         WindowRequest request;

@@ -1,6 +1,7 @@
 // `kestrioctl browsers`: looks at the browsers of this host, and lets them start the native host.
 #include "Kestrio/Base/Clock.h"
 #include "Kestrio/Platform/Linux/BrowserProcess.h"
+#include "Kestrio/Platform/Linux/ExtensionSteps.h"
 #include "Kestrio/Platform/Linux/NativeHosts.h"
 #include "Programs/CommandLine/BrowserTable.h"
 #include "Programs/CommandLine/Commands.h"
@@ -8,11 +9,8 @@
 #include "Programs/CommandLine/Terminal.h"
 
 #include <algorithm>
-#include <charconv>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
-#include <set>
-#include <sys/stat.h>
 
 namespace kestrio {
 namespace {
@@ -22,34 +20,6 @@ namespace fs = std::filesystem;
 fs::path programFolder() {
     std::error_code ignored;
     return fs::read_symlink("/proc/self/exe", ignored).parent_path();
-}
-
-/// Beside the programs where they were built, or where they were installed.
-fs::path extensionFolder() {
-    const auto prefix = programFolder().parent_path();
-    std::error_code ignored;
-    const auto built = prefix / "extension";
-    return fs::exists(built, ignored) ? built : prefix / "share" / "kestrio" / "extension";
-}
-
-bool isOwnProcess(const fs::path& folder) {
-    struct stat status {};
-    return stat(folder.c_str(), &status) == 0 && status.st_uid == getuid();
-}
-
-std::set<std::string> runningBrowsers(ApplicationIdentity& identity) {
-    std::set<std::string> running;
-    std::error_code error;
-    for (fs::directory_iterator at("/proc", error), end; !error && at != end; at.increment(error)) {
-        const auto name = at->path().filename().string();
-        pid_t process = 0;
-        const auto parsed = std::from_chars(name.data(), name.data() + name.size(), process);
-        if (parsed.ec != std::errc() || parsed.ptr != name.data() + name.size() || !isOwnProcess(at->path()))
-            continue;
-        if (auto browser = browserOfProcess(identity, process))
-            running.insert(std::move(*browser));
-    }
-    return running;
 }
 
 class BrowserExamination {
@@ -117,12 +87,12 @@ int browsers(bool json) {
         return 1;
     const auto findings = BrowserExamination(*hosts).findings(agent ? agent->browsers() : std::nullopt);
     if (!json) {
-        print(browserTable(findings, extensionFolder(), outputStyle()));
+        print(browserTable(findings, extensionFolder(programFolder()), outputStyle()));
         return 0;
     }
     auto array = nlohmann::ordered_json::array();
     for (const auto& finding : findings)
-        array.push_back(toJSON(finding, extensionFolder()));
+        array.push_back(toJSON(finding, extensionFolder(programFolder())));
     printJSON(array);
     return 0;
 }
@@ -140,7 +110,7 @@ int installNativeHosts() {
         isAnyHere = true;
         isDone = change(browser, hosts->install(browser),
                         fmt::format("{} may now start kestrio-tabs. One step is left to you:\n  {}\n", browser.name,
-                                    loadingStep(browser.family, extensionFolder()))) &&
+                                    loadingStep(browser.family, extensionFolder(programFolder())))) &&
                  isDone;
     }
     if (!isAnyHere)

@@ -1,6 +1,7 @@
 #include "Programs/CommandLine/BrowserTable.h"
 
 #include "Kestrio/Base/Text.h"
+#include "Kestrio/Platform/Linux/ExtensionSteps.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -24,15 +25,6 @@ bool isHere(const BrowserFinding& finding) {
 }
 
 } // namespace
-
-std::string loadingStep(BrowserFamily family, const std::filesystem::path& extension) {
-    if (family == BrowserFamily::chromium)
-        return "Open chrome://extensions, switch on Developer mode, choose Load unpacked and the folder " +
-               (extension / "chromium").string();
-    return "Open about:debugging, choose This Firefox, Load Temporary Add-on and the file " +
-           (extension / "firefox" / "manifest.json").string() + "; where unsigned add-ons are allowed, install " +
-           (extension / "firefox.xpi").string() + " for good";
-}
 
 std::string browserRemedy(const BrowserFinding& finding, const std::filesystem::path& extension) {
     if (finding.isConnected == true)

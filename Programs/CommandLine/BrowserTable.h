@@ -25,10 +25,7 @@ struct BrowserFinding {
     friend bool operator==(const BrowserFinding&, const BrowserFinding&) = default;
 };
 
-/// What a person does once so that the browser takes the extension. `extension` is the folder of both its forms.
-std::string loadingStep(BrowserFamily family, const std::filesystem::path& extension);
-
-/// The next step for this browser; empty where none is needed.
+/// The next step for this browser; empty where none is needed. `extension` is the folder of both forms of ours.
 std::string browserRemedy(const BrowserFinding& finding, const std::filesystem::path& extension);
 
 /// Those that are here, a line each with its remedy below.

@@ -1,11 +1,13 @@
 #include "Programs/CommandLine/Commands.h"
 
 #include "Kestrio/Base/Formatters.h"
+#include "Kestrio/Base/LoopQueue.h"
 #include "Kestrio/Base/Text.h"
 #include "Kestrio/Model/ModelsJSON.h"
 #include "Kestrio/Pages/DashboardSection.h"
 #include "Kestrio/Shell/Settings.h"
 #include "Programs/Agent/Agent.h"
+#include "Programs/Agent/WindowLauncher.h"
 #include "Programs/CommandLine/CostText.h"
 #include "Programs/CommandLine/Moments.h"
 #include "Programs/CommandLine/Places.h"
@@ -81,6 +83,14 @@ JSON settingJSON(const std::optional<SettingValue>& value) {
     if (const auto* dictionary = std::get_if<SettingDictionary>(&*value))
         return *dictionary;
     return settingText(*value);
+}
+
+/// Without an agent the windows are started from here. They find one another by themselves, so no bus is needed.
+Background::Failure openWindowItself(const DashboardRequest& request) {
+    std::error_code ignored;
+    const auto program = std::filesystem::read_symlink("/proc/self/exe", ignored).parent_path() / "kestrio-window";
+    MainQueue unused;
+    return WindowLauncher({unused, nullptr, program, processEnvironment}).show(request);
 }
 
 } // namespace
@@ -248,14 +258,12 @@ int resume() {
 }
 
 int openDashboard(const std::optional<std::string>& page) {
-    if (const auto error = page ? dashboardSectionError(text::fittedToColumns(*page, 60)) : std::nullopt) {
+    if (const auto error = page ? dashboardPageError(text::fittedToColumns(*page, 60)) : std::nullopt) {
         complain(*error);
         return wrongUsage;
     }
     const auto agent = runningAgent(placesOrExit());
-    if (!agent)
-        return reportNotRunning();
-    if (const auto failure = agent->openDashboard(page)) {
+    if (const auto failure = agent ? agent->openDashboard(page) : openWindowItself({page})) {
         complain(*failure);
         return failed;
     }

@@ -20,7 +20,7 @@ int sessions(const SessionsOptions& options);
 /// Until somebody resumes, when no length is given.
 int pause(const std::optional<std::string>& length);
 int resume();
-/// Shows the dashboard: a page by its raw text, or the one that was open last.
+/// Shows the dashboard, with or without an agent: a page by its raw text, or the one that was open last.
 int openDashboard(const std::optional<std::string>& page);
 int listSettings(bool json);
 int getSetting(const std::string& key);

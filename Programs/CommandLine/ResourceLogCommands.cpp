@@ -18,6 +18,7 @@
 #include <algorithm>
 #include <fmt/format.h>
 #include <limits>
+#include <map>
 #include <nlohmann/json.hpp>
 
 namespace kestrio {
@@ -30,6 +31,7 @@ using namespace exitStatus;
 constexpr std::int64_t secondsPerPage = 5'000;
 constexpr Seconds eventsBefore{86'400}; // in which the last sleep is looked for
 constexpr Seconds minute{60};
+constexpr Seconds sessionsAround{43'200}; // in which an application's name is looked for
 
 /// Runs a command that reads the log; one that is not there or cannot be opened is a clear line.
 template <class Work>
@@ -129,6 +131,21 @@ LogAroundMoment logAround(Date at, ResourceStore& store) {
             .seconds =
                 store.seconds({at - Slowness::reach, at + Slowness::reach + Seconds(1)}, std::nullopt, secondsPerPage),
             .events = std::move(events)};
+}
+
+/// What the applications in front around the moment are called, by their identifiers; none while nobody can tell.
+std::map<std::string, std::string> namesAround(Date at, const Locations& places) {
+    try {
+        const auto agent = runningAgent(places);
+        StoredSessions stored(places);
+        std::map<std::string, std::string> names;
+        for (auto& session : sessionsOf(stored.database(), agent ? agent->status() : std::nullopt,
+                                        {at - sessionsAround, at + sessionsAround}))
+            names.insert_or_assign(std::move(session.bundleID), std::move(session.appName));
+        return names;
+    } catch (const DatabaseError&) {
+        return {};
+    }
 }
 
 } // namespace
@@ -286,12 +303,17 @@ int why(const std::optional<std::string>& at) {
                              momentForms));
         return wrongUsage;
     }
-    return withLog(placesOrExit(), [&](ResourceStore& store) {
-        const auto log = logAround(*moment, store);
+    const auto places = placesOrExit();
+    return withLog(places, [&](ResourceStore& store) {
+        auto log = logAround(*moment, store);
+        log.otherNames = namesAround(*moment, places);
+        const auto seen = slowness(log);
         std::vector<std::string> names;
         std::ranges::transform(log.apps, std::back_inserter(names), &AppMinute::name);
+        if (seen.front)
+            names.push_back(*seen.front);
         std::string told;
-        for (const auto& sentence : sentences(slowness(log), calendar))
+        for (const auto& sentence : sentences(seen, calendar))
             told += hostWords(sentence, names) + "\n";
         print(text::withoutInvisibleMarks(told));
         return done;

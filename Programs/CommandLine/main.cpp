@@ -303,8 +303,8 @@ int main(int argc, char** argv) {
         app, "open", "Show the dashboard", result, [&] { return kestrio::openDashboard(page); },
         [&](CLI::App& command) {
             command.add_option("page", page,
-                               "overview, timeline, apps, websites, youtube, projects, performance or resourceLog; "
-                               "the one that was open last unless said");
+                               "overview, timeline, apps, websites, youtube or projects; the one that was open last "
+                               "unless said");
         });
 
     auto* settings = app.add_subcommand("settings", "Read and change the settings");

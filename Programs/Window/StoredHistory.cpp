@@ -6,50 +6,28 @@
 #include <utility>
 
 namespace kestrio {
-namespace {
 
-/// More than anybody looks through.
-constexpr std::int32_t mostTotals = 5000;
-
-} // namespace
-
-std::vector<ActivitySession> StoredHistory::sessions(DateInterval interval) {
-    std::vector<ActivitySession> found;
-    if (auto* const stored = database())
-        found = stored->sessions(interval.start, interval.end);
-    if (const auto agent = agent_.known(patience))
-        joinOpen(found, agent->live, agent->alongside, interval);
-    return found;
+FoundSessions StoredHistory::sessions(DateInterval interval) {
+    const auto agent = agent_.known(patience);
+    auto answer = stored(interval, agent ? Agent::there : Agent::away);
+    auto* const found = std::get_if<std::vector<ActivitySession>>(&answer);
+    if (found && agent)
+        joinOpen(*found, agent->live, agent->alongside, interval);
+    return answer;
 }
 
-DataSettings::Stored StoredHistory::stored() {
-    DataSettings::Stored stored{.fileName = file_.filename().string()};
-    if (auto* const found = database()) {
-        stored.bytes = static_cast<std::uint64_t>(found->fileSize());
-        stored.sessions = found->sessionCount();
-        stored.since = found->earliestStart();
-    }
-    return stored;
-}
-
-std::vector<NamedTotal> StoredHistory::totals(const char* sql) {
-    auto* const found = database();
-    return found ? found->totals(sql, mostTotals) : std::vector<NamedTotal>();
-}
-
-Database* StoredHistory::database() {
-    if (database_)
-        return &*database_;
-    std::error_code ignored;
-    if (!std::filesystem::exists(file_, ignored))
-        return nullptr;
+FoundSessions StoredHistory::stored(DateInterval interval, Agent agent) {
     try {
-        database_.emplace(file_, queue_, Database::Access::readOnly);
-        return &*database_;
+        Database database(file_, queue_, Database::Access::readOnly);
+        hasOpened_ = true;
+        return database.findSessions(interval.start, interval.end);
     } catch (const DatabaseError& error) {
+        const bool wasNeverMade = error.trouble() == DatabaseTrouble::missing && !hasOpened_ && agent == Agent::away;
+        if (wasNeverMade)
+            return std::vector<ActivitySession>();
         if (!std::exchange(hasFailed_, true)) // tried again at the next look, and said once
             logLine(std::string("Kestrio: ") + error.what());
-        return nullptr;
+        return error.trouble();
     }
 }
 

@@ -1,5 +1,6 @@
 // The recorded sessions as the windows look at them: those in the database, joined with what is open in the agent's
-// memory. The agent makes the database; as long as there is none the history is empty.
+// memory. The agent makes the database; before it ever did the history is empty. The file is opened anew at each look,
+// since it may be gone, replaced or unreadable at one and right again at the next.
 //
 // Belongs to the loading queue.
 #pragma once
@@ -7,14 +8,12 @@
 #include "Kestrio/Activity/Database.h"
 #include "Kestrio/Base/LoopQueue.h"
 #include "Kestrio/Link/AgentLink.h"
-#include "Kestrio/Views/Window/ActivityArchive.h"
 
 #include <filesystem>
-#include <optional>
 
 namespace kestrio {
 
-class StoredHistory final : public ActivityArchive {
+class StoredHistory {
 public:
     /// How long a first look waits to hear what is open.
     static constexpr Seconds patience{0.3};
@@ -22,22 +21,18 @@ public:
     /// The link must outlive the history.
     StoredHistory(std::filesystem::path file, const AgentLink& agent) : file_(std::move(file)), agent_(agent) {}
 
-    /// Empty on failure. Waits.
-    std::vector<ActivitySession> sessions(DateInterval interval) override;
-
-    DataSettings::Stored stored() override;
-    std::vector<NamedTotal> appTotals() override { return totals(Database::appTotals); }
-    std::vector<NamedTotal> domainTotals() override { return totals(Database::domainTotals); }
+    /// Waits, while the file is locked for some seconds.
+    FoundSessions sessions(DateInterval interval);
 
 private:
-    Database* database();
-    std::vector<NamedTotal> totals(const char* sql);
+    enum class Agent { there, away };
+    FoundSessions stored(DateInterval interval, Agent agent);
 
     const std::filesystem::path file_;
     const AgentLink& agent_;
+    bool hasOpened_ = false;
     bool hasFailed_ = false;
     WorkerQueue queue_{"Kestrio.database"};
-    std::optional<Database> database_;
 };
 
 } // namespace kestrio

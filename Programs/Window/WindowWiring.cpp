@@ -15,13 +15,31 @@
 #include "Programs/Window/DesktopLook.h"
 #include "Programs/Window/StoredSize.h"
 
+#include <malloc.h>
+
 namespace kestrio {
 namespace {
 
 namespace fs = std::filesystem;
 
+constexpr Seconds zoneInterval{30.0};
+constexpr Seconds zoneTolerance{15.0};
+
 fs::path dataFolder(const Locations& locations) {
     return locations.data / "Kestrio";
+}
+
+fs::path ownFolder() {
+    std::error_code ignored;
+    return fs::read_symlink("/proc/self/exe", ignored).parent_path();
+}
+
+/// That a start belongs to a moment of long ago is for the window manager, so that it leaves the front as it is; not
+/// every one does.
+void startForPerson(const std::vector<std::string>& command, bool inBackground) {
+    EnvironmentChanges changes{{"XDG_ACTIVATION_TOKEN", std::nullopt}};
+    changes["DESKTOP_STARTUP_ID"] = inBackground ? std::optional("kestrio_TIME1") : std::nullopt;
+    startDetached(command, changes);
 }
 
 /// The agent of this session, if it keeps its data where these windows look.
@@ -42,11 +60,6 @@ std::optional<std::string> privacyAdvice(std::string_view place) {
     return remedy->command ? remedy->text + " " + *remedy->command : remedy->text;
 }
 
-fs::path agentProgram() {
-    std::error_code ignored;
-    return fs::read_symlink("/proc/self/exe", ignored).parent_path() / "kestrio";
-}
-
 /// What starts this host's own system monitor; empty where none is installed.
 std::function<void()> activityMonitor(const Clock& clock) {
     DesktopEntries entries(applicationFolders(processEnvironment), messageLocale(processEnvironment), clock);
@@ -62,11 +75,14 @@ WindowWiring::WindowWiring(Queue& main, const Locations& locations, const std::o
     : settings_(locations.settingsFile(), main),
       classification_(settings_, hostHint(processEnvironment, clock_)),
       agent_(main, agentQueue_, ownAgent(busAddress, dataFolder(locations), agentQueue_)),
+      browsers_(main, agentQueue_, agent_, clock_,
+                {processEnvironment, ownFolder(), calendar_.locale(), startForPerson}),
       history_(dataFolder(locations) / Database::fileName, agent_),
+      archive_(dataFolder(locations) / Database::fileName, history_),
       dashboard_(storeParts(main), calendar_, RangeMode::day, ReportStore::Follows::itsPerson),
       today_(storeParts(main), calendar_, RangeMode::day, ReportStore::Follows::now),
-      loginItem_(locations.autostartFolder(), agentProgram()),
-      archive_(main, loadingQueue_, history_),
+      loginItem_(locations.autostartFolder(), ownFolder() / "kestrio"),
+      archiveLink_(main, loadingQueue_, archive_),
       parts_{.clock = clock_,
              .queue = main,
              .calendar = calendar_,
@@ -75,8 +91,9 @@ WindowWiring::WindowWiring(Queue& main, const Locations& locations, const std::o
              .agent = agent_,
              .dashboard = dashboard_,
              .today = today_,
+             .browserAccess = &browsers_.access(),
              .loginItem = &loginItem_,
-             .archive = &archive_,
+             .archive = &archiveLink_,
              .host = host(main, locations, busAddress)} {
     std::map<std::string, SettingValue> registered;
     for (const auto& setting : knownSettings())
@@ -84,6 +101,16 @@ WindowWiring::WindowWiring(Queue& main, const Locations& locations, const std::o
             registered.emplace(setting.key, *setting.registered);
     settings_.registerDefaults(std::move(registered));
     agent_.start();
+    zoneLooks_ = main.every({.interval = zoneInterval, .tolerance = zoneTolerance}, [this] { followTimeZone(); });
+}
+
+/// A person who travels finds their days where they are now.
+void WindowWiring::followTimeZone() {
+    if (!zone_.hasChanged())
+        return;
+    calendar_ = Calendar::current();
+    dashboard_.setCalendar(calendar_);
+    today_.setCalendar(calendar_);
 }
 
 WindowHost WindowWiring::host(Queue& main, const Locations& locations, const std::optional<std::string>& busAddress) {
@@ -104,8 +131,8 @@ WindowHost WindowWiring::host(Queue& main, const Locations& locations, const std
             return observeDesktopLook(address, main, agentQueue_, std::move(receiver));
         };
     host.systemInfo = [] { return AppInfo::diagnostics(hostFacts()); };
-    host.dataFolder = dataFolder(locations);
     host.showInFiles = [this, busAddress](const auto& file) { showInFiles(busAddress, file); };
+    host.historyFile = dataFolder(locations) / Database::fileName;
     const auto sizeFile = locations.cache / "Kestrio" / "dashboard-size";
     host.storedSize = [sizeFile] { return readStoredSize(sizeFile); };
     host.storeSize = [sizeFile](WindowSize size) { writeStoredSize(sizeFile, size); };
@@ -121,7 +148,9 @@ ReportStore::Parts WindowWiring::storeParts(Queue& main) {
         .classification =
             [this] {
                 return Classification{classification_.categorizer().snapshot(), classification_.projectRules().rules()};
-            }};
+            },
+        .freed = [] { malloc_trim(0); }, // a month takes tens of megabytes, and a day may be next
+    };
 }
 
 /// Without a file manager that knows how to show a file, its folder is opened.
@@ -135,7 +164,7 @@ void WindowWiring::showInFiles(const std::optional<std::string>& busAddress, con
 /// Quietly: the windows are there already.
 bool WindowWiring::startAgent() {
     std::error_code ignored;
-    const auto agent = agentProgram();
+    const auto agent = ownFolder() / "kestrio";
     return fs::exists(agent, ignored) && startDetached({agent.string(), "--login"});
 }
 

@@ -6,8 +6,11 @@
 #include "Kestrio/Platform/Linux/AutostartLoginItem.h"
 #include "Kestrio/Platform/Linux/Locations.h"
 #include "Kestrio/Views/Window/WindowParts.h"
+#include "Programs/Window/HostBrowserAccess.h"
 #include "Programs/Window/SettingsRelay.h"
+#include "Programs/Window/StoredArchive.h"
 #include "Programs/Window/StoredHistory.h"
+#include "Programs/Window/ZoneWatch.h"
 
 #include <optional>
 
@@ -25,20 +28,25 @@ private:
     void showInFiles(const std::optional<std::string>& busAddress, const std::filesystem::path& file);
     WindowHost host(Queue& main, const Locations& locations, const std::optional<std::string>& busAddress);
     ReportStore::Parts storeParts(Queue& main);
+    void followTimeZone();
 
     const SystemClock clock_;
-    const Calendar calendar_ = Calendar::current();
+    ZoneWatch zone_;
+    Calendar calendar_ = Calendar::current();
     SettingsRelay settings_;
     ClassificationSettings classification_;
     WorkerQueue agentQueue_{"Kestrio.agent"};
     AgentLink agent_;
+    HostBrowserAccess browsers_;
     StoredHistory history_;
+    StoredArchive archive_;
     WorkerQueue loadingQueue_{"Kestrio.reports"}; // dropped before what its work uses
     ReportStore dashboard_;
     ReportStore today_;
     AutostartLoginItem loginItem_;
-    ArchiveLink archive_;
+    ArchiveLink archiveLink_;
     const WindowParts parts_;
+    Subscription zoneLooks_;
 };
 
 } // namespace kestrio

@@ -45,7 +45,8 @@ int run(int count, char** arguments, const WindowRequest& request) {
     WindowWiring wiring(application.queue(), *places, bus);
     Windows windows(wiring.parts());
     const auto show = [&](const WindowRequest& asked, const std::string& token) { windows.show(asked, token); };
-    const auto service = bus ? WindowService::offer(*bus, application.queue(), show) : nullptr;
+    const auto quit = [&] { application.quit(); };
+    const auto service = bus ? WindowService::offer(*bus, application.queue(), show, quit) : nullptr;
     if (bus && !service && handOver(*bus, request))
         return 0; // another one was quicker
     windows.show(request, activationToken());

@@ -4,9 +4,11 @@
 #include "Tests/Support/TemporaryFolder.h"
 
 #include <fstream>
+#include <functional>
 #include <gtest/gtest.h>
 #include <sstream>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace kestrio {
 namespace {
@@ -337,6 +339,120 @@ TEST_F(DatabaseTest, aReadOnlyOneSeesWhatAnotherWritesAndMakesNothing) {
     writer->insert(plain, noon, noon + Seconds(1));
     EXPECT_EQ(reader.sessions(noon, noon + Seconds(60)).size(), 1u);
     EXPECT_EQ(reader.insert(plain, noon, noon + Seconds(1)), std::nullopt);
+}
+
+std::optional<DatabaseTrouble> troubleOf(const FoundSessions& found) {
+    const auto* const trouble = std::get_if<DatabaseTrouble>(&found);
+    return trouble ? std::optional(*trouble) : std::nullopt;
+}
+
+/// Somebody to whom permissions apply, as they do not to the system's own account.
+class OrdinaryPerson {
+public:
+    OrdinaryPerson() : before_(geteuid()) { EXPECT_EQ(seteuid(before_ == 0 ? nobody : before_), 0); }
+    ~OrdinaryPerson() { EXPECT_EQ(seteuid(before_), 0); }
+    OrdinaryPerson(const OrdinaryPerson&) = delete;
+    OrdinaryPerson& operator=(const OrdinaryPerson&) = delete;
+
+private:
+    static constexpr uid_t nobody = 65'534;
+    const uid_t before_;
+};
+
+class LookingAtADatabase : public DatabaseTest {
+protected:
+    LookingAtADatabase() {
+        const auto database = open();
+        for (int i = 0; i < 2'000; ++i)
+            database->insert(plain, noon + Seconds(i), noon + Seconds(i + 1));
+    }
+
+    /// What somebody who only looks is told.
+    FoundSessions look() {
+        try {
+            Database database(file, queue, Database::Access::readOnly);
+            return database.findSessions(noon, noon + Seconds(hour));
+        } catch (const DatabaseError& error) {
+            return error.trouble();
+        }
+    }
+
+    void overwrite(std::streamoff from, std::size_t length) const {
+        std::fstream stream(file, std::ios::in | std::ios::out | std::ios::binary);
+        stream.seekp(from);
+        stream << std::string(length, 'x');
+    }
+};
+
+TEST_F(LookingAtADatabase, findsWhatIsThere) {
+    EXPECT_EQ(std::get<std::vector<ActivitySession>>(look()).size(), 2'000U);
+}
+
+TEST_F(LookingAtADatabase, saysWhyItCannotBeRead) {
+    const auto size = fs::file_size(file);
+    struct Row {
+        const char* what;
+        std::function<void()> harm;
+        DatabaseTrouble trouble;
+    };
+    using enum DatabaseTrouble;
+    const Row rows[]{
+        {"gone", [&] { fs::remove(file); }, missing},
+        {"gone with its folder", [&] { fs::remove_all(file.parent_path()); }, missing},
+        {"a folder in its place",
+         [&] {
+             fs::remove(file);
+             fs::create_directory(file);
+         },
+         unreadable},
+        {"another file", [&] { overwrite(0, size); }, damaged},
+        {"damaged at its head", [&] { overwrite(0, 100); }, damaged},
+        {"damaged from its second page on", [&] { overwrite(4'096, size - 4'096); }, damaged},
+        {"cut off", [&] { fs::resize_file(file, size / 2); }, damaged},
+        {"a few bytes", [&] { fs::resize_file(file, 20); }, damaged},
+        {"emptied", [&] { fs::resize_file(file, 0); }, unreadable},
+        {"of another program", [&] { run(file, "DROP TABLE sessions"); }, unreadable},
+    };
+    const auto whole = contents(file);
+    for (const auto& row : rows) {
+        row.harm();
+        EXPECT_EQ(troubleOf(look()), row.trouble) << row.what;
+        fs::remove_all(file);
+        fs::create_directories(file.parent_path());
+        writeFile(file, whole);
+        EXPECT_EQ(troubleOf(look()), std::nullopt) << "after it was " << row.what;
+    }
+}
+
+TEST_F(LookingAtADatabase, saysThatAnotherProgramKeepsItToItself) {
+    sqlite3* raw = nullptr;
+    sqlite3_open(file.c_str(), &raw);
+    {
+        const sqlite::Connection holder(raw);
+        ASSERT_FALSE(sqlite::execute(raw, "PRAGMA locking_mode = EXCLUSIVE; BEGIN EXCLUSIVE"));
+        EXPECT_EQ(troubleOf(look()), DatabaseTrouble::locked);
+    }
+    EXPECT_EQ(troubleOf(look()), std::nullopt);
+}
+
+TEST_F(LookingAtADatabase, saysThatOneMayNot) {
+    fs::permissions(folder.path(), fs::perms(0755));
+    fs::permissions(file.parent_path(), fs::perms(0755));
+    fs::permissions(file, fs::perms(0));
+    const OrdinaryPerson person;
+    EXPECT_EQ(troubleOf(look()), DatabaseTrouble::forbidden);
+}
+
+TEST_F(LookingAtADatabase, needsNoFolderThatItMayWriteTo) {
+    const auto odd = folder.path() / "a #1? 100%";
+    fs::rename(file.parent_path(), odd);
+    file = odd / file.filename();
+    fs::permissions(folder.path(), fs::perms(0755));
+    fs::permissions(odd, fs::perms(0555));
+    fs::permissions(file, fs::perms(0444));
+    const OrdinaryPerson person;
+    EXPECT_EQ(troubleOf(look()), std::nullopt);
+    EXPECT_FALSE(fs::exists(file.string() + "-wal"));
 }
 
 // The data folder

@@ -116,5 +116,20 @@ TEST_F(PermissionsTest, privacyPanesAreOpenedByTheirNames) {
     EXPECT_EQ(panes, (std::vector<std::string>{"Privacy_Accessibility", "Privacy_Automation"}));
 }
 
+TEST(Permissions, aStepIsWhatTheHostSaysAndNothingWhereItSaysNothing) {
+    const BrowserApp browser{"org.example.one", "One"};
+    const Permissions silent({}, "en_US", {});
+    EXPECT_EQ(silent.stepLeft(browser), std::nullopt);
+    silent.openStep(browser);
+    std::vector<std::string> opened;
+    Permissions::Host host;
+    host.stepLeft = [](const BrowserApp& app) { return BrowserStep{"Do this in " + app.name + ".", "There"}; };
+    host.openStep = [&](const BrowserApp& app) { opened.push_back(app.bundleID); };
+    const Permissions permissions({}, "en_US", host);
+    EXPECT_EQ(permissions.stepLeft(browser), (BrowserStep{"Do this in One.", "There"}));
+    permissions.openStep(browser);
+    EXPECT_EQ(opened, std::vector<std::string>{"org.example.one"});
+}
+
 } // namespace
 } // namespace kestrio

@@ -285,4 +285,5 @@ class ByItself(OptimizerTest):
             self.assertIn(words, events)
 
 
-main()
+if __name__ == "__main__":
+    main()

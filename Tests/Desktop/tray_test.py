@@ -131,24 +131,30 @@ class IconsInAPanel(DesktopTest):
         self.assertIn(self.click(PLACES[0]).split()[0], ("today", "system"))
         self.stop(agent)
 
-    def choose(self, key):
-        """Opens the menu of the first icon and presses a key, then Return."""
+    def choose(self, *keys):
+        """Opens the menu of the first icon and presses keys, then Return."""
         self.xdotool("mousemove", str(PLACES[0][0]), str(PLACES[0][1]), "click", "3")
-        self.xdotool("sleep", "0.5", "key", key, "sleep", "0.1", "key", "Return")
+        self.xdotool("sleep", "0.5", "key", *keys, "sleep", "0.1", "key", "Return")
 
-    def test_the_menu_opens_the_dashboard_and_ends_the_program(self):
+    def choose_window(self, window, *keys):
+        """Until the entry at the end of these keys has asked for this window."""
+
+        def is_chosen():
+            before = len(self.asked_for())
+            self.choose(*keys)
+            return self.waited(before)
+
+        eventually(is_chosen, f"{keys} choose an entry")
+        self.assertEqual(self.asked_for()[-1], window)
+
+    def test_the_menu_opens_windows_and_ends_the_program(self):
         self.home.control("settings", "set", "showSystemMonitor", "false")
         self.start_panel()
         agent = self.start_agent()
         eventually(lambda: self.icons() == 1, "one icon")
         self.click(PLACES[0])  # it is drawn
-
-        def is_dashboard_chosen():
-            self.choose("Down")
-            return "dashboard" in self.asked_for() or self.waited(len(self.asked_for()))
-
-        eventually(is_dashboard_chosen, "the first entry is chosen")
-        self.assertEqual(self.asked_for()[-1], "dashboard")
+        self.choose_window("today", "Down")
+        self.choose_window("dashboard", "Down", "Down")
 
         def is_quit_chosen():
             self.choose("Up")

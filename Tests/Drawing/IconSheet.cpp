@@ -1,8 +1,7 @@
-// Draws the icons of the bar in all their states and sizes, enlarged, on light and on dark, for whoever works on them:
-//
-//   IconSheet FILE.ppm
+// Draws the icons of the bar in all their states and sizes, enlarged, on light and on dark, for whoever works on them.
 #include "Kestrio/Drawing/TrayIcons.h"
 
+#include <CLI/CLI.hpp>
 #include <cstdint>
 #include <fstream>
 #include <iostream>
@@ -90,10 +89,10 @@ std::vector<std::vector<TrayPixmap>> allIcons() {
 
 int main(int argc, char** argv) {
     using namespace kestrio;
-    if (argc != 2) {
-        std::cerr << "usage: IconSheet FILE.ppm\n";
-        return 2;
-    }
+    CLI::App app("Draws the icons of the bar in all their states and sizes, enlarged.", "IconSheet");
+    std::string file;
+    app.add_option("file", file, "The picture, a .ppm")->required();
+    CLI11_PARSE(app, argc, argv);
     constexpr int zoom = 4;
     constexpr int cell = 22 * zoom + 16;
     const auto icons = allIcons();
@@ -103,15 +102,17 @@ int main(int argc, char** argv) {
         sheet.band(top, 430, top == 0 ? lightBar : darkBar);
         int left = 16;
         for (const auto& icon : icons) {
-            sheet.put(icon[0], left, top + 10, 1); // 22, as it is
-            sheet.put(icon[1], left + 30, top + 10, 1);
-            sheet.put(icon[2], left + 60, top + 8, 1);
-            sheet.put(icon[0], left, top + 50, zoom);
-            sheet.put(icon[1], left, top + 150, zoom - 1);
-            sheet.put(icon[2], left, top + 236, 2);
-            sheet.put(icon[4], left, top + 320, 1);
+            sheet.put(icon[1], left, top + 10, 1); // 22, as it is
+            sheet.put(icon[2], left + 30, top + 10, 1);
+            sheet.put(icon[3], left + 60, top + 8, 1);
+            sheet.put(icon[1], left, top + 50, zoom);
+            sheet.put(icon[2], left, top + 150, zoom - 1);
+            sheet.put(icon[3], left, top + 236, 2);
+            sheet.put(icon[5], left, top + 320, 1);
+            sheet.put(icon[0], left + 70, top + 320, 1); // 16, as it is, and enlarged
+            sheet.put(icon[0], left + 68, top + 344, 2);
             left += cell;
         }
     }
-    sheet.write(argv[1]);
+    sheet.write(file);
 }

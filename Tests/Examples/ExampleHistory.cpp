@@ -256,9 +256,11 @@ std::vector<ActivitySession> exampleHistory(Date lastDay, const Calendar& calend
 }
 
 bool writeHistory(const std::filesystem::path& file, const std::vector<ActivitySession>& sessions) {
-    {
+    try {
         WorkerQueue queue("Kestrio.database");
         Database make(file, queue); // the schema
+    } catch (const DatabaseError&) {
+        return false;
     }
     sqlite3* raw = nullptr;
     sqlite3_open(file.c_str(), &raw);

@@ -93,8 +93,9 @@ TEST(BackgroundOnTheBus, windowsAreAskedFor) {
 }
 
 TEST(BackgroundOnTheBus, howBrowsersAreReadIsTold) {
-    const std::vector<BrowserReading> readings{{"org.chromium.Chromium", true, false},
-                                               {"org.mozilla.firefox", false, true}};
+    const std::vector<BrowserReading> readings{{"org.chromium.Chromium", "Chromium", true, false},
+                                               {"org.mozilla.firefox", "Firefox — “новый”", false, true},
+                                               {"com.brave.Browser", "", false, false}};
     const PrivateBus bus;
     TestAgent agent(bus.address());
     const auto client = BackgroundClient::connect(bus.address());
@@ -104,6 +105,60 @@ TEST(BackgroundOnTheBus, howBrowsersAreReadIsTold) {
     EXPECT_EQ(client->browsers(), readings);
     agent.end();
     EXPECT_EQ(client->browsers(), std::nullopt);
+}
+
+bool servedUntil(BackgroundClient& client, const std::function<bool()>& condition) {
+    return eventually([&] {
+        client.serve(Seconds(0.05));
+        return condition();
+    });
+}
+
+TEST(BackgroundOnTheBus, aChangeOfHowBrowsersAreReadIsHeardUntilTheTokenGoes) {
+    const PrivateBus bus;
+    TestAgent agent(bus.address());
+    const auto client = BackgroundClient::connect(bus.address());
+    ASSERT_TRUE(client);
+    int heard = 0;
+    std::optional<std::vector<BrowserReading>> asked;
+    auto first = client->observeBrowsers([&] { ++heard; });
+    const auto second = client->observeBrowsers([&] { asked = client->browsers(); });
+    agent.with([](LinkBench& bench) {
+        bench.browsers = {{"org.chromium.Chromium", "Chromium", true, false}};
+        bench.browserChanges.emit();
+    });
+    EXPECT_TRUE(servedUntil(*client, [&] { return heard == 1 && asked && asked->size() == 1; }));
+    first.cancel();
+    asked.reset();
+    agent.with([](LinkBench& bench) { bench.browserChanges.emit(); });
+    EXPECT_TRUE(servedUntil(*client, [&] { return asked.has_value(); }));
+    EXPECT_EQ(heard, 1);
+}
+
+/// An agent of another version: it answers in its own way.
+template <class... Told>
+std::optional<std::vector<BrowserReading>> browsersAsToldBy(std::vector<Told...> answer) {
+    const PrivateBus bus;
+    const auto connection = sdbus::createSessionBusConnectionWithAddress(bus.address());
+    const auto object = sdbus::createObject(*connection, busNames::object);
+    object->registerMethod("Browsers").onInterface(busNames::interface).implementedAs([&] { return answer; });
+    object->finishRegistration();
+    connection->requestName(busNames::service);
+    connection->enterEventLoopAsync();
+    const auto client = BackgroundClient::connect(bus.address());
+    auto browsers = client->browsers();
+    connection->leaveEventLoop();
+    return browsers;
+}
+
+TEST(BackgroundOnTheBus, ofAnAgentThatTellsOfBrowsersOtherwiseNothingIsKnown) {
+    using Older = sdbus::Struct<std::string, bool, bool>;
+    EXPECT_EQ(browsersAsToldBy(std::vector<Older>{Older{"org.chromium.Chromium", true, false}}), std::nullopt);
+    EXPECT_EQ(browsersAsToldBy(std::vector<std::string>{"org.chromium.Chromium"}), std::nullopt);
+    EXPECT_EQ(browsersAsToldBy(std::vector<std::int32_t>{1, 2}), std::nullopt);
+    using Same = sdbus::Struct<std::string, std::string, bool, bool>;
+    EXPECT_EQ(browsersAsToldBy(std::vector<Same>{Same{"a", "A", true, false}}),
+              (std::vector<BrowserReading>{{"a", "A", true, false}}));
 }
 
 TEST(BackgroundOnTheBus, whatTheAgentCostsIsTold) {
@@ -349,6 +404,20 @@ TEST(BackgroundClient, aTokenMayOutliveTheClient) {
     ASSERT_TRUE(client);
     const auto token = client->observe([](const AgentStatus&) {});
     client.reset();
+}
+
+TEST(BackgroundOnTheBus, whatIsDeletedIsAskedFor) {
+    const PrivateBus bus;
+    TestAgent agent(bus.address());
+    const auto client = BackgroundClient::connect(bus.address());
+    ASSERT_TRUE(client);
+    EXPECT_EQ(client->deleteActivity(origin), std::nullopt);
+    EXPECT_EQ(client->deleteActivity(std::nullopt), std::nullopt);
+    EXPECT_EQ(client->deleteActivity(distantFuture), "what is deleted must lie in the past");
+    EXPECT_EQ(client->deleteResourceLog(), std::nullopt);
+    EXPECT_EQ(agent.with([](LinkBench& bench) { return bench.deletions; }),
+              (std::vector<std::optional<Date>>{origin, std::nullopt}));
+    EXPECT_EQ(agent.with([](LinkBench& bench) { return bench.logDeletions; }), 1);
 }
 
 } // namespace

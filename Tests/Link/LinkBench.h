@@ -24,7 +24,14 @@ struct LinkBench : MonitorBench {
                     },
                 .importFiles = [this](auto files,
                                       auto receiver) { return importFiles(std::move(files), std::move(receiver)); },
+                .deleteActivity =
+                    [this](auto before, const auto& deleted) {
+                        deletions.push_back(before);
+                        deleted();
+                    },
+                .deleteResourceLog = [this] { ++logDeletions; },
                 .browsers = [this] { return browsers; },
+                .observeBrowsers = [this](auto receiver) { return browserChanges.subscribe(std::move(receiver)); },
                 .observeMonitor = [this](auto receiver) { return observeMonitor(std::move(receiver)); },
                 .ownCost = [this] { return ownCost; },
                 .quit = [this] { ++quits; },
@@ -39,7 +46,10 @@ struct LinkBench : MonitorBench {
     std::vector<WindowRequest> windows; // that were asked for
     Background::Failure windowFailure;
     LocalBackground::ImportFiles importFiles;
+    std::vector<std::optional<Date>> deletions;
+    int logDeletions = 0;
     std::vector<BrowserReading> browsers;
+    Signal<> browserChanges;
     LocalBackground::ObserveMonitor observeMonitor = [](const auto&) { return Subscription(); };
     AgentCost ownCost;
     int quits = 0;

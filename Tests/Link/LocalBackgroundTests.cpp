@@ -82,10 +82,18 @@ TEST(LocalBackground, saysWhyThereIsNoDashboard) {
 TEST(LocalBackground, saysHowBrowsersAreRead) {
     LinkBench bench;
     EXPECT_EQ(bench.background->browsers(), std::vector<BrowserReading>());
-    bench.browsers = {{"org.chromium.Chromium", true, false}, {"org.mozilla.firefox", false, true}};
+    bench.browsers = {{"org.chromium.Chromium", "Chromium", true, false},
+                      {"org.mozilla.firefox", "Firefox", false, true}};
     EXPECT_EQ(bench.background->browsers(), bench.browsers);
+    int changes = 0;
+    auto token = bench.background->observeBrowsers([&] { ++changes; });
+    bench.browserChanges.emit();
+    token.cancel();
+    bench.browserChanges.emit();
+    EXPECT_EQ(changes, 1);
     LocalBackground without(*bench.model, {}, {});
     EXPECT_EQ(without.browsers(), std::vector<BrowserReading>());
+    const auto none = without.observeBrowsers([] {});
     EXPECT_EQ(without.openDashboard(std::nullopt), "There are no windows here.");
 }
 
@@ -169,6 +177,21 @@ TEST(LocalBackground, openSessionsAreFollowedOnlyWhileSomebodyObserves) {
     bench.show("org.example.editor", "Diary");
     bench.pass(5);
     EXPECT_EQ(bench.model->live().value()->sample.title, "Letter");
+}
+
+TEST(LocalBackground, deletesActivityOfThePastAndTellsWhenItIsDone) {
+    LinkBench bench;
+    int told = 0;
+    const auto token = bench.background->observeData([&] { ++told; });
+    EXPECT_EQ(bench.background->deleteActivity(std::nullopt), std::nullopt);
+    EXPECT_EQ(bench.background->deleteActivity(origin), std::nullopt);
+    EXPECT_EQ(bench.deletions, (std::vector<std::optional<Date>>{std::nullopt, origin}));
+    EXPECT_EQ(told, 2);
+    for (const double seconds : {std::nan(""), 1e300})
+        EXPECT_EQ(bench.background->deleteActivity(Date(seconds)), "what is deleted must lie in the past") << seconds;
+    EXPECT_EQ(bench.deletions.size(), 2U);
+    EXPECT_EQ(bench.background->deleteResourceLog(), std::nullopt);
+    EXPECT_EQ(bench.logDeletions, 1);
 }
 
 } // namespace

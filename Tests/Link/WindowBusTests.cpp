@@ -18,9 +18,9 @@ class Windows {
 public:
     explicit Windows(const std::string& address) {
         main_.sync([&] {
-            service_ = WindowService::offer(address, main_, [this](const auto& request, const auto& token) {
-                asked_.emplace_back(request, token);
-            });
+            service_ = WindowService::offer(
+                address, main_, [this](const auto& request, const auto& token) { asked_.emplace_back(request, token); },
+                [this] { ++quits_; });
         });
     }
     ~Windows() { end(); }
@@ -31,6 +31,9 @@ public:
     std::vector<Asked> asked() {
         return main_.sync([&] { return asked_; });
     }
+    int quits() {
+        return main_.sync([&] { return quits_; });
+    }
     void end() {
         main_.sync([&] { service_.reset(); });
     }
@@ -38,7 +41,8 @@ public:
 
 private:
     WorkerQueue main_{"windows"};
-    std::vector<Asked> asked_; // both on the queue
+    std::vector<Asked> asked_; // all on the queue
+    int quits_ = 0;
     std::unique_ptr<WindowService> service_;
 };
 
@@ -62,6 +66,17 @@ TEST(WindowsOnTheBus, everyRequestArrivesInOrderAndWhole) {
         EXPECT_TRUE(client->show(request, token));
     EXPECT_TRUE(eventually([&] { return windows.asked().size() == requests.size(); }));
     EXPECT_EQ(windows.asked(), requests);
+}
+
+TEST(WindowsOnTheBus, areClosedWhenTheProgramIsLeft) {
+    const PrivateBus bus;
+    Windows windows(bus.address());
+    auto client = WindowClient::connect(bus.address());
+    client->quit();
+    EXPECT_TRUE(eventually([&] { return windows.quits() == 1; }));
+    windows.end();
+    client->quit();
+    EXPECT_EQ(windows.quits(), 1);
 }
 
 TEST(WindowsOnTheBus, aSecondProcessGetsNoServiceButReachesTheFirst) {

@@ -33,7 +33,7 @@ TEST(StatusMenu, saysTheStateAndTheWaysOn) {
     };
     constexpr auto pause = "Pause Tracking [30 minutes*, 1 hour*, Until tomorrow*, Until I resume*]";
     const auto whole = [](const char* state, const std::string& action) {
-        return fmt::format("{} / Open Dashboard* > {} / Settings* / Quit Kestrio*", state, action);
+        return fmt::format("{} / Show Today* > Open Dashboard* > {} / Settings* / Quit Kestrio*", state, action);
     };
     EXPECT_EQ(menu(TrackingState::tracking), whole("Tracking", pause));
     EXPECT_EQ(menu(TrackingState::idle), whole("Idle", pause));
@@ -45,6 +45,7 @@ TEST(StatusMenu, saysTheStateAndTheWaysOn) {
 
 TEST(StatusMenu, eachEntryDoesWhatItSays) {
     const auto menu = statusMenu(TrackingState::tracking, {}, {halfPastTwo, berlin});
+    EXPECT_EQ(actionOf(menu, "Show Today"), BarAction(ShowPanel{}));
     EXPECT_EQ(actionOf(menu, "Open Dashboard"), BarAction(ShowDashboard{}));
     EXPECT_EQ(actionOf(menu, "30 minutes"), BarAction(PauseTracking{Seconds(1800)}));
     EXPECT_EQ(actionOf(menu, "1 hour"), BarAction(PauseTracking{Seconds(3600)}));
@@ -64,9 +65,10 @@ TEST(SystemMenu, saysTheInsightsAndLeadsOn) {
         {"cpu", SystemInsight::Level::warning, "cpu", "CPU has been busy (82%)."}};
     const auto menu = systemMenu(insights);
     EXPECT_EQ(described(menu), "Memory is nearly full, so apps will feel slow. > CPU has been busy (82%). / "
-                               "Performance* > Settings*");
+                               "Show System* > Performance* > Settings*");
+    EXPECT_EQ(actionOf(menu, "Show System"), BarAction(ShowPanel{}));
     EXPECT_EQ(actionOf(menu, "Performance"), BarAction(ShowDashboard{DashboardSection::performance}));
-    EXPECT_EQ(described(systemMenu({})), "Performance* > Settings*") << "before the first sample";
+    EXPECT_EQ(described(systemMenu({})), "Show System* > Performance* > Settings*") << "before the first sample";
 }
 
 TEST(BarTips, sayTheFigureAndTheWords) {

@@ -143,6 +143,53 @@ TEST(ChartTooltip, anEmptyBucketSaysSo) {
     EXPECT_EQ(chartTooltip(daily, bench.day.start, bench.calendar).head, "Fri, 20 Nov");
 }
 
+TEST(ChartTooltip, isHeadedInTheLocalesWords) {
+    struct Row {
+        const char* locale;
+        const char* hour;
+        const char* day;
+    };
+    const Row rows[] = {{"en_GB", "13:00 – 14:00", "Fri, 20 Nov"},
+                        {"en_US", "1:00 PM – 2:00 PM", "Fri, Nov 20"},
+                        {"de_DE", "13:00 – 14:00", "Fr., 20. Nov."},
+                        {"fr_FR", "13:00 – 14:00", "ven. 20 nov."}};
+    for (const auto& row : rows) {
+        const PagesBench bench{Calendar(row.locale, "Europe/Berlin")};
+        auto report = ActivityReport::empty(bench.day, Granularity::hour);
+        EXPECT_EQ(withPlainBlanks(chartTooltip(report, bench.at(13), bench.calendar).head), row.hour) << row.locale;
+        report.granularity = Granularity::day;
+        EXPECT_EQ(chartTooltip(report, bench.day.start, bench.calendar).head, row.day) << row.locale;
+    }
+}
+
+TEST(ChartTooltip, theLastHourOfADayEndsAtMidnight) {
+    const PagesBench bench;
+    EXPECT_EQ(chartTooltip(hourly(bench), bench.at(23), bench.calendar).head, "23:00 – 00:00");
+}
+
+TEST(ChartAxis, aWeekBeginsWhereTheLocaleHasIt) {
+    struct Row {
+        const char* locale;
+        Texts days;
+    };
+    const Row rows[] = {{"en_GB", {"Mon 16", "Tue 17", "Wed 18", "Thu 19", "Fri 20", "Sat 21", "Sun 22"}},
+                        {"en_US", {"15 Sun", "16 Mon", "17 Tue", "18 Wed", "19 Thu", "20 Fri", "21 Sat"}}};
+    for (const auto& row : rows) {
+        const PagesBench bench{Calendar(row.locale, "Europe/Berlin")};
+        const auto week = bench.calendar.weekOfYear(bench.day.start);
+        EXPECT_EQ(labels(timeMarks(week, Granularity::day, 7, bench.calendar)), row.days) << row.locale;
+    }
+}
+
+TEST(ChartAxis, daysStandAtMidnightAlsoWhereTheClocksChange) {
+    const PagesBench bench;
+    for (const int month : {3, 10}) {
+        const auto whole = bench.calendar.month(bench.calendar.date(2026, month, 15));
+        for (const auto& mark : timeMarks(whole, Granularity::day, 31, bench.calendar))
+            EXPECT_EQ(mark.at, bench.calendar.startOfDay(mark.at)) << mark.label;
+    }
+}
+
 TEST(ChartAxis, itsNumbersAreWholeAndFew) {
     struct Row {
         double highest;
@@ -207,6 +254,15 @@ TEST(CategoryStackBar, dividesItsWidthAndKeepsSmallPartsVisible) {
     EXPECT_EQ(categoryStackBar(categories, Seconds(0)).words, "No activity");
     EXPECT_EQ(categoryStackBar({}, Seconds(10)).words, "No activity");
     EXPECT_DOUBLE_EQ(CategoryStackBar::emptyTrackOpacity, 0.08);
+}
+
+TEST(CategoryStackBar, aTraceOfACategoryIsStillTwoPointsWide) {
+    const std::vector<CategoryUsage> categories{
+        {work, Seconds(1e6)}, {social, Seconds(0.4)}, {learning, Seconds(0.001)}, {other, Seconds(1e-9)}};
+    const auto widths = categoryStackBar(categories, Seconds(1e6)).widths(100);
+    EXPECT_EQ(std::vector(widths.begin() + 1, widths.end()), (std::vector<double>{2, 2, 2}));
+    EXPECT_EQ(categoryStackBar(categories, Seconds(1e6)).words,
+              "Work & Docs 100%, Social Media 0%, Learning & AI 0%, Other 0%");
 }
 
 TEST(CategoryBreakdown, hasARowPerCategory) {

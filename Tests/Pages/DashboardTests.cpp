@@ -1,5 +1,6 @@
 #include "Kestrio/Pages/DashboardSection.h"
 #include "Kestrio/Pages/DateControls.h"
+#include "Kestrio/Pages/HistoryNotice.h"
 #include "Kestrio/Pages/PauseControl.h"
 #include "Kestrio/Pages/PermissionBanner.h"
 #include "Kestrio/Pages/StateWords.h"
@@ -50,6 +51,13 @@ TEST(DashboardSection, anUnknownPageIsSaidWithThoseThatThereAre) {
                       "\"; there are overview, timeline, apps, websites, youtube, projects, performance, resourceLog");
 }
 
+TEST(DashboardSection, aPageThatIsNotThereYetIsNotListed) {
+    const std::string there = "; there are overview, timeline, apps, websites, youtube, projects";
+    EXPECT_EQ(dashboardPageError("projects"), std::nullopt);
+    EXPECT_EQ(dashboardPageError("performance"), "there is no page \"performance\" yet" + there);
+    EXPECT_EQ(dashboardPageError("Overview"), "there is no page \"Overview\"" + there);
+}
+
 TEST(DashboardSection, anUnknownPageOpensTheOverview) {
     using enum DashboardSection;
     struct Row {
@@ -65,6 +73,29 @@ TEST(DashboardSection, anUnknownPageOpensTheOverview) {
     };
     for (const auto& row : rows)
         EXPECT_EQ(openingSection(row.requested, row.stored), row.opens) << row.stored.value_or("-");
+}
+
+TEST(HistoryNotice, saysWhyTheHistoryCannotBeRead) {
+    struct Row {
+        DatabaseTrouble trouble;
+        const char* text;
+    };
+    using enum DatabaseTrouble;
+    const Row rows[] = {
+        {missing, "The file /h/a.sqlite is gone. Once it is back, your history shows again."},
+        {forbidden, "You have no permission to read /h/a.sqlite. Once you do, your history shows again."},
+        {locked, "Another program is using /h/a.sqlite. Nothing is lost; once that program lets go of it, your history "
+                 "shows again."},
+        {damaged, "The file /h/a.sqlite is damaged. If you have a copy of it, put that in its place."},
+        {unreadable, "The file /h/a.sqlite cannot be read."},
+    };
+    for (const auto& row : rows) {
+        const auto notice = historyNotice(row.trouble, "/h/a.sqlite", HistoryShown::nothing);
+        EXPECT_EQ(notice, (HistoryNotice{"exclamationmark.triangle.fill", SystemColor::orange,
+                                         "Your history cannot be read", row.text}));
+        EXPECT_EQ(historyNotice(row.trouble, "/h/a.sqlite", HistoryShown::earlier).text,
+                  notice.text + " What you see was read before.");
+    }
 }
 
 TEST(StateWords, nameTheState) {
@@ -253,6 +284,37 @@ TEST(PermissionBanner, asksForTheFirstBrowserThatCannotBeRead) {
         EXPECT_EQ(banner->browser->bundleID, "b");
     }
     EXPECT_FALSE(permissionBanner(true, false, {}));
+}
+
+TEST(PermissionBanner, aBrowserThatRunsComesBeforeOneThatDoesNot) {
+    const std::vector<BrowserPermission> permissions{{{"a", "A"}, AutomationStatus::notRunning},
+                                                     {{"b", "B"}, AutomationStatus::granted},
+                                                     {{"c", "C"}, AutomationStatus::notDetermined},
+                                                     {{"d", "D"}, AutomationStatus::denied}};
+    EXPECT_EQ(permissionBanner(true, false, permissions)->browser->bundleID, "c");
+    EXPECT_EQ(permissionBanner(true, false, {permissions[0], permissions[1]})->browser->bundleID, "a");
+}
+
+TEST(PermissionBanner, whatTheHostAdvisesTakesThePlaceOfWhatTheBandOffered) {
+    const BannerAdvice advice{"Choose another session.",
+                              {{"b", {"Do this in Chromium.", "Show Folder"}}, {"c", {"Do that.", std::nullopt}}}};
+    const BannerButton dismiss{"Dismiss", "xmark", BannerAction::dismiss};
+    const auto titles = permissionBanner(false, false, {}, advice);
+    EXPECT_EQ(titles->text, "Choose another session.");
+    EXPECT_TRUE(titles->buttons.empty());
+    const auto banner = [&](const std::string& id, AutomationStatus status) {
+        return *permissionBanner(true, false, {{{id, "Chromium"}, status}}, advice);
+    };
+    const auto withButton = banner("b", AutomationStatus::notDetermined);
+    EXPECT_EQ(withButton.title, "Track Chromium tabs");
+    EXPECT_EQ(withButton.text, "Do this in Chromium.");
+    EXPECT_EQ(withButton.buttons,
+              (std::vector<BannerButton>{{"Show Folder", std::nullopt, BannerAction::openBrowserStep}, dismiss}));
+    EXPECT_EQ(withButton.browser->bundleID, "b");
+    const auto without = banner("c", AutomationStatus::denied);
+    EXPECT_EQ(without.text, "Do that.");
+    EXPECT_EQ(without.buttons, std::vector<BannerButton>{dismiss});
+    EXPECT_EQ(banner("d", AutomationStatus::denied).buttons.front().title, "Open Settings") << "of another browser";
 }
 
 } // namespace

@@ -85,6 +85,52 @@ TEST(DayStrips, theHourAxisWidensFromFourteenMarks) {
     EXPECT_EQ(hourAxis({0, 24}, bench.viewpoint()).back().label, "00");
 }
 
+TEST(DayStrips, theHourAxisSpeaksTheLocalesHours) {
+    struct Row {
+        const char* locale;
+        Texts labels;
+    };
+    const Row rows[] = {{"en_GB", {"11", "12", "13"}},
+                        {"en_US", {"11 AM", "12 PM", "1 PM"}},
+                        {"de_DE", {"11 Uhr", "12 Uhr", "13 Uhr"}},
+                        {"ja_JP", {"11時", "12時", "13時"}}};
+    for (const auto& row : rows) {
+        const PagesBench bench{Calendar(row.locale, "Europe/Berlin")};
+        Texts labels;
+        for (const auto& mark : hourAxis({11, 13}, bench.viewpoint()))
+            labels.push_back(withPlainBlanks(mark.label));
+        EXPECT_EQ(labels, row.labels) << row.locale;
+    }
+}
+
+TEST(DayStrips, nothingIsLostWhereTheClocksChange) {
+    struct Row {
+        const char* what;
+        int month, day;
+        int startHour, endHour; // on the clocks
+        HourRange hours;
+    };
+    const Row rows[] = {
+        {"spring, after the change", 3, 29, 8, 10, {7, 9}}, // an hour less has passed than the clocks say
+        {"spring, before the change", 3, 29, 0, 2, {0, 2}},
+        {"autumn, after the change", 10, 25, 8, 10, {8, 11}},
+        {"the day before", 3, 28, 8, 10, {8, 10}},
+    };
+    for (const auto& row : rows) {
+        PagesBench bench;
+        const auto start = bench.calendar.date(2026, row.month, row.day, row.startHour);
+        const auto end = bench.calendar.date(2026, row.month, row.day, row.endHour);
+        bench.add((start - bench.day.start).count(), (end - start).count(), {.title = "Sunday"});
+        const auto report = bench.report(bench.calendar.month(start), Granularity::day);
+        const auto strips = dayStrips(report, bench.viewpoint());
+        EXPECT_EQ(strips.hours, row.hours) << row.what;
+        ASSERT_EQ(strips.days.size(), 1u) << row.what;
+        const auto [x, width, opacity] = strips.strip(strips.days[0]).rectangle(report.sessions[0], 600);
+        EXPECT_GE(x, 0) << row.what;
+        EXPECT_LE(x + width, 600) << row.what;
+    }
+}
+
 TEST(StripCanvas, drawsSessionsApart) {
     PagesBench bench;
     bench.add(9 * hour, 1800).add(9.5 * hour, 1).add(20 * hour, 60, {.kind = listening});

@@ -70,6 +70,7 @@ TEST(AppDetail, aBrowserListsItsSitesLongestFirst) {
     EXPECT_EQ(detail.websites->head.title, "Websites in Browser");
     EXPECT_EQ(titles(detail.websites->rows), (Texts{"b.org", "a.org"}));
     EXPECT_EQ(detail.websites->rows[1].duration, "11m");
+    EXPECT_EQ(detail.websites->rows[1].tint, SystemColor::gray);
     EXPECT_EQ(detail.windows.head, (CardHead{"Pages", "list.bullet"}));
     EXPECT_FALSE(app(workday(), "Browser").websites);
     EXPECT_FALSE(app(workday(), "Editor", "", AppSort::browser).websites);
@@ -105,6 +106,15 @@ TEST(AppDetail, saysWhyItHasNoWindows) {
     const auto bare = appDetail(report, {.bundleID = "org.example.Bare"}, bench.viewpoint());
     EXPECT_EQ(bare->windows.message, "No window titles recorded. Grant Accessibility access to see them.");
     EXPECT_FALSE(bare->alongside);
+}
+
+TEST(AppDetail, theSitesOfABrowserHaveTheirOwnColours) {
+    PagesBench bench;
+    bench.add(at9, 600, {.app = "Browser", .url = "https://github.com/a"})
+        .add(at9 + 600, 300, {.app = "Browser", .url = "https://reddit.com/b"});
+    const auto rows = app(bench, "Browser", "", AppSort::browser).websites->rows;
+    EXPECT_EQ(rows[0].tint, color(ActivityCategory::development));
+    EXPECT_EQ(rows[1].tint, color(ActivityCategory::social));
 }
 
 TEST(AppDetail, listsWhatPlayedAlongside) {

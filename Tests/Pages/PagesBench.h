@@ -7,6 +7,7 @@
 namespace kestrio {
 
 struct PagesBench : ReportBench {
+    using ReportBench::ReportBench;
     Date at(int hours, int minutes = 0) const { return calendar.date(2026, 11, 20, hours, minutes); }
     Viewpoint viewpoint() const { return {at(17, 30), calendar}; }
 };
@@ -50,6 +51,14 @@ std::vector<std::string> titles(const Rows& rows) {
     for (const auto& row : rows)
         all.emplace_back(row.title);
     return all;
+}
+
+/// With an ordinary blank where the locale has a narrow one or one that does not break.
+inline std::string withPlainBlanks(std::string text) {
+    for (const std::string blank : {"\u202F", "\u00A0"})
+        for (auto at = text.find(blank); at != std::string::npos; at = text.find(blank))
+            text.replace(at, blank.size(), " ");
+    return text;
 }
 
 using Texts = std::vector<std::string>;

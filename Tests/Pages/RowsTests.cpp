@@ -41,6 +41,43 @@ TEST(ItemFilter, looksIntoTitleAndSecondLineWithoutRegardToCase) {
     EXPECT_STREQ(ItemFilter::clearSymbol, "xmark.circle.fill");
 }
 
+TEST(ItemFilter, comparesLettersTheWayOfTheLanguage) {
+    struct Row {
+        const char* locale;
+        const char* typed;
+        const char* title;
+        bool finds;
+    };
+    const Row rows[] = {
+        {"en_GB", "istanbul", "İstanbul", false},
+        {"tr_TR", "istanbul", "İSTANBUL", true},
+        {"tr-TR", "istanbul", "I\u0307STANBUL", true}, // with the dot as a mark of its own
+        {"tr", "İSTANBUL", "istanbul", true},
+        {"az_AZ", "istanbul", "İstanbul", true},
+        {"tr_TR", "ısparta", "ISPARTA", true},
+        {"tr_TR.UTF-8", "ISPARTA", "ısparta", true},
+        {"en_GB", "ısparta", "ISPARTA", false},
+        {"tr_TR", "instagram", "INSTAGRAM", true}, // titles in other languages are found all the same
+        {"tr_TR", "ağaç", "AĞAÇ", true},
+        {"tr_TR", "x", "İ", false},
+        {"tron", "istanbul", "İstanbul", false},
+        {"de_DE", "straße", "STRASSE", true},
+        {"de_DE", "STRASSE", "Straße", true},
+        {"en_GB", "e\u0301t", "\u00C9T\u00C9", true}, // accents however they are encoded
+        {"en_GB", "e", "e\u0301", false},             // an accent makes another letter
+        {"el_GR", "ΟΔΟΣ", "οδος", true},
+        {"el_GR", "οδοσ", "ΟΔΟΣ", true},
+        {"ru_RU", "яндекс", "ЯНДЕКС", true},
+        {"he_IL", "שלום", "היי, שלום!", true},
+        {"ja_JP", "東京", "東京タワー", true},
+        {"en_GB", "👩‍💻", "Standup 👩‍💻 notes", true},
+        {"", "note", "NOTES", true},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(ItemFilter(row.typed, row.locale).finds(row.title), row.finds)
+            << row.typed << " in " << row.title << " for " << row.locale;
+}
+
 TEST(ExpandableList, showsAHundredMoreAtATime) {
     ExpandableList list(20);
     EXPECT_EQ(list.shown(15), 15u);
@@ -73,7 +110,10 @@ TEST(SiteIcon, isTheFirstLetterOrDigitInUpperCase) {
         const char* letter;
     };
     const Row rows[] = {{"example.org", "E"}, {"-3com.net", "3"}, {"...", "?"},         {"", "?"},
-                        {"éclair.fr", "É"},   {"яндекс.рф", "Я"}, {"_münchen.de", "M"}, {"e\u0301t.fr", "E\u0301"}};
+                        {"éclair.fr", "É"},   {"яндекс.рф", "Я"}, {"_münchen.de", "M"}, {"e\u0301t.fr", "E\u0301"},
+                        {"xn--p1ai", "X"},    {"例え.jp", "例"},  {"💩.la", "L"},        {"😀", "?"},
+                        {"ß.de", "SS"},       {"٣.example", "٣"}, {"localhost", "L"},   {"127.0.0.1", "1"},
+                        {"[::1]", "1"},       {"   ", "?"}};
     for (const auto& row : rows) {
         const auto icon = siteIcon(row.domain);
         ASSERT_TRUE(std::holds_alternative<SiteLetter>(icon)) << row.domain;
@@ -91,6 +131,9 @@ TEST(SiteIcon, keepsItsColourFromRunToRun) {
     EXPECT_EQ(stableHash("a-long-name-that-overflows.example.org"), hash);
     const auto color = std::get<SiteLetter>(siteIcon("a")).color;
     EXPECT_DOUBLE_EQ(color.hue, (5381 * 33 + 97) % 360 / 360.0);
+    EXPECT_EQ(stableHash("💩"), 5381u * 33 + 0x1F4A9) << "one scalar, whatever it takes to encode it";
+    EXPECT_NE(stableHash("e\u0301"), stableHash("\u00E9"));
+    EXPECT_DOUBLE_EQ(std::get<SiteLetter>(siteIcon("")).color.hue, 5381 % 360 / 360.0);
     EXPECT_DOUBLE_EQ(color.saturation, 0.55);
     EXPECT_DOUBLE_EQ(color.brightness, 0.78);
 }
@@ -168,6 +211,17 @@ TEST(UsageItemRow, joinsItsDetailLine) {
     EXPECT_EQ(earlier.detail, "3 times · last 18 Nov, 07:45");
     EXPECT_EQ(earlier.link, std::nullopt);
     EXPECT_DOUBLE_EQ(earlier.fraction, 1) << "a bar is never longer than its track";
+}
+
+TEST(UsageItemRow, leavesAStrangeTitleAsItIs) {
+    const PagesBench bench;
+    for (const std::string& title : {std::string(500, 'x'), std::string("two\nlines"), std::string("مرحبا بالعالم"),
+                                     std::string("👨‍👩‍👧‍👦 🇩🇪"), std::string("<b>bold</b>")}) {
+        const auto row =
+            usageItemRow(item(title, 5, bench.at(9)), Seconds(10), "times", Links::shown, bench.viewpoint());
+        EXPECT_EQ(row.title, title);
+        EXPECT_EQ(row.detail, "1 times · last 09:00");
+    }
 }
 
 TEST(DetailHeader, saysTheShareOfActiveTime) {

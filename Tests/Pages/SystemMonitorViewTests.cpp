@@ -22,7 +22,7 @@ SystemMonitorReading reading() {
 
 SystemMonitorView view(const std::optional<SystemMonitorReading>& reading, TopAppsMode mode = TopAppsMode::memory,
                        ActivityMonitorApp app = ActivityMonitorApp::installed) {
-    return systemMonitorView(reading, mode, app, calendar);
+    return systemMonitorView(reading, MonitorSource::running, mode, app, calendar);
 }
 
 TEST(SystemMonitorView, putsTheReadingTogether) {
@@ -62,6 +62,17 @@ TEST(SystemMonitorView, beforeTheFirstReadingHasItsHeadItsFootAndAWord) {
     EXPECT_EQ(none.buttons.size(), 3u);
     EXPECT_EQ(view(early).header.chip, "Chip 9000");
     EXPECT_EQ(view(early).message, none.message);
+}
+
+TEST(SystemMonitorView, figuresThatNobodyKeepsFreshAreNotShown) {
+    for (const auto& last : {std::optional(reading()), std::optional<SystemMonitorReading>()}) {
+        const auto shown = systemMonitorView(last, MonitorSource::missing, TopAppsMode::memory,
+                                             ActivityMonitorApp::installed, calendar);
+        EXPECT_EQ(shown.header.title, "System");
+        EXPECT_EQ(shown.message, "Kestrio is not running, so nothing is being read.");
+        EXPECT_TRUE(shown.tiles.empty());
+        EXPECT_EQ(shown.buttons.size(), 3u);
+    }
 }
 
 TEST(SystemMonitorView, leadsToTheHostsMonitorWhereThereIsOne) {

@@ -63,6 +63,47 @@ TEST(TimelinePage, runsFromTheNewestDayToTheOldest) {
     EXPECT_EQ(sections[1].day, timeline.calendar.date(2026, 11, 19));
 }
 
+TEST(TimelinePage, aBlockOverMidnightStandsUnderTheDayOfItsBeginning) {
+    Timeline timeline;
+    timeline.report.blocks = {block(1, timeline.calendar.date(2026, 11, 18, 23, 30), 3600, "Editor"),
+                              block(2, timeline.calendar.date(2026, 11, 19), 60, "Browser"),
+                              block(3, timeline.calendar.date(2026, 11, 19, 23, 59, 59), 5, "Editor")};
+    EXPECT_EQ(timeline.ids({}), (Sections{{3, 2}, {1}}));
+    EXPECT_EQ(timeline.page().sections[1].total, "1h");
+}
+
+TEST(TimelinePage, daysOfAnyLengthAreDays) {
+    Timeline timeline;
+    timeline.report.blocks.clear();
+    const int days[][2] = {{3, 28},  {3, 29},  {3, 30},
+                           {10, 24}, {10, 25}, {10, 26}}; // the clocks change on the 29th, 25th
+    std::int64_t id = 0;
+    for (const auto& [month, day] : days)
+        for (const int hour : {0, 2, 3, 23})
+            timeline.report.blocks.push_back(
+                block(++id, timeline.calendar.date(2026, month, day, hour, 30), 60, "Editor"));
+    EXPECT_EQ(
+        timeline.ids({}),
+        (Sections{{24, 23, 22, 21}, {20, 19, 18, 17}, {16, 15, 14, 13}, {12, 11, 10, 9}, {8, 7, 6, 5}, {4, 3, 2, 1}}));
+}
+
+TEST(TimelinePage, itsTimesAreMeasuredByTheLocalesOwn) {
+    struct Row {
+        const char* locale;
+        TimelineSamples samples;
+    };
+    const Row rows[] = {
+        {"en_GB", {{"10:00 – 10:00", "22:00 – 22:00"}, {"10:00", "22:00"}}},
+        {"en_US", {{"10:00 AM – 10:00 AM", "10:00 PM – 10:00 PM"}, {"10:00 AM", "10:00 PM"}}},
+    };
+    for (const auto& row : rows) {
+        auto samples = timelineSamples(Calendar(row.locale, "Europe/Berlin"));
+        for (auto* const texts : {&samples.ranges, &samples.times})
+            std::ranges::transform(*texts, texts->begin(), withPlainBlanks);
+        EXPECT_EQ(samples, row.samples) << row.locale;
+    }
+}
+
 TEST(TimelinePage, hidesWhatIsBriefAndFindsWhatIsTyped) {
     const Timeline timeline;
     struct Row {

@@ -130,5 +130,22 @@ TEST(TodayPanel, leadsOnFromItsFoot) {
             << rawValue(state);
 }
 
+TEST(TodayPanel, saysNothingAboutADayThatCannotBeRead) {
+    const Calendar calendar("en_GB", "Europe/Berlin");
+    const auto noon = calendar.date(2026, 11, 20, 12);
+    const PanelState state{.historyNotice = HistoryNotice{{}, SystemColor::orange, "Trouble", "It is gone."}};
+    const auto empty = todayPanel(ActivityReport::empty(calendar.day(noon), Granularity::hour), state, calendar);
+    EXPECT_EQ(empty.activeTime, "–");
+    EXPECT_EQ(empty.productive, "");
+    EXPECT_EQ(empty.switches, "");
+    EXPECT_EQ(empty.historyNotice, "Trouble. It is gone.");
+    auto report = ActivityReport::empty(calendar.day(noon), Granularity::hour);
+    report.sessions.emplace_back();
+    report.total = Seconds(60);
+    const auto earlier = todayPanel(report, state, calendar);
+    EXPECT_EQ(earlier.activeTime, "1m");
+    EXPECT_EQ(earlier.historyNotice, "Trouble. It is gone.");
+}
+
 } // namespace
 } // namespace kestrio

@@ -61,6 +61,7 @@ TEST(YouTubePage, hasFourFigures) {
         EXPECT_EQ(stats[i].symbol, rows[i].symbol) << rows[i].title;
         EXPECT_EQ(stats[i].value, rows[i].value) << rows[i].title;
         EXPECT_EQ(stats[i].detail, rows[i].detail) << rows[i].title;
+        EXPECT_TRUE(stats[i].help) << rows[i].title;
     }
 }
 

@@ -48,7 +48,6 @@ TEST(BrowserTable, eachSituationHasItsRemedy) {
         finding.isConnected = row.isConnected;
         EXPECT_EQ(browserRemedy(finding, "/x"), row.remedy) << row.remedy;
     }
-    EXPECT_EQ(loadingStep(BrowserFamily::firefox, "/x"), firefoxStep);
 }
 
 TEST(BrowserTable, thoseThatAreHereHaveALineEach) {

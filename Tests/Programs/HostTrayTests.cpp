@@ -63,11 +63,11 @@ TEST_F(HostTrayTest, theFirstIconIsThereAtOnceWithItsWords) {
     EXPECT_EQ(status().tip, (TrayItem::Tip{"Today: 3h 12m", "Active: your time is being recorded"}));
     EXPECT_EQ(status().accessibleText, "Active: your time is being recorded");
     EXPECT_EQ(status().icon, trayIcon(menuBarLabel(TrackingState::tracking, today, {})));
-    EXPECT_EQ(menuOf(status()), (std::vector<std::string>{"Tracking", "-", "Open Dashboard", "Pause Tracking", "-",
-                                                          "Settings", "-", "Quit Kestrio"}));
+    EXPECT_EQ(menuOf(status()), (std::vector<std::string>{"Tracking", "-", "Show Today", "Open Dashboard",
+                                                          "Pause Tracking", "-", "Settings", "-", "Quit Kestrio"}));
     EXPECT_EQ(status().menu[0].kind, TrayMenuEntry::Kind::words);
-    EXPECT_EQ(status().menu[3].kind, TrayMenuEntry::Kind::submenu);
-    EXPECT_EQ(status().menu[3].entries.size(), 4U);
+    EXPECT_EQ(status().menu[4].kind, TrayMenuEntry::Kind::submenu);
+    EXPECT_EQ(status().menu[4].entries.size(), 4U);
     EXPECT_FALSE(bar.items.contains(HostTray::systemItem)) << "nothing is known of the machine yet";
 }
 
@@ -85,7 +85,7 @@ TEST_F(HostTrayTest, theIconFollowsTheState) {
     EXPECT_EQ(status().icon, trayIcon(menuBarLabel(TrackingState::paused, today, {})));
     EXPECT_EQ(status().accessibleText, "Away: nothing is being recorded");
     EXPECT_EQ(menuOf(status())[0], "Paused");
-    EXPECT_EQ(menuOf(status())[3], "Resume (paused until 23:13)");
+    EXPECT_EQ(menuOf(status())[4], "Resume (paused until 23:13)");
     bench.model->resume();
     bench.pass(3);
     EXPECT_EQ(menuOf(status())[0], "Tracking");
@@ -141,8 +141,8 @@ TEST_F(HostTrayTest, theSecondIconFollowsTheMachine) {
     tray->showSystem(state(0.42, {{"ok", SystemInsight::Level::good, "", "Everything looks healthy on this Mac."}}));
     EXPECT_EQ(system().icon, trayIcon(SystemMenuLabel{"cpu", "42%"}));
     EXPECT_EQ(system().tip, (TrayItem::Tip{"CPU 42%", "Everything looks healthy on this computer."}));
-    EXPECT_EQ(menuOf(system()),
-              (std::vector<std::string>{"Everything looks healthy on this computer.", "-", "Performance", "Settings"}));
+    EXPECT_EQ(menuOf(system()), (std::vector<std::string>{"Everything looks healthy on this computer.", "-",
+                                                          "Show System", "Performance", "Settings"}));
     tray->showSystem(state(0.07, {{"heat", SystemInsight::Level::warning, "", "The chip is at 95°C."}}));
     EXPECT_EQ(system().icon, trayIcon(SystemMenuLabel{"exclamationmark.triangle.fill", " 7%"}));
     EXPECT_EQ(menuOf(system())[0], "The chip is at 95°C.");
@@ -186,7 +186,7 @@ TEST_F(HostTrayTest, figuresWithinTheInsightsAreForTheOpeningOfTheMenu) {
     bar.tell(TrayMenuOpening{HostTray::systemItem});
     EXPECT_EQ(menuOf(system())[0], "CPU has been busy (81%).");
     tray->showSystem(state(0.81, {}));
-    EXPECT_EQ(menuOf(system())[0], "Performance") << "another list is told at once";
+    EXPECT_EQ(menuOf(system())[0], "Show System") << "another list is told at once";
 }
 
 TEST_F(HostTrayTest, clicksOpenThePanelsWhereTheyWere) {
@@ -214,12 +214,16 @@ TEST_F(HostTrayTest, clicksOpenThePanelsWhereTheyWere) {
 
 TEST_F(HostTrayTest, choicesOfTheMenusAreDone) {
     tray->showSystem(state(0.42));
+    choose("kestrio", "Show Today");
     choose("kestrio", "Open Dashboard");
     choose("kestrio", "Settings");
+    choose("kestrio-system", "Show System");
     choose("kestrio-system", "Performance");
     choose("kestrio-system", "Settings");
-    const std::vector<std::pair<WindowRequest, std::string>> expected{{DashboardRequest{}, "token"},
+    const std::vector<std::pair<WindowRequest, std::string>> expected{{PanelRequest{PanelKind::today}, "token"},
+                                                                      {DashboardRequest{}, "token"},
                                                                       {SettingsRequest{}, "token"},
+                                                                      {PanelRequest{PanelKind::system}, "token"},
                                                                       {DashboardRequest{"performance"}, "token"},
                                                                       {SettingsRequest{}, "token"}};
     EXPECT_EQ(opened, expected);

@@ -66,9 +66,12 @@ struct WindowLauncherTest : testing::Test {
     }
     void appear() {
         windowQueue.sync([this] {
-            windows = WindowService::offer(bus.address(), windowQueue, [this](const auto& request, const auto& token) {
-                shown.push_back(windowArguments(request).front() + (token.empty() ? "" : " token=" + token));
-            });
+            windows = WindowService::offer(
+                bus.address(), windowQueue,
+                [this](const auto& request, const auto& token) {
+                    shown.push_back(windowArguments(request).front() + (token.empty() ? "" : " token=" + token));
+                },
+                [this] { shown.emplace_back("quit"); });
         });
     }
     std::vector<std::string> seen() {
@@ -113,6 +116,14 @@ TEST_F(WindowLauncherTest, startsTheWindowsAnewAfterTheyClosed) {
         return started().size() == 2;
     }));
     EXPECT_EQ(started().back(), "settings token= ");
+}
+
+TEST_F(WindowLauncherTest, closesTheWindowsThatRunAndStartsNoneForThat) {
+    queue.sync([this] { launcher->quit(); });
+    EXPECT_TRUE(started().empty());
+    appear();
+    queue.sync([this] { launcher->quit(); });
+    EXPECT_TRUE(eventually([this] { return seen() == std::vector<std::string>{"quit"}; }));
 }
 
 TEST_F(WindowLauncherTest, saysWhatIsMissing) {

@@ -763,11 +763,25 @@ class WithoutAgent(Case):
         self.assertEqual([found[key] for key in STORE_KEYS], [False, None, 0, 0, 0, None])
 
     def test_actions_say_so(self):
-        for command in ("pause", "pause 30m", "pause until-tomorrow", "resume", "watch", "watch --json", "open", "open apps"):
+        for command in ("pause", "pause 30m", "pause until-tomorrow", "resume", "watch", "watch --json"):
             with self.subTest(command):
                 ran = self.run_ctl(*command.split())
                 self.assertEqual((ran.returncode, ran.stdout, ran.stderr),
                                  (1, "", "kestrioctl: Kestrio is not running here. Start it with: kestrio\n"))
+
+    def test_windows_need_a_screen(self):
+        for command in ("open", "open apps"):
+            with self.subTest(command):
+                ran = self.run_ctl(*command.split())
+                self.assertEqual((ran.returncode, ran.stdout, ran.stderr),
+                                 (1, "", "kestrioctl: Kestrio runs without a screen that it could show a window on\n"))
+
+    def test_a_page_that_is_not_there_yet_is_said(self):
+        for page, yet in (("performance", " yet"), ("resourceLog", " yet"), ("Apps", "")):
+            ran = self.run_ctl("open", page)
+            self.assertEqual((ran.returncode, ran.stdout), (2, ""))
+            self.assertEqual(ran.stderr, f'kestrioctl: there is no page "{page}"{yet}; there are overview, timeline, '
+                             "apps, websites, youtube, projects\n")
 
     def test_the_doctor_has_remedies(self):
         text = self.ctl("doctor")

@@ -676,5 +676,21 @@ class Looking(Case):
             with self.subTest(at):
                 self.assertEqual(self.ctl("why", "--at", at), told)
 
+    def test_why_takes_from_the_sessions_what_an_application_without_minutes_is_called(self):
+        self.make_small_log()
+        self.insert("apps", {"id": 3, "key": "org.example.seen", "name": "org.example.seen"})
+        self.insert("system_minutes", minute(NOON + 3600, front=3))
+        told = "You were using {}.\n"
+        self.assertIn(told.format("org.example.seen"), self.ctl("why", "--at", "2023-11-15 13:00:10"))
+        file = self.data / "activity.sqlite"
+        subprocess.run([BIN / "example-history", file, "0"], env=self.environment, check=True, timeout=DEADLINE,
+                       stdout=subprocess.DEVNULL)
+        with contextlib.closing(sqlite3.connect(file)) as connection, connection:
+            connection.execute("INSERT INTO sessions (start, end, bundle_id, app_name) VALUES (?, ?, ?, ?)",
+                               (NOON, NOON + 60, "org.example.seen", "Finder of Things"))
+        self.assertIn(told.format("Finder of Things"), self.ctl("why", "--at", "2023-11-15 13:00:10"))
+        file.write_text("in the way")
+        self.assertIn(told.format("org.example.seen"), self.ctl("why", "--at", "2023-11-15 13:00:10"))
+
 
 unittest.main(verbosity=1)

@@ -20,11 +20,13 @@ public:
         : calendar(locale, "Europe/Berlin"),
           time(calendar.date(2026, 11, 20, 15)),
           store(ReportStore::Parts{time, queue, loadingQueue,
-                                   [this](DateInterval interval) {
+                                   [this](DateInterval interval) -> FoundSessions {
                                        EXPECT_TRUE(loadingQueue.isCurrent());
                                        asked.push_back(interval);
                                        if (whileLoading)
                                            std::exchange(whileLoading, nullptr)();
+                                       if (trouble)
+                                           return *trouble;
                                        return sessions;
                                    },
                                    [this] {
@@ -65,6 +67,7 @@ public:
     VirtualQueue queue{time, "main"};
     VirtualQueue loadingQueue{time, "loading"};
     std::vector<ActivitySession> sessions;
+    std::optional<DatabaseTrouble> trouble; // why they cannot be read
     Classification classification;
     std::vector<DateInterval> asked;
     std::function<void()> whileLoading;
@@ -344,17 +347,57 @@ TEST(ReportStore, anotherCalendarLoadsItsOwnRange) {
     EXPECT_EQ(bench.store.subtitle(), "Nov 15 – Nov 21, 2026");
 }
 
-TEST(ReportStore, aFailureToReadIsAnEmptyReport) {
+TEST(ReportStore, whatCannotBeReadIsToldAndLeavesTheReportOfItsRange) {
     StoreBench bench;
     bench.addSession(bench.time.now() - Seconds(600), 60);
     bench.store.reload();
-    bench.time.runPending();
-    bench.sessions.clear(); // what the monitor answers then
+    bench.settle();
+    bench.trouble = DatabaseTrouble::damaged;
     bench.store.reload();
     bench.time.runPending();
+    EXPECT_EQ(bench.store.trouble().value(), DatabaseTrouble::damaged);
+    EXPECT_EQ(bench.store.report().value().total, Seconds(60));
+    EXPECT_EQ(bench.told, (Told{"loading", "done"}));
+    bench.store.step(-1);
+    bench.time.runPending();
     EXPECT_EQ(bench.store.report().value(),
-              ActivityReport::empty(bench.calendar.day(bench.time.now()), Granularity::hour));
+              ActivityReport::empty(bench.calendar.day(bench.time.now() - Seconds(24 * hour)), Granularity::hour));
+    EXPECT_EQ(bench.store.trouble().value(), DatabaseTrouble::damaged);
     EXPECT_FALSE(bench.store.isLoading().value());
+}
+
+TEST(ReportStore, triesAgainUntilItCanRead) {
+    for (const int step : {0, -1}) { // whether the range can still change or not
+        StoreBench bench;
+        bench.store.step(step);
+        bench.settle();
+        bench.trouble = DatabaseTrouble::locked;
+        bench.store.reload();
+        bench.time.runPending();
+        bench.time.advance(3 * ReportStore::retryInterval);
+        EXPECT_EQ(bench.asked.size(), 4U);
+        bench.trouble = DatabaseTrouble::missing;
+        bench.time.advance(ReportStore::retryInterval);
+        EXPECT_EQ(bench.store.trouble().value(), DatabaseTrouble::missing);
+        bench.trouble.reset();
+        bench.addSession(bench.store.anchor().value() - Seconds(600), 60);
+        bench.time.advance(ReportStore::retryInterval);
+        EXPECT_EQ(bench.store.trouble().value(), std::nullopt);
+        EXPECT_EQ(bench.store.report().value().total, Seconds(60));
+        bench.settle();
+        bench.time.advance(10 * ReportStore::retryInterval);
+        EXPECT_TRUE(bench.asked.empty());
+    }
+}
+
+TEST(ReportStore, doesNotTryAgainWhileNobodySeesIt) {
+    StoreBench bench;
+    bench.trouble = DatabaseTrouble::missing;
+    bench.store.reload();
+    bench.settle();
+    bench.store.setOnScreen(false);
+    bench.time.advance(Seconds(hour));
+    EXPECT_TRUE(bench.asked.empty());
 }
 
 TEST(ReportStore, titlesFollowTheAnchor) {
@@ -435,6 +478,31 @@ TEST(ReportStore, loadsOnARealThreadAndDropsWhatCameTooLate) {
     });
     loadingQueue.sync([] {});
     queue.sync([] {});
+}
+
+TEST(ReportStore, anEqualReportLeavesTheShownOneWhereItIs) {
+    StoreBench bench;
+    bench.addSession(bench.time.now() - Seconds(hour), 60);
+    bench.store.reload();
+    bench.settle();
+    const auto shown = bench.store.report().share();
+    bench.store.reload();
+    bench.time.runPending();
+    EXPECT_EQ(bench.store.report().share(), shown);
+    EXPECT_EQ(bench.told, (Told{"loading", "done"}));
+}
+
+TEST(ReportStore, aReportThatIsNoLongerShownIsFreedOnTheLoadingQueue) {
+    StoreBench bench;
+    const std::weak_ptr<const ActivityReport> left = bench.store.report().share();
+    bench.addSession(bench.time.now() - Seconds(hour), 60);
+    bench.store.reload();
+    bench.loadingQueue.sync([] {});
+    bench.queue.sync([] {});
+    EXPECT_EQ(bench.told, (Told{"loading", "report", "done"}));
+    EXPECT_FALSE(left.expired());
+    bench.loadingQueue.sync([] {});
+    EXPECT_TRUE(left.expired());
 }
 
 } // namespace

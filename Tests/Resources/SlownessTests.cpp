@@ -131,6 +131,15 @@ TEST(Slowness, isToldWithItsEvidence) {
         {with([](auto& log) { log.apps.clear(); }), quiet + "You were using org.example.editor."},
         {with([](auto& log) {
              log.apps.clear();
+             log.otherNames = {{"org.example.editor", "Writer"}, {"org.example.browser", "Browser"}};
+         }),
+         quiet + "You were using Writer."},
+        {with([](auto& log) {
+             log.otherNames = {{"org.example.editor", "Writer"}};
+         }),
+         quiet + usual},
+        {with([](auto& log) {
+             log.apps.clear();
              log.minutes[0].frontApp.reset();
          }),
          quiet + "You were at the Mac."},

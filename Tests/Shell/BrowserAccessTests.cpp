@@ -19,6 +19,7 @@ struct BrowserAccessTest : testing::Test {
     bool isInstalled = true;
     std::vector<std::string> steps; // what was done, "STEP" or "STEP while main"
     std::function<void()> consent = [] {};
+    std::optional<BrowserStep> left = {};
     std::unique_ptr<Permissions> permissions;
     std::unique_ptr<BrowserAccess> access;
     const BrowserApp browser{browserID, "Browser"};
@@ -35,6 +36,8 @@ struct BrowserAccessTest : testing::Test {
         };
         host.openInBackground = [this](const BrowserApp& app) { note("open " + app.bundleID); };
         host.openPrivacyPane = [this](const std::string& anchor) { note("pane " + anchor); };
+        host.stepLeft = [this](const BrowserApp&) { return left; };
+        host.openStep = [this](const BrowserApp& app) { note("step of " + app.bundleID); };
         permissions = std::make_unique<Permissions>(std::set<std::string>{browserID}, "en_US", host);
         access = std::make_unique<BrowserAccess>(main, worker, *permissions);
     }
@@ -139,6 +142,54 @@ TEST_F(BrowserAccessTest, pickingABrowserTwiceWhileItStartsAsksOnce) {
     readiness.isRunning = true;
     time.advance(Seconds(10));
     EXPECT_EQ(std::count(steps.begin(), steps.end(), "ask"), 1);
+}
+
+TEST_F(BrowserAccessTest, whatIsLeftToThePersonIsToldUntilTheBrowserCanBeRead) {
+    readiness.isRunning = true;
+    left = BrowserStep{"Do this.", "There"};
+    int told = 0;
+    const auto token = access->stepsLeft().observe([&](const auto&) { ++told; });
+    access->refresh();
+    time.runPending();
+    EXPECT_TRUE(access->stepsLeft().value().empty()) << "nobody asked";
+    access->request(browser);
+    time.runPending();
+    EXPECT_EQ(access->stepsLeft().value(), (BrowserAccess::Steps{{browserID, *left}}));
+    access->openStep(browser);
+    time.runPending();
+    EXPECT_EQ(steps, (Steps{"ask", "step of org.example.browser"}));
+    readiness.isRunning = false;
+    access->refresh();
+    time.runPending();
+    EXPECT_EQ(access->stepsLeft().value().size(), 1U) << "closed, and to be opened again";
+    readiness = {.isRunning = true, .isBridgeConnected = true};
+    access->refresh();
+    time.runPending();
+    EXPECT_EQ(statuses(), Statuses{granted});
+    EXPECT_TRUE(access->stepsLeft().value().empty());
+    EXPECT_EQ(told, 2);
+}
+
+TEST_F(BrowserAccessTest, whoeverGivesConsentAtOnceHasNothingLeftToDo) {
+    readiness.isRunning = true;
+    left = BrowserStep{"Do this.", std::nullopt};
+    consent = [this] { readiness.isAccessibilityReadable = true; };
+    access->request(browser);
+    time.runPending();
+    EXPECT_EQ(statuses(), Statuses{granted});
+    EXPECT_TRUE(access->stepsLeft().value().empty());
+}
+
+TEST_F(BrowserAccessTest, aStepIsReplacedByTheNextOneOrByNone) {
+    readiness.isRunning = true;
+    for (const auto& next : {std::optional(BrowserStep{"One.", "A"}), std::optional(BrowserStep{"Two.", std::nullopt}),
+                             std::optional<BrowserStep>()}) {
+        left = next;
+        access->request(browser);
+        time.runPending();
+        EXPECT_EQ(access->stepsLeft().value(),
+                  next ? BrowserAccess::Steps({{browserID, *next}}) : BrowserAccess::Steps());
+    }
 }
 
 TEST_F(BrowserAccessTest, anAnswerThatComesTooLateIsDropped) {

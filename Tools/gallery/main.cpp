@@ -1,11 +1,9 @@
 // Shows every component of the design system in every state.
 //
-// usage: gallery [--dark] [--contrast] [--rtl] [--text SCALE] [--scale N] [--width N] [--screenshot FILE]
-//
-// The switches at its head do the same. With --screenshot it writes a picture of all of it and ends.
+// The switches at its head do the same as its options. With --screenshot it writes a picture of all of it and ends.
 #include "Kestrio/Views/Design/Design.h"
 
-#include <QtCore/QCommandLineParser>
+#include <CLI/CLI.hpp>
 #include <QtCore/QFile>
 #include <QtCore/QTimer>
 #include <QtGui/QGuiApplication>
@@ -35,35 +33,44 @@ void saveSoon(QQuickWindow& window, const QString& file) {
 
 int main(int argc, char** argv) {
     using namespace kestrio;
-    for (int i = 1; i + 1 < argc; ++i) // read before there is an application
-        if (QByteArray(argv[i]) == "--scale")
-            qputenv("QT_SCALE_FACTOR", argv[i + 1]);
+    CLI::App app("Shows every component of the design system in every state.", "gallery");
+    bool isDark = false;
+    bool isHighContrast = false;
+    bool isMirrored = false;
+    double textScale = 1;
+    double screenScale = 1;
+    int width = 1240;
+    std::string picture;
+    app.add_flag("--dark", isDark, "Dark colours");
+    app.add_flag("--contrast", isHighContrast, "More contrast");
+    app.add_flag("--rtl", isMirrored, "From right to left");
+    app.add_option("--text", textScale, "How much larger the text is")
+        ->check(CLI::Range(0.5, 4.0))
+        ->capture_default_str();
+    app.add_option("--scale", screenScale, "How much finer the screen is")
+        ->check(CLI::Range(0.5, 4.0))
+        ->capture_default_str();
+    app.add_option("--width", width, "Of the window, in points")->check(CLI::Range(200, 20'000))->capture_default_str();
+    app.add_option("--screenshot", picture, "The file for a picture of all of it, after which it ends");
+    CLI11_PARSE(app, argc, argv);
+
+    qputenv("QT_SCALE_FACTOR", QByteArray::number(screenScale)); // read when the application is made
     QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
-    QGuiApplication application(argc, argv);
-    QCommandLineParser parser;
-    parser.addHelpOption();
-    parser.addOptions({{"dark", "Dark colours."},
-                       {"contrast", "More contrast."},
-                       {"rtl", "From right to left."},
-                       {"text", "Larger text.", "scale", "1"},
-                       {"scale", "A finer screen.", "factor", "1"},
-                       {"width", "Of the window.", "points", "1240"},
-                       {"screenshot", "Where to write the picture.", "file"}});
-    parser.process(application);
-    QGuiApplication::setLayoutDirection(parser.isSet("rtl") ? Qt::RightToLeft : Qt::LeftToRight);
+    const QGuiApplication application(argc, argv);
+    QGuiApplication::setLayoutDirection(isMirrored ? Qt::RightToLeft : Qt::LeftToRight);
 
     QQmlApplicationEngine engine;
     engine.setImportPathList(engine.importPathList() << "qrc:/qt/qml"); // last: QML_IMPORT_PATH is for trying changes
     installDesign(engine, exampleIcon);
-    engine.setInitialProperties({{"width", parser.value("width").toInt()},
-                                 {"isDark", parser.isSet("dark")},
-                                 {"isHighContrast", parser.isSet("contrast")},
-                                 {"textScale", parser.value("text").toDouble()},
-                                 {"isMirrored", parser.isSet("rtl")}});
+    engine.setInitialProperties({{"width", width},
+                                 {"isDark", isDark},
+                                 {"isHighContrast", isHighContrast},
+                                 {"textScale", textScale},
+                                 {"isMirrored", isMirrored}});
     engine.loadData("import Kestrio.Gallery\nGallery {}");
     if (engine.rootObjects().isEmpty())
         return 1;
-    if (parser.isSet("screenshot"))
-        saveSoon(*qobject_cast<QQuickWindow*>(engine.rootObjects().first()), parser.value("screenshot"));
+    if (!picture.empty())
+        saveSoon(*qobject_cast<QQuickWindow*>(engine.rootObjects().first()), QString::fromStdString(picture));
     return QGuiApplication::exec();
 }

@@ -1,19 +1,24 @@
 // Pictures of every view over an example history, in light and dark and at two sizes: kestrio-screenshots [FOLDER
-// [NAME]] writes them into the folder, Docs/images unless said otherwise; with a name only the view of that name.
+// [NAME]] writes them into the folder, Docs/images unless said otherwise; with a name only the view of that name. Its
+// options show how they look with larger text, on finer screens, with more contrast, from right to left.
 #include "Kestrio/Optimizer/OptimizerJSON.h"
 #include "Kestrio/Pages/Icons.h"
 #include "Kestrio/Pages/Settings/ScheduleEditor.h"
 #include "Kestrio/Shell/Settings.h"
+#include "Kestrio/Views/Window/DashboardModel.h"
+#include "Kestrio/Views/Window/MasterDetailModel.h"
 #include "Kestrio/Views/Window/WindowApplication.h"
 #include "Kestrio/Views/Window/Windows.h"
 #include "Tests/Examples/ExampleHistory.h"
 #include "Tests/Views/Window/SettingsStage.h"
 
+#include <CLI/CLI.hpp>
 #include <QColor>
 #include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QGuiApplication>
 #include <QImage>
 #include <QQuickWindow>
 #include <QTemporaryDir>
@@ -55,6 +60,12 @@ void withOptimizerRules(WindowStage& stage) {
     stage.settings.set(settingKey::optimizerRules, SettingBytes{encoded(choices.rules).value_or("")});
 }
 
+void withoutReadableHistory(WindowStage& stage) {
+    stage.trouble = DatabaseTrouble::damaged;
+    stage.parts.host.historyFile = "/home/robin/.local/share/Kestrio/activity.sqlite";
+    stage.dashboard.step(-1); // what was read before is another day's
+}
+
 void atWork(WindowStage& stage) {
     const auto& last = stage.sessions.back();
     LiveActivity live;
@@ -93,12 +104,18 @@ MonitorReading exampleReading() {
             .optimizer = OptimizerCounts{.frozen = 2, .frozenMemory = 1'200'000'000, .isManaging = true}};
 }
 
-/// Icons for applications that this machine does not have: their letters on colours of their own.
+/// Icons for the applications of a history, which this machine does not have: the letters of their names on colours of
+/// their own.
 class ExampleIcons {
 public:
+    explicit ExampleIcons(const std::vector<ActivitySession>& sessions) {
+        for (const auto& session : sessions)
+            names_.emplace(session.bundleID, session.appName);
+    }
+
     std::optional<std::filesystem::path> file(const std::string& application) const {
-        const auto name = application.substr(application.rfind('.') + 1);
-        const auto icon = siteIcon(name);
+        const auto name = names_.find(application);
+        const auto icon = siteIcon(name == names_.end() ? application : name->second);
         const auto* const letter = std::get_if<SiteLetter>(&icon);
         if (!letter)
             return std::nullopt;
@@ -116,6 +133,7 @@ public:
     }
 
 private:
+    std::map<std::string, std::string> names_; // by bundle identifier
     QTemporaryDir folder_;
 };
 
@@ -124,6 +142,7 @@ struct View {
     WindowRequest request;
     RangeMode mode = RangeMode::day;
     Prepare prepare = asItIs;
+    int selected = -1; // the place of the row of which the page tells
 };
 
 /// Every view; a new one is one line.
@@ -134,10 +153,14 @@ const std::vector<View>& views() {
         {"timeline", DashboardRequest{"timeline"}},
         {"timeline-week", DashboardRequest{"timeline"}, RangeMode::week},
         {"apps", DashboardRequest{"apps"}, RangeMode::week},
+        {"apps-selected", DashboardRequest{"apps"}, RangeMode::day, asItIs, 0},
         {"websites", DashboardRequest{"websites"}, RangeMode::week},
+        {"websites-selected", DashboardRequest{"websites"}, RangeMode::month, asItIs, 0},
         {"youtube", DashboardRequest{"youtube"}, RangeMode::month},
         {"projects", DashboardRequest{"projects"}, RangeMode::week},
+        {"projects-selected", DashboardRequest{"projects"}, RangeMode::week, asItIs, 0},
         {"empty", DashboardRequest{"overview"}, RangeMode::day, withoutHistory},
+        {"unreadable", DashboardRequest{"overview"}, RangeMode::day, withoutReadableHistory},
         {"not-running", DashboardRequest{"overview"}, RangeMode::day, withoutAgent},
         {"paused", DashboardRequest{"timeline"}, RangeMode::week, pausedUntilSix},
         {"panel-today", PanelRequest{PanelKind::today}, RangeMode::day, atWork},
@@ -157,7 +180,7 @@ struct Size {
     const char* suffix;
     QSize size;
 };
-const Size sizes[]{{"", {1240, 820}}, {"-small", {820, 620}}};
+const std::vector<Size> usualSizes{{"", {1240, 820}}, {"-small", {820, 620}}};
 
 std::vector<ActivitySession> history() {
     const Calendar calendar("en_GB", "Europe/Berlin");
@@ -178,6 +201,12 @@ void settle(WindowStage& stage) {
     }
 }
 
+void select(QQuickWindow& dashboard, int place) {
+    const auto* const model = dashboard.property("model").value<DashboardModel*>();
+    if (auto* const page = model ? qobject_cast<MasterDetailModel*>(model->page()) : nullptr)
+        page->selectPlace(place);
+}
+
 bool write(QQuickWindow& window, const QString& file) {
     if (window.grabWindow().save(file))
         return true;
@@ -185,13 +214,31 @@ bool write(QQuickWindow& window, const QString& file) {
     return false;
 }
 
-bool take(const View& view, AppearanceMode appearance, const QDir& folder) {
-    const ExampleIcons icons;
+struct Wish {
+    std::string folder = "Docs/images";
+    std::string name;
+    std::optional<std::pair<int, int>> size;
+    double scale = 1;
+    DesktopAppearance desktop;
+    bool isRightToLeft = false;
+
+    std::vector<Size> sizes() const {
+        return size ? std::vector<Size>{{"", QSize(size->first, size->second)}} : usualSizes;
+    }
+};
+
+bool take(const View& view, AppearanceMode appearance, const Wish& wish, const QDir& folder) {
     SettingsStage stage(history(), view.mode);
+    const ExampleIcons icons(stage.sessions);
     stage.settings.set(settingKey::appearanceMode, std::string(rawText(appearance)));
     stage.script.status.isAccessibilityGranted = true;
+    stage.parts.host.isBrowser = [](const auto& id) { return id == "com.google.Chrome"; };
     stage.parts.host.iconFile = [&icons](const auto& application, int) { return icons.file(application); };
     stage.archiveHistory();
+    stage.parts.host.observeDesktop = [&wish](const auto& receiver) {
+        receiver(wish.desktop);
+        return Subscription();
+    };
     view.prepare(stage);
     stage.today.reload();
     stage.agent.start(); // once more, to see it as it is now
@@ -208,7 +255,8 @@ bool take(const View& view, AppearanceMode appearance, const QDir& folder) {
     auto* const window = windows.dashboard();
     if (!window)
         return false;
-    for (const auto& size : sizes) {
+    select(*window, view.selected);
+    for (const auto& size : wish.sizes()) {
         window->resize(size.size);
         settle(stage);
         if (!write(*window, folder.filePath(name + size.suffix + ".png")))
@@ -217,20 +265,44 @@ bool take(const View& view, AppearanceMode appearance, const QDir& folder) {
     return true;
 }
 
-int run(int count, char** words) {
+/// The exit status instead where that was all.
+std::variant<Wish, int> parse(int count, const char* const* arguments) {
+    Wish wish;
+    CLI::App app("Pictures of the windows over an example history.", "kestrio-screenshots");
+    app.add_option("folder", wish.folder, "Where the pictures are written")->capture_default_str();
+    std::vector<std::string> names;
+    for (const auto& view : views())
+        names.emplace_back(view.name);
+    app.add_option("name", wish.name, "The only view to show")->check(CLI::IsMember(names));
+    app.add_option("--size", wish.size, "Of the dashboard, in points, instead of two usual ones");
+    app.add_option("--scale", wish.scale, "The pixels of a point")->check(CLI::Range(0.5, 4.0));
+    app.add_option("--text", wish.desktop.textScale, "How much larger text is")->check(CLI::Range(0.5, 3.0));
+    app.add_flag("--high-contrast", wish.desktop.isHighContrast, "With more contrast");
+    app.add_flag("--right-to-left", wish.isRightToLeft, "Mirrored");
+    try {
+        app.parse(count, arguments);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error);
+    }
+    return wish;
+}
+
+int run(int count, char** words, const Wish& wish) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_SCALE_FACTOR", QByteArray::number(wish.scale)); // read when the application begins
     const WindowApplication application(count, words);
-    const QDir folder(count > 1 ? words[1] : "Docs/images");
+    QGuiApplication::setLayoutDirection(wish.isRightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
+    const QDir folder(QString::fromStdString(wish.folder));
     if (!folder.mkpath(".")) {
         std::fprintf(stderr, "kestrio-screenshots: cannot make %s\n", qUtf8Printable(folder.path()));
         return 1;
     }
     for (const auto& view : views()) {
-        if (count > 2 && std::string_view(words[2]) != view.name)
+        if (!wish.name.empty() && wish.name != view.name)
             continue;
         for (const auto appearance : {AppearanceMode::light, AppearanceMode::dark})
-            if (!take(view, appearance, folder))
+            if (!take(view, appearance, wish, folder))
                 return 1;
     }
     return 0;
@@ -240,5 +312,9 @@ int run(int count, char** words) {
 } // namespace kestrio
 
 int main(int argc, char** argv) {
-    return kestrio::run(argc, argv);
+    using namespace kestrio;
+    const auto parsed = parse(argc, argv);
+    if (const auto* const status = std::get_if<int>(&parsed))
+        return *status;
+    return run(argc, argv, std::get<Wish>(parsed));
 }

@@ -242,6 +242,11 @@ std::optional<std::string> ApplicationIdentity::icon(std::string_view bundleIden
     return entry ? nonEmpty(entry->icon) : std::nullopt;
 }
 
+std::optional<DesktopEntry> ApplicationIdentity::entry(std::string_view bundleIdentifier) {
+    const auto* entry = installed(bundleIdentifier);
+    return entry ? std::optional(*entry) : std::nullopt;
+}
+
 std::optional<std::string> ApplicationIdentity::categoryHint(std::string_view bundleIdentifier) {
     const auto* entry = installed(bundleIdentifier);
     return entry ? std::optional(std::string(categoryOfDesktopCategories(entry->categories))) : std::nullopt;

@@ -63,6 +63,9 @@ public:
     std::optional<std::string> name(std::string_view bundleIdentifier);
     std::optional<std::string> icon(std::string_view bundleIdentifier);
 
+    /// Its desktop file. Absent when it is not installed.
+    std::optional<DesktopEntry> entry(std::string_view bundleIdentifier);
+
     /// The raw text of the activity category that the application's desktop file suggests. Absent when it is not
     /// installed.
     std::optional<std::string> categoryHint(std::string_view bundleIdentifier);

@@ -112,6 +112,20 @@ std::string_view fileNameOf(std::string_view path) {
     return path.substr(path.rfind('/') + 1);
 }
 
+/// The words of a command line behind `env` and its assignments, the program first.
+std::vector<std::string> commandOf(std::string_view exec) {
+    auto words = wordsOf(exec);
+    auto word = words.begin();
+    if (word != words.end() && fileNameOf(*word) == "env") {
+        ++word;
+        while (word != words.end() && (word->starts_with('-') || word->find('=') != std::string::npos))
+            if (*word++ == "-u" && word != words.end()) // with the name of a variable to remove
+                ++word;
+    }
+    words.erase(words.begin(), word);
+    return words;
+}
+
 /// Where a program named without a folder is. Its own place when it is a link is what processes show.
 std::optional<fs::path> resolvedProgram(const std::string& program) {
     std::error_code error;
@@ -177,9 +191,10 @@ DesktopFile parseDesktopFile(std::string_view text, std::string_view locale) {
             entry.isShown = value != "true";
         else if (key == "Icon")
             entry.icon = unescaped(value);
-        else if (key == "Exec")
+        else if (key == "Exec") {
             entry.program = programOfExec(unescaped(value));
-        else if (key == "StartupWMClass")
+            entry.hasOptions = hasOptionsInExec(unescaped(value));
+        } else if (key == "StartupWMClass")
             entry.windowClass = unescaped(value);
         else if (key == "Categories")
             entry.categories = unescaped(value);
@@ -197,15 +212,14 @@ DesktopFile parseDesktopFile(std::string_view text, std::string_view locale) {
 }
 
 std::string programOfExec(std::string_view exec) {
-    const auto words = wordsOf(exec);
-    auto word = words.begin();
-    if (word != words.end() && fileNameOf(*word) == "env") {
-        ++word;
-        while (word != words.end() && (word->starts_with('-') || word->find('=') != std::string::npos))
-            if (*word++ == "-u" && word != words.end()) // with the name of a variable to remove
-                ++word;
-    }
-    return word != words.end() ? *word : std::string();
+    auto words = commandOf(exec);
+    return words.empty() ? std::string() : std::move(words.front());
+}
+
+bool hasOptionsInExec(std::string_view exec) {
+    const auto words = commandOf(exec);
+    return std::any_of(words.begin() + (words.empty() ? 0 : 1), words.end(),
+                       [](const std::string& word) { return word.starts_with('-'); });
 }
 
 std::vector<fs::path> applicationFolders(const Environment& environment) {
@@ -299,11 +313,13 @@ void DesktopEntries::index() {
     byID_.clear();
     byClass_.clear();
     byProgram_.clear();
-    // Of several entries for one name the shown ones come first, then those of higher precedence.
+    // Of several entries for one name the shown ones come first, then those that start the program as it is, then those
+    // of higher precedence.
     std::vector<std::size_t> order(entries_.size());
     for (std::size_t i = 0; i < order.size(); ++i)
         order[i] = i;
-    std::stable_partition(order.begin(), order.end(), [this](std::size_t i) { return entries_[i].isShown; });
+    std::ranges::stable_sort(order, {},
+                             [this](std::size_t i) { return std::pair(!entries_[i].isShown, entries_[i].hasOptions); });
     const auto addTo = [](Index& index, std::string_view name, std::size_t place) {
         if (!name.empty())
             index.emplace(folded(name), place);

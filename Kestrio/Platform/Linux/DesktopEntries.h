@@ -26,6 +26,7 @@ struct DesktopEntry {
     std::string categories;  // as in the file
     bool isShown = true;     // false: a helper for one kind of file or address (NoDisplay)
     bool runsInTerminal = false;
+    bool hasOptions = false; // Exec has some: it may start but a page or a part of its program
 
     friend bool operator==(const DesktopEntry&, const DesktopEntry&) = default;
 };
@@ -44,6 +45,8 @@ DesktopFile parseDesktopFile(std::string_view text, std::string_view locale);
 /// The program that a command line of a desktop file starts: its first word behind `env` and its assignments, with
 /// quotes and escapes undone. Empty when there is none.
 std::string programOfExec(std::string_view exec);
+/// Whether behind that program stands a word that begins with a dash.
+bool hasOptionsInExec(std::string_view exec);
 
 /// The folders with desktop files in order of precedence: the person's own first.
 std::vector<std::filesystem::path> applicationFolders(const Environment& environment);
@@ -66,7 +69,8 @@ public:
     /// By StartupWMClass, else by the id or the id's last part. Shown entries come first.
     const DesktopEntry* byWindowClass(std::string_view windowClass);
 
-    /// By the file name of the program in Exec, or of what that is a link to.
+    /// By the file name of the program in Exec, or of what that is a link to. Entries that start it without options
+    /// come before those of its parts.
     const DesktopEntry* byProgram(std::string_view fileName);
 
 private:

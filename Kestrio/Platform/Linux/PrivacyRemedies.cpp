@@ -4,8 +4,8 @@ namespace kestrio {
 
 std::optional<PrivacyRemedy> privacyRemedy(std::string_view anchor) {
     if (anchor == "Privacy_Accessibility")
-        return PrivacyRemedy{"This desktop does not tell programs the titles of windows. Log in to an X11 session, or "
-                             "to a Wayland desktop that does, to have them recorded.",
+        return PrivacyRemedy{"This desktop does not tell programs the titles of windows. Choose an X11 session when "
+                             "you log in to have them recorded.",
                              std::nullopt};
     if (anchor == "Privacy_Automation")
         return PrivacyRemedy{"Install Kestrio's extension in the browser. Without it, switch on accessibility for this "

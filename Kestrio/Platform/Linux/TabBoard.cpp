@@ -6,8 +6,10 @@
 namespace kestrio {
 
 void TabBoard::put(Connection connection, const std::string& bundleIdentifier, Windows windows) {
+    bool isNew = false;
     {
         const std::lock_guard guard(mutex_);
+        isNew = !hasConnection(bundleIdentifier);
         auto& told = told_[connection];
         std::map<std::int64_t, std::uint64_t> focused;
         for (const auto& window : windows) {
@@ -23,14 +25,41 @@ void TabBoard::put(Connection connection, const std::string& bundleIdentifier, W
         told = {bundleIdentifier, std::move(windows), std::move(focused)};
     }
     changed_.notify_all();
+    if (isNew)
+        tellBrowsers();
 }
 
 void TabBoard::remove(Connection connection) {
+    bool isGone = false;
     {
         const std::lock_guard guard(mutex_);
-        told_.erase(connection);
+        const auto removed = told_.extract(connection);
+        isGone = removed && !hasConnection(removed.mapped().bundleIdentifier);
     }
     changed_.notify_all();
+    if (isGone)
+        tellBrowsers();
+}
+
+Subscription TabBoard::observeBrowsers(std::function<void()> receiver) const {
+    {
+        const std::lock_guard guard(receiver_->mutex);
+        receiver_->call = std::move(receiver);
+    }
+    return Subscription([held = receiver_] {
+        const std::lock_guard guard(held->mutex);
+        held->call = nullptr;
+    });
+}
+
+void TabBoard::tellBrowsers() const {
+    std::function<void()> call;
+    {
+        const std::lock_guard guard(receiver_->mutex);
+        call = receiver_->call;
+    }
+    if (call)
+        call();
 }
 
 std::vector<std::string> TabBoard::browsers() const {

@@ -5,10 +5,12 @@
 #pragma once
 
 #include "Kestrio/Base/Date.h"
+#include "Kestrio/Base/Subscription.h"
 #include "Kestrio/Platform/Linux/TabMessages.h"
 
 #include <condition_variable>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -30,6 +32,10 @@ public:
     /// The bundle identifiers of the browsers that are connected and have told something, in order.
     std::vector<std::string> browsers() const;
     bool isConnected(const std::string& bundleIdentifier) const;
+
+    /// `receiver`, the one there is, is called when `browsers` has become another answer, on the thread that told the
+    /// news; a call may be under way while the token is dropped.
+    Subscription observeBrowsers(std::function<void()> receiver) const;
 
     /// All windows, the one that had the focus last first. Absent when the browser is not connected.
     std::optional<Windows> windows(const std::string& bundleIdentifier) const;
@@ -55,11 +61,17 @@ private:
     std::vector<Placed> frontToBack(const std::string& bundleIdentifier) const;
     const BridgedWindow* focused(const std::string& bundleIdentifier) const;
     bool hasConnection(const std::string& bundleIdentifier) const;
+    void tellBrowsers() const;
 
     mutable std::mutex mutex_;
     mutable std::condition_variable changed_;
     std::map<Connection, Told> told_;
     std::uint64_t focusCount_ = 0;
+    struct Receiver {
+        std::mutex mutex;
+        std::function<void()> call;
+    };
+    const std::shared_ptr<Receiver> receiver_ = std::make_shared<Receiver>(); // its token may outlive the board
 };
 
 } // namespace kestrio

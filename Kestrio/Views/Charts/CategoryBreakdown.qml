@@ -31,6 +31,8 @@ ColumnLayout {
                 required property int index
                 required property var modelData
 
+                Accessible.name: [modelData.category.label, modelData.share, modelData.duration].join(", ")
+                Accessible.role: Accessible.ListItem
                 Layout.column: 0
                 Layout.fillWidth: true
                 Layout.row: index
@@ -47,6 +49,7 @@ ColumnLayout {
                 required property int index
                 required property var modelData
 
+                Accessible.ignored: true
                 Layout.alignment: Qt.AlignRight
                 Layout.column: 1
                 Layout.row: index
@@ -62,6 +65,7 @@ ColumnLayout {
                 required property int index
                 required property var modelData
 
+                Accessible.ignored: true
                 Layout.alignment: Qt.AlignRight
                 Layout.column: 2
                 Layout.row: index

@@ -9,7 +9,7 @@ Grid {
     id: legend
 
     property var categories: []
-    property real leastWidth: Theme.scaled(100)
+    property real leastWidth: Theme.scaled(116)
     readonly property real cellWidth: width / columns
 
     columns: Math.max(1, Math.floor(width / leastWidth))

@@ -11,7 +11,8 @@ Item {
     property var marks: [] // {label, fraction}
     readonly property real widest: marks.reduce((most, mark) => Math.max(most, metrics.advanceWidth(mark.label)), 0)
     readonly property real between: width / Math.max(1, marks.length - 1)
-    readonly property int step: Math.max(1, Math.ceil((widest + Theme.s) / Math.max(1, between)))
+    // The outermost labels stand half their width further in than their marks.
+    readonly property int step: Math.max(1, Math.ceil((1.5 * widest + Theme.xs) / Math.max(1, between)))
 
     Accessible.ignored: true
     implicitHeight: Math.ceil(metrics.height)
@@ -26,6 +27,7 @@ Item {
         model: axis.marks
 
         Line {
+            Accessible.ignored: true
             required property int index
             required property var modelData
 

@@ -38,16 +38,21 @@ DividedRow {
                 spacing: Theme.xs + 2
 
                 AlongsideBadge {
+                    Accessible.ignored: true
                     value: alongside.row.badge ?? ({})
                     visible: alongside.row.badge !== undefined
                 }
 
                 Line {
+                    id: detail
+
                     Accessible.ignored: true
                     Layout.fillWidth: true
                     color: Theme.textTertiary
                     font: Theme.caption
+                    maximumLineCount: 2
                     text: alongside.row.detail ?? ""
+                    wrapMode: Text.Wrap
                 }
             }
         }
@@ -74,6 +79,6 @@ DividedRow {
     }
 
     Help {
-        text: title.truncated ? title.text : ""
+        lines: [title.whole, detail.whole]
     }
 }

@@ -12,6 +12,7 @@ Rectangle {
     required property var value
     default property alias content: extra.data
     readonly property color tint: Theme.named(value?.tint ?? "orange")
+    readonly property bool isNarrow: width < Theme.scaled(420) // its buttons then stand below the text
 
     signal activated(int index)
 
@@ -24,7 +25,7 @@ Rectangle {
     implicitWidth: Theme.scaled(480)
     radius: Theme.radius
 
-    RowLayout {
+    GridLayout {
         id: row
 
         anchors.left: parent.left
@@ -32,10 +33,14 @@ Rectangle {
         anchors.right: parent.right
         anchors.rightMargin: Theme.m
         anchors.verticalCenter: parent.verticalCenter
-        spacing: Theme.m
+        columnSpacing: Theme.m
+        columns: 2 + Math.max(1, banner.value?.buttons?.length ?? 0)
+        rowSpacing: Theme.s
 
         Symbol {
             Layout.alignment: Qt.AlignTop
+            Layout.column: 0
+            Layout.row: 0
             Layout.topMargin: 1
             color: banner.tint
             name: banner.value?.symbol ?? ""
@@ -45,10 +50,13 @@ Rectangle {
         ColumnLayout {
             id: extra
 
+            Layout.column: 1
             Layout.fillWidth: true
+            Layout.row: 0
             spacing: Theme.xs
 
             Paragraph {
+                Accessible.ignored: true
                 Layout.fillWidth: true
                 color: Theme.text
                 font: Theme.headline
@@ -57,6 +65,7 @@ Rectangle {
             }
 
             Paragraph {
+                Accessible.ignored: true
                 Layout.fillWidth: true
                 text: banner.value?.text ?? ""
                 visible: text !== ""
@@ -73,9 +82,13 @@ Rectangle {
 
                 required property var row
                 required property int index
+                readonly property bool isDismissal: row.symbol !== undefined && row.action === "dismiss"
+                readonly property bool isBelow: banner.isNarrow && !isDismissal
 
-                Layout.alignment: Qt.AlignVCenter
-                sourceComponent: row.symbol !== undefined && row.action === "dismiss" ? symbolButton : wordButton
+                Layout.alignment: isDismissal && banner.isNarrow ? Qt.AlignTop : Qt.AlignVCenter
+                Layout.column: isBelow ? 1 : 2 + index
+                Layout.row: isBelow ? 1 + index : 0
+                sourceComponent: isDismissal ? symbolButton : wordButton
 
                 Component {
                     id: symbolButton

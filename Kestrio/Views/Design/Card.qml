@@ -1,7 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 
-// A titled panel: its content stands below the head, `accessory` at the head's end.
+// A titled panel: its content stands below the head, `accessory` at the head's end, or below it where there is no room.
 Rectangle {
     id: card
 
@@ -27,31 +27,44 @@ Rectangle {
         anchors.margins: card.padding
         spacing: Theme.m
 
-        RowLayout {
+        GridLayout {
+            id: top
+
+            readonly property bool isStacked: head.implicitWidth + columnSpacing + accessoryHolder.implicitWidth > card.width - 2 * card.padding
+
             Layout.fillWidth: true
             Layout.minimumHeight: Theme.scaled(22)
-            spacing: Theme.s
+            columnSpacing: Theme.s
+            columns: isStacked ? 1 : 2
+            rowSpacing: Theme.s
             visible: card.title !== ""
 
-            Symbol {
-                color: Theme.textSecondary
-                name: card.symbol
-                size: Theme.scaled(16)
-                visible: name !== ""
-            }
+            RowLayout {
+                id: head
 
-            Line {
-                Accessible.name: text
-                Accessible.role: Accessible.Heading
                 Layout.fillWidth: true
-                font: Theme.headline
-                text: card.title
+                spacing: Theme.s
+
+                Symbol {
+                    color: Theme.textSecondary
+                    name: card.symbol
+                    size: Theme.scaled(16)
+                    visible: name !== ""
+                }
+
+                Line {
+                    Accessible.name: text
+                    Accessible.role: Accessible.Heading
+                    Layout.fillWidth: true
+                    font: Theme.headline
+                    text: card.title
+                }
             }
 
             RowLayout {
                 id: accessoryHolder
 
-                Layout.fillWidth: false
+                Layout.fillWidth: top.isStacked
                 spacing: Theme.s
             }
         }

@@ -15,8 +15,9 @@ T.AbstractButton {
 
     function open() {
         menuLoader.active = true;
-        const menu = menuLoader.item as T.Menu;
+        const menu = menuLoader.item as PopupMenu;
         menu.popup(control, mirrored ? 0 : width - menu.width, height + Theme.xs);
+        menu.goToCurrent();
     }
 
     Accessible.description: Words.changeCategory

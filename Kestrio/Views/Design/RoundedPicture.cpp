@@ -57,7 +57,11 @@ void RoundedPicture::request() {
     auto* const engine = qmlEngine(this);
     if (source_.isEmpty() || engine == nullptr || !isComponentComplete())
         return;
+    // Nobody but the one who was asked answers, and is told no more than which picture.
     QNetworkRequest request(source_);
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::SameOriginRedirectPolicy);
+    request.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
+    request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
     request.setTransferTimeout(deadline);
     reply_.reset(engine->networkAccessManager()->get(request));
     connect(reply_.get(), &QNetworkReply::finished, this, &RoundedPicture::receive);

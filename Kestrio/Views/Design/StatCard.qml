@@ -54,18 +54,15 @@ Rectangle {
             text: card.value.value ?? ""
         }
 
-        Line {
-            id: detail
-
+        Paragraph {
             Accessible.ignored: true
             Layout.fillWidth: true
-            color: Theme.textSecondary
             font: Theme.caption
             text: card.value.detail ?? " "
         }
     }
 
     Help {
-        text: card.value.help ?? (detail.truncated ? detail.text : "")
+        text: card.value.help ?? ""
     }
 }

@@ -30,6 +30,8 @@ DividedRow {
             }
 
             Line {
+                id: subtitle
+
                 Accessible.ignored: true
                 Layout.fillWidth: true
                 color: Theme.textSecondary
@@ -40,16 +42,21 @@ DividedRow {
             }
 
             Line {
+                id: detail
+
                 Accessible.ignored: true
                 Layout.fillWidth: true
                 color: Theme.textTertiary
                 font: Theme.caption
+                maximumLineCount: 2
                 text: item.row.detail ?? ""
                 visible: text !== ""
+                wrapMode: Text.Wrap
             }
         }
 
         OpenLinkButton {
+            Accessible.description: item.row.title ?? ""
             link: item.row.link ?? ""
         }
 
@@ -75,6 +82,6 @@ DividedRow {
     }
 
     Help {
-        text: title.truncated ? title.text : ""
+        lines: [title.whole, subtitle.whole, detail.whole]
     }
 }

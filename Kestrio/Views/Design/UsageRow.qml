@@ -56,6 +56,8 @@ DividedRow {
             }
 
             Line {
+                id: subtitle
+
                 Accessible.ignored: true
                 Layout.fillWidth: true
                 color: Theme.textTertiary
@@ -67,6 +69,6 @@ DividedRow {
     }
 
     Help {
-        text: title.truncated ? title.text : ""
+        lines: [title.whole, subtitle.whole]
     }
 }

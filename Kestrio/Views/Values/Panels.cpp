@@ -48,6 +48,7 @@ QVariantMap toVariant(const TodayPanel& panel) {
         .words("switches", panel.switches)
         .add("banner", toVariant(panel.banner))
         .add("live", toVariant(panel.live))
+        .text("historyNotice", panel.historyNotice)
         .add("accessibilityHint", toVariant(panel.accessibilityHint))
         .words("topAppsTitle", std::string_view(TodayPanel::topAppsTitle))
         .add("topApps", toVariants(panel.topApps))

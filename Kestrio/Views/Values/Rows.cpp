@@ -13,6 +13,7 @@ QString actionName(BannerAction action) {
     switch (action) {
     case BannerAction::grantAccessibility: return QStringLiteral("grantAccessibility");
     case BannerAction::requestBrowserAccess: return QStringLiteral("requestBrowserAccess");
+    case BannerAction::openBrowserStep: return QStringLiteral("openBrowserStep");
     case BannerAction::dismiss: break;
     }
     return QStringLiteral("dismiss");
@@ -29,11 +30,8 @@ QVariant toVariant(const CategoryMenu::Entry& entry) {
 }
 
 QVariant toVariant(const PauseMenu::Entry& entry) {
-    Fields fields;
-    fields.words("title", entry.title);
-    if (entry.length)
-        fields.add("length", entry.length->count());
-    return fields;
+    // Without its length: the time until tomorrow is another at each look, and an open menu would be made anew.
+    return Fields().words("title", entry.title);
 }
 
 QVariant toVariant(const PauseMenu& menu) {
@@ -221,7 +219,7 @@ QVariant toVariant(const ControlButton& button) {
         .words("help", button.help)
         .add("isEnabled", button.isEnabled);
     if (button.key)
-        fields.add("key", QString(QChar::fromLatin1(*button.key)));
+        fields.add("keys", "Ctrl+" + QString(QChar::fromLatin1(*button.key).toUpper()));
     return fields;
 }
 
@@ -259,6 +257,15 @@ QVariant toVariant(const AgentNotice& notice) {
         .words("title", notice.title)
         .words("text", notice.text)
         .add("buttons", QVariantList{Fields().words("title", notice.button)});
+}
+
+QVariant toVariant(const HistoryNotice& notice) {
+    return Fields()
+        .text("symbol", notice.symbol)
+        .add("tint", colorName(notice.tint))
+        .text("title", notice.title)
+        .text("text", notice.text) // in which a path stands
+        .text("message", notice.text);
 }
 
 QVariant toVariant(const StateWords& words) {

@@ -5,6 +5,7 @@
 #include "Kestrio/Pages/CategoryMenu.h"
 #include "Kestrio/Pages/DashboardWords.h"
 #include "Kestrio/Pages/DateControls.h"
+#include "Kestrio/Pages/HistoryNotice.h"
 #include "Kestrio/Pages/OverviewPage.h"
 #include "Kestrio/Pages/PauseControl.h"
 #include "Kestrio/Pages/PermissionBanner.h"
@@ -53,6 +54,8 @@ QVariant toVariant(const BannerButton& button);
 QVariant toVariant(const PermissionBanner& banner);
 /// Shaped as the bands about permissions are.
 QVariant toVariant(const AgentNotice& notice);
+/// The same, with the text as `message` too.
+QVariant toVariant(const HistoryNotice& notice);
 QVariant toVariant(const StateWords& words);
 QVariant toVariant(const ActivityBanner& banner);
 

@@ -20,8 +20,8 @@ public:
     /// The ones with the most time first; empty on failure.
     virtual std::vector<NamedTotal> appTotals() = 0;
     virtual std::vector<NamedTotal> domainTotals() = 0;
-    /// Those that reach into the interval, with what is open. Empty on failure.
-    virtual std::vector<ActivitySession> sessions(DateInterval interval) = 0;
+    /// Those that reach into the interval, with what is open.
+    virtual FoundSessions sessions(DateInterval interval) = 0;
 };
 
 class ArchiveLink {

@@ -11,6 +11,42 @@ ColumnLayout {
 
     required property DashboardModel model
 
+    // The first place of the page that takes the keyboard. False when it has none.
+    function takeFocus() {
+        return give(stops()[0]);
+    }
+
+    // The page's first field to search in, or the next one for who is in it. False when it has none.
+    function takeSearch() {
+        const fields = stops().filter(stop => stop instanceof FilterField);
+        const field = fields[(fields.findIndex(field => field.activeFocus) + 1) % fields.length];
+        field?.selectAll();
+        return give(field);
+    }
+
+    function give(item) {
+        item?.forceActiveFocus(Qt.ShortcutFocusReason);
+        return Boolean(item);
+    }
+
+    // Where the tabulator stops within the page.
+    function stops() {
+        const found = [];
+        let item = page.item?.nextItemInFocusChain() ?? null;
+        while (item !== null && !found.includes(item) && isInPage(item)) {
+            found.push(item);
+            item = item.nextItemInFocusChain();
+        }
+        return found;
+    }
+
+    function isInPage(item) {
+        for (let ancestor = item; ancestor !== null; ancestor = ancestor.parent)
+            if (ancestor === page)
+                return true;
+        return false;
+    }
+
     spacing: 0
 
     PageHeader {
@@ -37,6 +73,15 @@ ColumnLayout {
         Layout.leftMargin: Theme.xl
         Layout.rightMargin: Theme.xl
         Layout.topMargin: Theme.m
+        value: detail.model.historyNotice
+        visible: value !== undefined && !detail.model.isHistoryAway
+    }
+
+    Banner {
+        Layout.fillWidth: true
+        Layout.leftMargin: Theme.xl
+        Layout.rightMargin: Theme.xl
+        Layout.topMargin: Theme.m
         value: detail.model.permissionBanner
         visible: value !== undefined
 
@@ -56,6 +101,13 @@ ColumnLayout {
         }
     }
 
+    EmptyActivityView {
+        Layout.fillHeight: true
+        Layout.fillWidth: true
+        value: detail.model.historyNotice ?? ({})
+        visible: detail.model.isHistoryAway
+    }
+
     Loader {
         id: page
 
@@ -65,8 +117,11 @@ ColumnLayout {
             });
         }
 
+        Accessible.name: detail.model.sectionLabel
+        Accessible.role: Accessible.Pane
         Layout.fillHeight: true
         Layout.fillWidth: true
+        visible: !detail.model.isHistoryAway
 
         Component.onCompleted: load()
 

@@ -21,16 +21,36 @@ const PageEntry& entryOr(DashboardSection wanted) {
     return entry ? *entry : pageTable().front();
 }
 
+/// Its sections with the keys that lead to each: Ctrl and its place in the sidebar, the first being 1.
+QVariantMap withKeys(QVariantMap group, int& place) {
+    auto sections = group["sections"].toList();
+    for (auto& section : sections) {
+        auto fields = section.toMap();
+        fields["keys"] = QStringLiteral("Ctrl+%1").arg(++place);
+        section = fields;
+    }
+    group["sections"] = sections;
+    return group;
+}
+
 } // namespace
 
-DashboardModel::DashboardModel(const WindowParts& parts) : parts_(parts) {
+DashboardModel::DashboardModel(const WindowParts& parts) : parts_(parts), showsNow_(parts.dashboard.isCurrent()) {
     lookAtRange();
+    lookAtHistory();
     lookAtAgent();
     lookAtPermissions();
-    const auto rangeMoved = [this](const auto&) { lookAtRange(); };
+    const auto rangeMoved = [this](const auto&) {
+        showsNow_ = parts_.dashboard.isCurrent();
+        lookAtRange();
+    };
     tokens_.push_back(parts.dashboard.mode().observe(rangeMoved));
     tokens_.push_back(parts.dashboard.anchor().observe(rangeMoved));
+    const auto historyRead = [this](const auto&) { lookAtHistory(); };
+    tokens_.push_back(parts.dashboard.trouble().observe(historyRead));
+    tokens_.push_back(parts.dashboard.report().observe(historyRead));
     tokens_.push_back(parts.queue.every({.interval = wordsInterval, .tolerance = wordsTolerance}, [this] {
+        followNow();
         lookAtRange();
         lookAtAgent();
     }));
@@ -57,8 +77,11 @@ DashboardModel::DashboardModel(const WindowParts& parts) : parts_(parts) {
         else if (key == settingKey::idleMinutes)
             lookAtAgent();
     }));
-    if (parts.browserAccess)
-        tokens_.push_back(parts.browserAccess->permissions().observe([this](const auto&) { lookAtPermissions(); }));
+    if (parts.browserAccess) {
+        const auto accessChanged = [this](const auto&) { lookAtPermissions(); };
+        tokens_.push_back(parts.browserAccess->permissions().observe(accessChanged));
+        tokens_.push_back(parts.browserAccess->stepsLeft().observe(accessChanged));
+    }
 }
 
 DashboardModel::~DashboardModel() = default;
@@ -73,7 +96,11 @@ void DashboardModel::open(const std::optional<std::string>& page) {
 }
 
 QVariantList DashboardModel::groups() {
-    return toVariants(listedGroups());
+    auto groups = toVariants(listedGroups());
+    int place = 0;
+    for (auto& group : groups)
+        group = withKeys(group.toMap(), place);
+    return groups;
 }
 
 QString DashboardModel::section() const {
@@ -118,6 +145,7 @@ void DashboardModel::show(const PageEntry& entry) {
     connect(page_.get(), &PageModel::navigationRequested, this, &DashboardModel::select);
     page_->setShown(isOnScreen_);
     Q_EMIT pageChanged();
+    lookAtHistory();
 }
 
 void DashboardModel::setOnScreen(bool isOnScreen) {
@@ -126,8 +154,11 @@ void DashboardModel::setOnScreen(bool isOnScreen) {
     parts_.dashboard.setOnScreen(isOnScreen);
     if (page_)
         page_->setShown(isOnScreen);
-    if (isOnScreen)
-        parts_.dashboard.reload();
+    if (!isOnScreen)
+        return;
+    parts_.dashboard.reload();
+    if (parts_.browserAccess)
+        parts_.browserAccess->refresh();
 }
 
 void DashboardModel::lookAtRange() {
@@ -139,6 +170,29 @@ void DashboardModel::lookAtRange() {
         return;
     dateControls_ = std::move(controls);
     Q_EMIT rangeChanged();
+}
+
+/// A person who looks at today, this week or this month goes on doing so when it is over or the clock was set; a range
+/// that they went back to stays.
+void DashboardModel::followNow() {
+    if (showsNow_ && !parts_.dashboard.isCurrent())
+        showToday();
+}
+
+void DashboardModel::lookAtHistory() {
+    const auto& store = parts_.dashboard;
+    const auto& trouble = isReportPage() ? store.trouble().value() : std::nullopt;
+    const auto& report = store.report().value();
+    const bool isAway = trouble && report.sessions.empty() && report.alongsideSessions.empty();
+    const auto notice = trouble
+                            ? toVariant(kestrio::historyNotice(*trouble, parts_.host.historyFile.string(),
+                                                               isAway ? HistoryShown::nothing : HistoryShown::earlier))
+                            : QVariant();
+    if (notice == historyNotice_ && isAway == isHistoryAway_)
+        return;
+    historyNotice_ = notice;
+    isHistoryAway_ = isAway;
+    Q_EMIT historyChanged();
 }
 
 void DashboardModel::setMode(const QString& mode) {
@@ -163,13 +217,16 @@ void DashboardModel::pickDay(double date) {
 }
 
 void DashboardModel::lookAtAgent() {
-    auto status = currentStatus();
+    if (auto status = currentStatus(); status != status_) {
+        status_ = std::move(status);
+        Q_EMIT statusChanged();
+    }
+    // Told on its own: a menu that is open would be made anew.
     auto pauseControl = parts_.agent.status().value() ? toVariant(currentPauseControl()) : QVariant();
-    if (status == status_ && pauseControl == pauseControl_)
+    if (pauseControl == pauseControl_)
         return;
-    status_ = std::move(status);
     pauseControl_ = std::move(pauseControl);
-    Q_EMIT statusChanged();
+    Q_EMIT pauseControlChanged();
 }
 
 QVariantMap DashboardModel::currentStatus() const {
@@ -219,13 +276,11 @@ std::optional<PermissionBanner> DashboardModel::currentBanner() const {
     const auto& agent = parts_.agent.status().value();
     if (!agent)
         return std::nullopt;
-    static const std::vector<BrowserPermission> none;
-    auto banner = kestrio::permissionBanner(agent->isAccessibilityGranted,
-                                            parts_.settings.boolean(settingKey::dismissedBrowserBanner),
-                                            parts_.browserAccess ? parts_.browserAccess->permissions().value() : none);
-    if (banner && !agent->isAccessibilityGranted && advice_)
-        banner->text = *advice_;
-    return banner;
+    const auto* const access = parts_.browserAccess;
+    return kestrio::permissionBanner(
+        agent->isAccessibilityGranted, parts_.settings.boolean(settingKey::dismissedBrowserBanner),
+        access ? access->permissions().value() : std::vector<BrowserPermission>(),
+        {.accessibility = advice_, .browsers = access ? access->stepsLeft().value() : BrowserAccess::Steps()});
 }
 
 void DashboardModel::lookAtPermissions() {
@@ -243,8 +298,15 @@ void DashboardModel::actOnBanner(const QString& action) {
     else if (action == QLatin1StringView("dismiss"))
         parts_.settings.set(settingKey::dismissedBrowserBanner, true);
     else if (banner && banner->browser && parts_.browserAccess)
-        parts_.browserAccess->request(*banner->browser);
+        actOnBrowser(action, *banner->browser);
     lookAtPermissions();
+}
+
+void DashboardModel::actOnBrowser(const QString& action, const BrowserApp& browser) {
+    if (action == QLatin1StringView("openBrowserStep"))
+        parts_.browserAccess->openStep(browser);
+    else
+        parts_.browserAccess->request(browser);
 }
 
 void DashboardModel::openAbout() {

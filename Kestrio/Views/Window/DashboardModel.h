@@ -19,7 +19,7 @@ class DashboardModel : public QObject {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("Made by the program.")
-    /// The sidebar: `title` and `sections` of each group.
+    /// The sidebar: `title` and `sections` of each group, a section with the `keys` that lead to it.
     Q_PROPERTY(QVariantList groups READ groups CONSTANT)
     Q_PROPERTY(QString section READ section NOTIFY pageChanged)
     Q_PROPERTY(QString sectionLabel READ sectionLabel NOTIFY pageChanged)
@@ -34,10 +34,14 @@ class DashboardModel : public QObject {
     /// `label`, `symbol`, `detail`, `isActive`.
     Q_PROPERTY(QVariantMap status READ status NOTIFY statusChanged)
     /// Undefined while no agent runs.
-    Q_PROPERTY(QVariant pauseControl READ pauseControl NOTIFY statusChanged)
+    Q_PROPERTY(QVariant pauseControl READ pauseControl NOTIFY pauseControlChanged)
     /// The bands: `symbol`, `tint`, `title`, `text` and `buttons`. Undefined while there is nothing to say. The first
     /// is about an agent that does not run.
     Q_PROPERTY(QVariant agentNotice READ agentNotice NOTIFY agentChanged)
+    /// Undefined while the history can be read; `message` is the text once more.
+    Q_PROPERTY(QVariant historyNotice READ historyNotice NOTIFY historyChanged)
+    /// Whether the notice stands in place of the page, which has nothing to show then.
+    Q_PROPERTY(bool isHistoryAway READ isHistoryAway NOTIFY historyChanged)
     Q_PROPERTY(QVariant permissionBanner READ permissionBanner NOTIFY bannerChanged)
     /// Of the window when it was last closed.
     Q_PROPERTY(QVariant size READ size CONSTANT)
@@ -64,6 +68,8 @@ public:
     const QVariantMap& status() const { return status_; }
     const QVariant& pauseControl() const { return pauseControl_; }
     QVariant agentNotice() const;
+    const QVariant& historyNotice() const { return historyNotice_; }
+    bool isHistoryAway() const { return isHistoryAway_; }
     const QVariant& permissionBanner() const { return permissionBanner_; }
     QSize size() const;
     static QVariantMap words();
@@ -102,7 +108,9 @@ Q_SIGNALS:
     void rangeChanged();
     void isLoadingChanged();
     void statusChanged();
+    void pauseControlChanged();
     void agentChanged();
+    void historyChanged();
     void bannerChanged();
     /// The settings are wanted, at the tab that is stored.
     void settingsRequested();
@@ -110,8 +118,11 @@ Q_SIGNALS:
 private:
     QVariantMap currentStatus() const;
     std::optional<PermissionBanner> currentBanner() const;
+    void actOnBrowser(const QString& action, const BrowserApp& browser);
     PauseControl currentPauseControl() const;
     void lookAtRange();
+    void followNow();
+    void lookAtHistory();
     void lookAtAgent();
     void lookAtPermissions();
     void show(const PageEntry& entry);
@@ -120,11 +131,14 @@ private:
     const PageEntry* entry_ = nullptr;
     std::unique_ptr<PageModel> page_;
     bool isOnScreen_ = true;
+    bool showsNow_;                     // whether the range was the present one when the person last moved it
     std::optional<std::string> advice_; // what can be done about titles, once the person asked
     // As they were last told, so that nothing is drawn anew which did not change.
     QVariantMap dateControls_;
     QVariantMap status_;
     QVariant pauseControl_;
+    QVariant historyNotice_;
+    bool isHistoryAway_ = false;
     QVariant permissionBanner_;
     std::vector<Subscription> tokens_;
 };

@@ -1,5 +1,6 @@
 pragma ComponentBehavior: Bound
 
+import QtQml
 import QtQuick
 import Kestrio.Window
 
@@ -10,13 +11,16 @@ Item {
     required property DashboardModel model
     readonly property var controls: model.dateControls
 
+    readonly property var sections: [].concat(...Array.from(model.groups, group => Array.from(group.sections)))
+
     signal closeRequested
+    signal searchRequested
 
     component ControlShortcut: Shortcut {
         required property var control
 
         enabled: shortcuts.model.isReportPage && control.isEnabled
-        sequence: "Ctrl+" + control.key.toUpperCase()
+        sequence: control.keys
     }
 
     ControlShortcut {
@@ -41,6 +45,31 @@ Item {
         control: shortcuts.controls.refresh
 
         onActivated: shortcuts.model.refresh()
+    }
+
+    Shortcut {
+        enabled: shortcuts.model.isReportPage
+        sequence: "F5"
+
+        onActivated: shortcuts.model.refresh()
+    }
+
+    Shortcut {
+        sequence: "Ctrl+F"
+
+        onActivated: shortcuts.searchRequested()
+    }
+
+    Instantiator {
+        model: shortcuts.sections
+
+        delegate: Shortcut {
+            required property var modelData
+
+            sequence: modelData.keys
+
+            onActivated: shortcuts.model.select(modelData.rawValue)
+        }
     }
 
     Shortcut {

@@ -15,6 +15,9 @@ Card {
     title: value.head?.title ?? ""
 
     accessory: FilterField {
+        Layout.fillWidth: true
+        Layout.maximumWidth: implicitWidth
+        Layout.minimumWidth: Theme.scaled(110)
         visible: card.value.hasFilter ?? false
 
         onTextChanged: card.typed(text)

@@ -5,7 +5,7 @@ import QtQuick.Layouts
 import Kestrio.Design
 import Kestrio.Window
 
-// A page with a list at its start and a pane about the selected row beside it.
+// A page with a list at its start and a pane about the selected row beside it, or below it where large text leaves no room.
 Item {
     id: view
 
@@ -14,6 +14,7 @@ Item {
     required property url pane
     property string listName: ""
     property bool hasListFilter: false
+    readonly property bool isStacked: width < Theme.scaled(440)
     property alias emptyAccessory: empty.accessory
     property alias toolbar: toolbarHolder.data
 
@@ -29,14 +30,17 @@ Item {
         visible: view.model.empty !== undefined
     }
 
-    RowLayout {
+    GridLayout {
         anchors.fill: parent
-        spacing: 0
+        columnSpacing: 0
+        columns: view.isStacked ? 1 : 3
+        rowSpacing: 0
         visible: !empty.visible
 
         ColumnLayout {
-            Layout.fillHeight: true
-            Layout.fillWidth: false
+            Layout.fillHeight: !view.isStacked || !pane.visible
+            Layout.fillWidth: view.isStacked
+            Layout.preferredHeight: Math.round(view.height * 0.45)
             Layout.preferredWidth: Math.round(Math.max(Math.min(view.width * 0.36, Theme.scaled(380)), Math.min(Theme.scaled(240), view.width * 0.45)))
             spacing: 0
 
@@ -74,12 +78,17 @@ Item {
         }
 
         Hairline {
-            Layout.fillHeight: true
+            Layout.fillHeight: !view.isStacked
+            Layout.fillWidth: view.isStacked
+            visible: pane.visible
         }
 
         Item {
+            id: pane
+
             Layout.fillHeight: true
             Layout.fillWidth: true
+            visible: !view.isStacked || view.model.detail !== undefined
 
             Loader {
                 readonly property bool isWanted: view.model.detail !== undefined

@@ -1,5 +1,6 @@
 #include "Kestrio/Views/Window/MasterDetailModel.h"
 
+#include "Kestrio/Base/Text.h"
 #include "Kestrio/Views/Charts/ChartValues.h"
 
 namespace kestrio {
@@ -10,7 +11,7 @@ void MasterDetailModel::refresh() {
 }
 
 void MasterDetailModel::refreshList() {
-    auto made = list(ItemFilter(listFilter_.toStdString()));
+    auto made = list(itemFilter(listFilter_));
     empty_ = toVariant(made.empty);
     message_ = made.message ? shown(*made.message) : QString();
     rows_.set(std::move(made.rows));
@@ -19,9 +20,18 @@ void MasterDetailModel::refreshList() {
 }
 
 void MasterDetailModel::refreshDetail() {
-    auto made = selection_.isEmpty() ? std::nullopt : detailOf(selectedKey(), ItemFilter(filter_.toStdString()));
+    auto made = selection_.isEmpty() ? std::nullopt : detailOf(selectedKey(), itemFilter(filter_));
+    if (!made)
+        clearFilter();
     setTrend(made ? std::move(made->trend) : UsageTrend());
     setDetail(made ? QVariant(made->fields) : QVariant());
+}
+
+/// The pane goes with what it tells of, and the next one's field is empty.
+void MasterDetailModel::clearFilter() {
+    if (std::exchange(filter_, {}).isEmpty())
+        return;
+    Q_EMIT filterChanged();
 }
 
 /// Whoever reads what has not changed is not disturbed.
@@ -60,10 +70,9 @@ void MasterDetailModel::select(const QString& key) {
     if (key == selection_)
         return;
     selection_ = key;
-    filter_.clear();
+    clearFilter();
     setDetail({}); // so that the pane of the new one is made anew, with nothing of the old one in it
     Q_EMIT selectionChanged();
-    Q_EMIT filterChanged();
     findSelection();
     refreshDetail();
 }
@@ -71,6 +80,18 @@ void MasterDetailModel::select(const QString& key) {
 void MasterDetailModel::selectPlace(int place) {
     if (place >= 0 && place < rows_.count())
         select(plain(rows_.rows()[static_cast<std::size_t>(place)].key));
+}
+
+int MasterDetailModel::placeBeginning(const QString& typed) const {
+    const auto fold = [](std::string_view text) { return text::folded(text, text::Ignoring::caseAndDiacritics); };
+    const auto beginning = fold(typed.toStdString());
+    const int first = std::max(0, typed.size() > 1 ? selectedPlace_ : selectedPlace_ + 1);
+    for (int step = 0; step < rows_.count(); ++step) {
+        const int place = (first + step) % rows_.count();
+        if (fold(rows_.rows()[static_cast<std::size_t>(place)].title).starts_with(beginning))
+            return place;
+    }
+    return -1;
 }
 
 void MasterDetailModel::setFilter(const QString& typed) {

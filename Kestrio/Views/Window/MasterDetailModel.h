@@ -1,7 +1,7 @@
 // A page with a list at the left and what is told of the selected row at the right: the selection, both filters, and
 // the two halves as QML reads them. What the halves are made of is each page's own.
 //
-// Selection and filters last as long as the page's view. The detail's filter starts empty at each new selection. A
+// Selection and filters last as long as the page's view. The detail's filter starts empty with each new pane. A
 // selected row that a later report does not have leaves the placeholder, and is back with the next report that has it.
 #pragma once
 
@@ -62,6 +62,10 @@ public:
     /// Selects the row at this place of the list; nothing happens where there is none.
     Q_INVOKABLE void selectPlace(int place);
 
+    /// The place of a row whose title begins with what was typed, without regard to case and accents: the selected one
+    /// or the next one after it, after the last one again the first. A single character always leads on. -1 for none.
+    Q_INVOKABLE int placeBeginning(const QString& typed) const;
+
 Q_SIGNALS:
     void refreshed();
     void listFilterChanged();
@@ -93,6 +97,7 @@ protected:
 private:
     void refreshList();
     void refreshDetail();
+    void clearFilter();
     void findSelection();
     void setDetail(QVariant detail);
     void setTrend(UsageTrend trend);

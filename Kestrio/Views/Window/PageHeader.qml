@@ -12,7 +12,7 @@ Item {
 
     required property DashboardModel model
     readonly property var controls: model.dateControls
-    readonly property bool isWide: titles.implicitWidth + Theme.l + buttons.implicitWidth <= width
+    readonly property bool isWide: titles.implicitWidth + Theme.l + buttons.wholeWidth <= width
     readonly property bool mirrored: LayoutMirroring.enabled
 
     implicitHeight: !buttons.visible ? titles.implicitHeight : isWide ? Math.max(titles.implicitHeight, buttons.implicitHeight) : titles.implicitHeight + Theme.s + buttons.implicitHeight
@@ -46,7 +46,7 @@ Item {
 
         model: header.model
         visible: header.model.isReportPage
-        width: Math.min(implicitWidth, header.width)
+        width: Math.min(wholeWidth, header.width)
         x: header.isWide !== header.mirrored ? header.width - width : 0
         y: header.isWide ? Math.round((header.height - height) / 2) : titles.height + Theme.s
     }

@@ -7,6 +7,7 @@
 // find them by that name alone.
 #pragma once
 
+#include "Kestrio/Pages/ItemFilter.h"
 #include "Kestrio/Views/Window/WindowParts.h"
 
 #include <QObject>
@@ -54,6 +55,11 @@ public:
     explicit ReportPageModel(const WindowParts& parts);
 
 protected:
+    /// Finds what was typed in the way of the person's language.
+    ItemFilter itemFilter(const QString& typed) const {
+        return ItemFilter(typed.toStdString(), parts().calendar.locale());
+    }
+
     const ActivityReport& report() const { return parts().dashboard.report().value(); }
     /// The same for whoever holds on to it.
     std::shared_ptr<const ActivityReport> sharedReport() const { return parts().dashboard.report().share(); }

@@ -10,6 +10,7 @@ Loader {
     id: control
 
     required property DashboardModel model
+    property bool isCompact: false
     readonly property var value: model.pauseControl
     readonly property bool isPaused: value?.kind === "resume"
 
@@ -19,11 +20,17 @@ Loader {
         id: menu
 
         MenuButton {
+            compact: control.isCompact
             entries: control.value?.entries ?? []
+            focus: true // where the other one had it
             symbol: control.value?.symbol ?? ""
             text: control.value?.title ?? ""
 
-            onChosen: index => control.model.pause(index)
+            onChosen: index => {
+                // The other one takes its place, and the keyboard.
+                control.forceActiveFocus(Qt.PopupFocusReason);
+                control.model.pause(index);
+            }
         }
     }
 
@@ -31,6 +38,9 @@ Loader {
         id: resume
 
         PlainButton {
+            Accessible.name: control.value?.title ?? ""
+            focus: true
+            help: control.isCompact ? control.value?.title ?? "" : ""
             prominent: true
             symbol: control.value?.symbol ?? ""
             text: control.value?.title ?? ""

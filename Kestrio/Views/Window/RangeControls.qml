@@ -5,11 +5,14 @@ import QtQuick.Layouts
 import Kestrio.Design
 import Kestrio.Window
 
-RowLayout {
+// What moves the range, in as many lines as it takes.
+Flow {
     id: row
 
     required property DashboardModel model
     readonly property var controls: model.dateControls
+    // In one line.
+    readonly property real wholeWidth: units.implicitWidth + steps.implicitWidth + (day.visible ? day.implicitWidth + spacing : 0) + refresh.implicitWidth + 2 * spacing
 
     spacing: Theme.s
 
@@ -20,10 +23,13 @@ RowLayout {
         Accessible.name: control.title
         enabled: control.isEnabled
         help: control.help ?? control.title
+        keys: control.keys
         symbol: control.symbol
     }
 
     SegmentedControl {
+        id: units
+
         choices: row.controls.units
         help: row.controls.rangeLabel
 
@@ -31,6 +37,8 @@ RowLayout {
     }
 
     RowLayout {
+        id: steps
+
         spacing: 0
 
         ControlButton {
@@ -40,6 +48,8 @@ RowLayout {
         }
 
         PlainButton {
+            help: row.controls.today.title
+            keys: row.controls.today.keys
             text: row.controls.today.title
 
             onClicked: row.model.showToday()
@@ -53,6 +63,8 @@ RowLayout {
     }
 
     DatePicker {
+        id: day
+
         date: row.model.anchor
         help: row.controls.dateLabel
         now: row.model.now
@@ -62,6 +74,8 @@ RowLayout {
     }
 
     ControlButton {
+        id: refresh
+
         control: row.controls.refresh
 
         onClicked: row.model.refresh()

@@ -5,11 +5,18 @@ import QtQuick.Layouts
 import Kestrio.Design
 import Kestrio.Window
 
-// The pages in their groups, and below them what is being recorded.
+// The pages in their groups, and below them what is being recorded. Where large text has little room, the symbols alone.
 Rectangle {
     id: sidebar
 
     required property DashboardModel model
+    property bool isCompact: false
+
+    // The picked page.
+    function takeFocus() {
+        for (let place = 0; place < parts.count; ++place)
+            (parts.itemAt(place) as SidebarGroup).takeFocus();
+    }
 
     color: Theme.sidebar
 
@@ -33,10 +40,13 @@ Rectangle {
                 width: parent.width
 
                 Repeater {
+                    id: parts
+
                     model: sidebar.model.groups
 
                     SidebarGroup {
                         dashboard: sidebar.model
+                        isCompact: sidebar.isCompact
                         width: groups.width
                     }
                 }
@@ -45,11 +55,13 @@ Rectangle {
 
         TrackingStatusPanel {
             Layout.fillWidth: true
+            isCompact: sidebar.isCompact
             model: sidebar.model
         }
 
         PauseControl {
             Layout.fillWidth: true
+            isCompact: sidebar.isCompact
             model: sidebar.model
             visible: sidebar.model.pauseControl !== undefined
         }

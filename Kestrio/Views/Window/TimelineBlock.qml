@@ -10,10 +10,12 @@ ListRow {
 
     required property var value
     required property bool isOpen
+    readonly property bool isNarrow: width < Theme.scaled(480) // then its times stand below the headline
+    required property real rangeWidth
 
     signal toggled
 
-    Accessible.description: [value.times, value.count, value.category.label].join(", ")
+    Accessible.description: [isOpen ? Words.opened : Words.closed, value.times, value.count, value.category.label].join(", ")
     bottomPadding: Theme.xs + 2
     leftInset: Theme.l
     leftPadding: Theme.xl
@@ -43,10 +45,11 @@ ListRow {
 
         Line {
             Accessible.ignored: true
-            Layout.preferredWidth: Theme.scaled(104)
+            Layout.preferredWidth: block.rangeWidth
             color: Theme.textSecondary
             font: Theme.small
             text: block.value.times
+            visible: !block.isNarrow
         }
 
         Rectangle {
@@ -61,29 +64,46 @@ ListRow {
             size: Theme.scaled(24)
         }
 
-        Line {
-            id: headline
-
-            Accessible.ignored: true
+        GridLayout {
             Layout.fillWidth: true
-            text: block.value.headline
-        }
+            columnSpacing: Theme.m
+            columns: 3
+            rowSpacing: 0
 
-        AlongsideBadge {
-            value: block.value.badge ?? ({})
-            visible: block.value.badge !== undefined
+            Line {
+                id: headline
+
+                Accessible.ignored: true
+                Layout.columnSpan: block.isNarrow ? 3 : 1
+                Layout.fillWidth: true
+                text: block.value.headline
+            }
+
+            Line {
+                Accessible.ignored: true
+                color: Theme.textSecondary
+                font: Theme.small
+                text: block.value.times
+                visible: block.isNarrow
+            }
+
+            AlongsideBadge {
+                value: block.value.badge ?? ({})
+                visible: block.value.badge !== undefined
+            }
+
+            Line {
+                Accessible.ignored: true
+                Layout.fillWidth: block.isNarrow
+                color: Theme.textTertiary
+                font: Theme.caption
+                text: block.value.count
+            }
         }
 
         Line {
             Accessible.ignored: true
-            color: Theme.textTertiary
-            font: Theme.caption
-            text: block.value.count
-        }
-
-        Line {
-            Accessible.ignored: true
-            Layout.preferredWidth: Theme.scaled(76)
+            Layout.preferredWidth: Theme.scaled(block.isNarrow ? 56 : 76)
             horizontalAlignment: Text.AlignRight
             text: block.value.duration
         }

@@ -32,6 +32,10 @@ Item {
         Line {
             color: Theme.textSecondary
             text: day.value.total
+
+            Help {
+                text: day.value.totalHelp
+            }
         }
     }
 }

@@ -7,10 +7,20 @@ Item {
     id: entry
 
     required property var value
+    required property real rangeWidth // of the blocks' times, which these rows leave room for
+    required property real timeWidth
 
+    Accessible.focusable: true
     Accessible.name: [value.time, value.title, value.duration].join(", ")
     Accessible.role: Accessible.ListItem
     implicitHeight: row.implicitHeight + Theme.s
+
+    FocusRing {
+        anchors.leftMargin: Theme.l
+        anchors.margins: 0
+        anchors.rightMargin: Theme.l
+        shown: entry.activeFocus
+    }
 
     RowLayout {
         id: row
@@ -23,12 +33,12 @@ Item {
         spacing: Theme.m
 
         Item {
-            Layout.preferredWidth: Theme.scaled(104) + 3 + Theme.m
+            Layout.preferredWidth: entry.width < Theme.scaled(480) ? 3 : entry.rangeWidth + 3 + Theme.m
         }
 
         Line {
             Accessible.ignored: true
-            Layout.preferredWidth: Theme.scaled(44)
+            Layout.preferredWidth: entry.timeWidth
             color: Theme.textTertiary
             font: Theme.small
             text: entry.value.time

@@ -1,5 +1,6 @@
 #include "Kestrio/Views/Window/TimelineModel.h"
 
+#include "Kestrio/Pages/DashboardSection.h"
 #include "Kestrio/Views/Values/Rows.h"
 
 #include <algorithm>
@@ -9,8 +10,24 @@
 namespace kestrio {
 namespace {
 
+/// Not the block's number: what goes on right now gets another one as soon as it is stored.
+std::size_t identity(const TimelineBlock& block) {
+    return qHashMulti(0, block.start.seconds(), static_cast<std::int64_t>(block.kind),
+                      std::hash<std::string>()(block.bundleID));
+}
+
+QStringList list(const std::vector<std::string>& texts) {
+    QStringList all;
+    for (const auto& text : texts)
+        all.append(plain(text));
+    return all;
+}
+
 QVariant dayValue(const TimelineSection& section) {
-    return Fields().words("title", section.title).words("total", section.total);
+    return Fields()
+        .words("title", section.title)
+        .words("total", section.total)
+        .words("totalHelp", TimelineSection::totalHelp);
 }
 
 } // namespace
@@ -33,7 +50,7 @@ QVariant TimelineRows::data(const QModelIndex& index, int role) const {
         return names[static_cast<std::size_t>(place.kind)];
     }
     case valueRole: return value(place);
-    case isOpenRole: return place.kind == Kind::block && open_.contains(place.id);
+    case isOpenRole: return place.kind == Kind::block && open_.contains(place.identity);
     case dayRole: return shown(page_.sections[place.section].title);
     default: return {};
     }
@@ -55,24 +72,23 @@ const TimelineBlockRow& TimelineRows::blockRow(std::size_t block) const {
 }
 
 TimelineRows::Place TimelineRows::blockPlace(std::size_t section, std::size_t block) const {
-    return {Kind::block, section, block, 0, report_->blocks[block].id};
+    return {Kind::block, section, block, 0, identity(report_->blocks[block])};
 }
 
 std::vector<TimelineRows::Place> TimelineRows::entryPlaces(const Place& block) const {
     std::vector<Place> places;
-    for (const auto& entry : blockRow(block.block).entries)
-        places.push_back({Kind::entry, block.section, block.block, places.size(), entry.id});
+    for (std::size_t entry = 0; entry < blockRow(block.block).entries.size(); ++entry)
+        places.push_back({Kind::entry, block.section, block.block, entry, qHashMulti(block.identity, entry)});
     return places;
 }
 
 std::vector<TimelineRows::Place> TimelineRows::allPlaces() const {
     std::vector<Place> places;
     for (std::size_t section = 0; section < page_.sections.size(); ++section) {
-        const auto day = static_cast<std::int64_t>(page_.sections[section].day.seconds());
-        places.push_back({Kind::day, section, 0, 0, day});
+        places.push_back({Kind::day, section, 0, 0, qHash(page_.sections[section].day.seconds())});
         for (const auto block : page_.sections[section].blocks) {
             places.push_back(blockPlace(section, block));
-            if (!open_.contains(places.back().id))
+            if (!open_.contains(places.back().identity))
                 continue;
             const auto entries = entryPlaces(places.back());
             places.insert(places.end(), entries.begin(), entries.end());
@@ -119,6 +135,13 @@ void TimelineRows::replace(std::vector<Place> places) {
     Q_EMIT dataChanged(index(0), index(rowCount() - 1));
 }
 
+int TimelineRows::stopAt(int row, int step) const {
+    const auto isDay = [this](int place) { return places_[static_cast<std::size_t>(place)].kind == Kind::day; };
+    while (row >= 0 && row < rowCount() && isDay(row))
+        row += step;
+    return row >= 0 && row < rowCount() ? row : -1;
+}
+
 void TimelineRows::toggle(int row) {
     if (!report_ || row < 0 || row >= rowCount() || places_[static_cast<std::size_t>(row)].kind != Kind::block)
         return;
@@ -126,9 +149,9 @@ void TimelineRows::toggle(int row) {
     const auto entries = entryPlaces(place);
     const auto first = places_.begin() + row + 1;
     const auto count = static_cast<int>(entries.size());
-    if (open_.erase(place.id) == 0) {
+    if (open_.erase(place.identity) == 0) {
         beginInsertRows({}, row + 1, row + count);
-        open_.insert(place.id);
+        open_.insert(place.identity);
         places_.insert(first, entries.begin(), entries.end());
         endInsertRows();
     } else {
@@ -157,8 +180,14 @@ void TimelineModel::setHideBrief(bool hide) {
     invalidate();
 }
 
+QVariantMap TimelineModel::samples() const {
+    const auto samples = timelineSamples(parts().calendar);
+    return Fields().add("ranges", list(samples.ranges)).add("times", list(samples.times));
+}
+
 QVariantMap TimelineModel::words() {
     return Fields()
+        .words("listName", label(DashboardSection::timeline))
         .words("prompt", TimelineSearch::prompt)
         .words("hideBriefTitle", TimelineSearch::hideBriefTitle)
         .text("hideBriefSymbol", TimelineSearch::hideBriefSymbol)

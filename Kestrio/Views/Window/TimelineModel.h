@@ -21,7 +21,7 @@ class TimelineRows : public QAbstractListModel {
 public:
     enum Role {
         kindRole = Qt::UserRole, // "day", "block" or "entry"
-        valueRole,               // the day's `title` and `total`, the block's or the entry's fields
+        valueRole,               // the day's `title`, `total` and `totalHelp`, the block's or the entry's fields
         isOpenRole,              // of a block: whether its entries show
         dayRole,                 // the day's title, of every row
     };
@@ -37,15 +37,18 @@ public:
     /// Opens or closes the block at this row.
     Q_INVOKABLE void toggle(int row);
 
+    /// This row, or where it is the head of a day the nearest other in the direction of `step`, 1 or -1. -1 for none.
+    Q_INVOKABLE int stopAt(int row, int step) const;
+
 private:
     enum class Kind { day, block, entry };
     struct Place {
         Kind kind = Kind::day;
-        std::size_t section = 0; // in the page
-        std::size_t block = 0;   // in the report
-        std::size_t entry = 0;   // among those that the block shows
-        std::int64_t id = 0;     // what it stays known by when the report is made anew
-        bool isSameRow(const Place& other) const { return kind == other.kind && id == other.id; }
+        std::size_t section = 0;  // in the page
+        std::size_t block = 0;    // in the report
+        std::size_t entry = 0;    // among those that the block shows
+        std::size_t identity = 0; // what it stays known by when the report is made anew
+        bool isSameRow(const Place& other) const { return kind == other.kind && identity == other.identity; }
     };
 
     std::vector<Place> allPlaces() const;
@@ -59,7 +62,7 @@ private:
     const Calendar* calendar_ = nullptr;
     TimelinePage page_;
     std::string query_;
-    std::set<std::int64_t> open_; // identities of blocks
+    std::set<std::size_t> open_; // identities of blocks
     std::vector<Place> places_;
     /// The block made last: its entries ask for it one after the other.
     mutable std::optional<std::pair<std::size_t, TimelineBlockRow>> latest_;
@@ -77,7 +80,9 @@ class TimelineModel : public kestrio::ReportPageModel {
     Q_PROPERTY(kestrio::DayStripsValue strips READ strips NOTIFY refreshed)
     Q_PROPERTY(QString search READ search WRITE setSearch NOTIFY searchChanged)
     Q_PROPERTY(bool hideBrief READ hideBrief WRITE setHideBrief NOTIFY searchChanged)
-    /// `prompt`, `hideBriefTitle`, `hideBriefSymbol`, `hideBriefHelp`.
+    /// `ranges` and `times`: the columns of times are as wide as the widest of these.
+    Q_PROPERTY(QVariant samples READ samples CONSTANT)
+    /// `listName`, `prompt`, `hideBriefTitle`, `hideBriefSymbol`, `hideBriefHelp`.
     Q_PROPERTY(QVariant words READ words CONSTANT)
 
 public:
@@ -91,6 +96,7 @@ public:
     void setSearch(const QString& text);
     bool hideBrief() const { return search_.hideBrief; }
     void setHideBrief(bool hide);
+    QVariantMap samples() const;
     static QVariantMap words();
 
 Q_SIGNALS:

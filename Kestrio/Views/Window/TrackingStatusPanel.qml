@@ -8,6 +8,7 @@ Item {
     id: panel
 
     required property DashboardModel model
+    property bool isCompact: false
     readonly property var status: model.status
 
     Accessible.description: status.detail ?? ""
@@ -35,6 +36,7 @@ Item {
             Layout.fillWidth: true
             color: Theme.text
             text: panel.status.label
+            visible: !panel.isCompact
         }
 
         Rectangle {

@@ -41,6 +41,7 @@ DividedRow {
                 }
 
                 Badge {
+                    Accessible.ignored: true
                     text: entry.row.badge ?? ""
                     tint: Theme.red
                     visible: text !== ""
@@ -63,15 +64,20 @@ DividedRow {
             }
 
             Line {
+                id: detail
+
                 Accessible.ignored: true
                 Layout.fillWidth: true
                 color: Theme.textTertiary
                 font: Theme.caption
+                maximumLineCount: 2
                 text: entry.row.detail ?? ""
+                wrapMode: Text.Wrap
             }
         }
 
         OpenLinkButton {
+            Accessible.description: entry.row.title ?? ""
             link: entry.row.link ?? ""
         }
 
@@ -84,6 +90,6 @@ DividedRow {
     }
 
     Help {
-        text: title.truncated ? title.text : ""
+        lines: [title.whole, detail.whole]
     }
 }

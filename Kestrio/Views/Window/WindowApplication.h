@@ -23,7 +23,7 @@ public:
     /// Until the last window is closed. Returns the exit status.
     int run();
 
-    /// Ends `run`. Callable in the queue's work.
+    /// Closes all windows, and so ends `run`. Callable in the queue's work.
     void quit();
 
 private:

@@ -49,10 +49,10 @@ struct WindowHost {
     };
     /// What helpers ask about this program and this machine, a line for each.
     std::function<std::string()> systemInfo = [] { return std::string(); };
-    /// The folder with the program's data.
-    std::filesystem::path dataFolder = {};
     /// Shows a file among the others of its folder, in the person's file manager.
     std::function<void(const std::filesystem::path& file)> showInFiles = [](const auto&) {};
+    /// The file with the recorded sessions, for people to look for.
+    std::filesystem::path historyFile = {};
     /// The size that the dashboard had when it was last closed; absent when it never was.
     std::function<std::optional<WindowSize>()> storedSize = [] { return std::nullopt; };
     std::function<void(WindowSize)> storeSize = [](auto) {};

@@ -14,7 +14,7 @@ YouTubeModel::YouTubeModel(const WindowParts& parts)
 void YouTubeModel::refresh() {
     const auto thumbnails =
         parts().settings.boolean(settingKey::showYouTubeThumbnails) ? Thumbnails::on : Thumbnails::off;
-    const VideoChoice choice{.sort = sort_, .filter = ItemFilter(filter_.toStdString()), .thumbnails = thumbnails};
+    const VideoChoice choice{.sort = sort_, .filter = itemFilter(filter_), .thumbnails = thumbnails};
     auto answer = youtubePage(report(), choice, parts().viewpoint());
     const auto* const nothing = std::get_if<EmptyActivity>(&answer);
     empty_ = nothing ? toVariant(*nothing) : QVariant();

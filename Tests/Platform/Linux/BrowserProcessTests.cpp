@@ -108,5 +108,16 @@ TEST_F(BrowserProcess, eachKnownBrowserHasPlacesOfItsOwn) {
     EXPECT_EQ(knownBrowser("org.example"), nullptr);
 }
 
+TEST_F(BrowserProcess, theRunningOnesAreThoseWithAProcessEachNamedOnce) {
+    EXPECT_EQ(runningBrowsers(identity), std::set<std::string>()) << "no processes at all";
+    process(100, 1, "/usr/lib/chromium/chromium");
+    process(101, 100, "/usr/lib/chromium/chromium");
+    process(102, 1, "/usr/lib/firefox-esr/firefox-esr");
+    process(103, 1, "/usr/bin/xterm");
+    folder.write("proc/self/stat", "");
+    folder.write("proc/104x/stat", "");
+    EXPECT_EQ(runningBrowsers(identity), (std::set<std::string>{"org.chromium.Chromium", "org.mozilla.firefox"}));
+}
+
 } // namespace
 } // namespace kestrio

@@ -63,20 +63,25 @@ TEST(DesktopFile, findsTheProgramOfACommandLine) {
     const struct {
         const char* exec;
         const char* program;
+        bool hasOptions;
     } rows[] = {
-        {"firefox %u", "firefox"},
-        {"/usr/bin/gimp-2.10 %U", "/usr/bin/gimp-2.10"},
-        {"\"/opt/My App/run it\" --x", "/opt/My App/run it"},
-        {"\"a\\\"b\" c", "a\"b"},
-        {"env BAMF_DESKTOP_FILE_HINT=/x.desktop /snap/bin/firefox %u", "/snap/bin/firefox"},
-        {"/usr/bin/env -u X A=1 B=2 prog", "prog"},
-        {"  spaced   arg", "spaced"},
-        {"env A=1", ""},
-        {"", ""},
-        {"\"open", "open"},
+        {"firefox %u", "firefox", false},
+        {"/usr/bin/gimp-2.10 %U", "/usr/bin/gimp-2.10", false},
+        {"\"/opt/My App/run it\" --x", "/opt/My App/run it", true},
+        {"browser --app-id=mail %U", "browser", true},
+        {"\"a\\\"b\" c", "a\"b", false},
+        {"env BAMF_DESKTOP_FILE_HINT=/x.desktop /snap/bin/firefox %u", "/snap/bin/firefox", false},
+        {"/usr/bin/env -u X A=1 B=2 prog", "prog", false},
+        {"/usr/bin/env -u X prog -x", "prog", true},
+        {"  spaced   arg", "spaced", false},
+        {"env A=1", "", false},
+        {"", "", false},
+        {"\"open", "open", false},
     };
-    for (const auto& row : rows)
+    for (const auto& row : rows) {
         EXPECT_EQ(programOfExec(row.exec), row.program) << row.exec;
+        EXPECT_EQ(hasOptionsInExec(row.exec), row.hasOptions) << row.exec;
+    }
 }
 
 TEST(DesktopEntries, takeTheirFoldersFromTheEnvironment) {
@@ -154,6 +159,16 @@ TEST_F(DesktopEntriesInFolders, aProgramIsFoundByItsNameAndByWhatItIsALinkTo) {
     EXPECT_EQ(entries.byProgram("alpha")->id, "a");
     EXPECT_EQ(entries.byProgram("alpha-real")->id, "a");
     EXPECT_EQ(entries.byProgram("python3"), nullptr) << "an interpreter names no application";
+}
+
+TEST_F(DesktopEntriesInFolders, aProgramIsItsOwnEntryBeforeThoseOfItsPartsAndPages) {
+    add("own/alpha-mail.desktop", "Name=Mail\nExec=alpha --app-id=mail %U\n");
+    add("shared/org.example.alpha-settings.desktop", "Name=Settings\nExec=alpha --preferences\n");
+    EXPECT_EQ(entries.byProgram("alpha")->name, "Mail") << "better than none";
+    add("shared/org.example.alpha.desktop", "Name=Alpha\nExec=alpha %U\n");
+    time.advance(Seconds(3));
+    entries.refresh();
+    EXPECT_EQ(entries.byProgram("alpha")->name, "Alpha");
 }
 
 TEST_F(DesktopEntriesInFolders, areReadAgainOnceAFolderChanged) {

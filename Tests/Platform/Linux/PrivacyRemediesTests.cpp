@@ -8,8 +8,8 @@ namespace {
 TEST(PrivacyRemedies, sayWhatToDoForEachPlaceThatThisHostLacks) {
     EXPECT_EQ(
         privacyRemedy("Privacy_Accessibility"),
-        (PrivacyRemedy{"This desktop does not tell programs the titles of windows. Log in to an X11 session, or to "
-                       "a Wayland desktop that does, to have them recorded.",
+        (PrivacyRemedy{"This desktop does not tell programs the titles of windows. Choose an X11 session when you log "
+                       "in to have them recorded.",
                        std::nullopt}));
     EXPECT_EQ(privacyRemedy("Privacy_Automation"),
               (PrivacyRemedy{"Install Kestrio's extension in the browser. Without it, switch on accessibility for this "

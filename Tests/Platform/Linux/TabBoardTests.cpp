@@ -36,6 +36,34 @@ TEST(TabBoard, knowsNothingOfABrowserThatIsNotConnected) {
     EXPECT_EQ(board.browsers(), std::vector<std::string>{"org.chromium.Chromium"});
 }
 
+TEST(TabBoard, tellsWhichBrowsersComeAndGoAndOfNothingElse) {
+    TabBoard board;
+    std::vector<std::size_t> told; // how many browsers there were
+    auto token = board.observeBrowsers([&] { told.push_back(board.browsers().size()); });
+    board.put(1, firefox, {});
+    board.put(1, firefox, {window(1, true, "a")});
+    board.put(2, firefox, {}); // another profile of it
+    board.put(3, "org.chromium.Chromium", {});
+    board.remove(1);
+    board.remove(1);
+    board.remove(4);
+    EXPECT_EQ(told, (std::vector<std::size_t>{1, 2}));
+    board.remove(2);
+    EXPECT_EQ(told, (std::vector<std::size_t>{1, 2, 1}));
+    token.cancel();
+    board.remove(3);
+    EXPECT_EQ(told.size(), 3U);
+}
+
+TEST(TabBoard, whoObservesMayOutliveIt) {
+    Subscription token;
+    {
+        const TabBoard board;
+        token = board.observeBrowsers([] {});
+    }
+    token.cancel();
+}
+
 TEST(TabBoard, windowsStandInTheOrderOfTheirLastFocus) {
     TabBoard board;
     board.put(1, firefox, {window(1, true, "a"), window(2, false, "b"), window(3, false, "c")});

@@ -1,9 +1,10 @@
-// Paints the charts of an example history, a picture per range, in light and dark: ChartPictures FOLDER
+// Paints the charts of an example history, a picture per range, in light and dark.
 #include "Kestrio/Views/Charts/ActivityChartItem.h"
 #include "Kestrio/Views/Charts/StripCanvasItem.h"
 #include "Tests/Examples/ExampleHistory.h"
 #include "Tests/Views/Charts/ChartScene.h"
 
+#include <CLI/CLI.hpp>
 #include <QGuiApplication>
 #include <QSGRendererInterface>
 #include <QTemporaryDir>
@@ -65,10 +66,10 @@ Item {
 
 int main(int argc, char** argv) {
     using namespace kestrio;
-    if (argc < 2) {
-        fmt::print(stderr, "usage: ChartPictures FOLDER\n");
-        return 2;
-    }
+    CLI::App app("Paints the charts of an example history, a picture per range.", "ChartPictures");
+    std::string folder;
+    app.add_option("folder", folder, "Where the pictures go")->required()->check(CLI::ExistingDirectory);
+    CLI11_PARSE(app, argc, argv);
     const QTemporaryDir runtime;
     qputenv("XDG_RUNTIME_DIR", runtime.path().toUtf8());
     qputenv("QT_QPA_PLATFORM", "offscreen");
@@ -99,7 +100,7 @@ int main(int argc, char** argv) {
                     auto* const strip = scene.find<StripCanvasItem>();
                     scene.pointAt(strip->mapToScene({strip->width() * 0.31, strip->height() / 2}));
                 }
-                const auto file = fmt::format("{}/{}-{}-{}.png", argv[1], range.name, width, isDark ? "dark" : "light");
+                const auto file = fmt::format("{}/{}-{}-{}.png", folder, range.name, width, isDark ? "dark" : "light");
                 scene.look().save(QString::fromStdString(file));
             }
     return 0;

@@ -64,12 +64,15 @@ TEST(UsageItemRow, hasNoLinkWithoutAnAddress) {
 
 TEST(AlongsideRow, showsItsBadge) {
     Stage stage;
-    stage.show("AlongsideRow { width: 400; row: ({title: 'A film', detail: 'youtube.com · last 11:02', duration: "
-               "'20m', fraction: 0.4, "
-               "icon: {kind: 'videoSite'}, badge: {title: 'Watching', help: 'Watching alongside', symbol: "
-               "'play.rectangle.fill'}}) }");
+    auto* const row =
+        stage.show("AlongsideRow { width: 400; row: ({title: 'A film', detail: 'youtube.com · last 11:02', duration: "
+                   "'20m', fraction: 0.4, "
+                   "icon: {kind: 'videoSite'}, badge: {title: 'Watching', help: 'Watching alongside', symbol: "
+                   "'play.rectangle.fill'}}) }");
     EXPECT_EQ(stage.texts(), (QStringList{"A film", "Watching", "youtube.com · last 11:02", "20m"}));
-    EXPECT_EQ(nameOf(stage.items("AlongsideBadge").value(0)), "Watching");
+    // Told once, with the row.
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(row)->text(QAccessible::Description),
+              "Watching, youtube.com · last 11:02");
 }
 
 TEST(StatCard, isOneThingToTell) {
@@ -146,6 +149,35 @@ TEST(CreditLine, leadsToAboutAndToTheMakersPage) {
 }
 
 /// No text is cut off at twice its size in a width that was enough before.
+TEST(Rows, tellWholeWhatIsCutShort) {
+    const QString title(100, 'x');
+    const struct {
+        QString qml;
+        QString help;
+    } rows[] = {
+        {"UsageRow { width: 200; row: ({title: '%1', subtitle: 'short', duration: '1m'}) }", title},
+        {"UsageRow { width: 200; row: ({title: 'short', subtitle: '%1', duration: '1m'}) }", title},
+        {"UsageRow { width: 200; row: ({title: '%1', subtitle: '%1', duration: '1m'}) }", title + "\n" + title},
+        {"UsageRow { width: 200; row: ({title: 'short', duration: '1m'}) }", ""},
+        {"UsageRow { width: 200; row: ({title: 'two\\nlines', duration: '1m'}) }", "two\nlines"},
+        {"UsageItemRow { width: 300; row: ({title: 'short', subtitle: '%1', detail: 'short', duration: '1m'}) }",
+         title},
+        {"UsageItemRow { width: 300; row: ({title: 'short', detail: '%1', duration: '1m'}) }", title},
+        {"AlongsideRow { width: 300; row: ({title: '%1', detail: '%1', duration: '1m'}) }", title + "\n" + title},
+        {"StatCard { width: 148; value: ({title: 'T', value: '1h', detail: 'short', help: 'Why'}) }", "Why"},
+        {"StatCard { width: 148; value: ({title: 'T', value: '1h'}) }", ""},
+    };
+    for (const auto& row : rows) {
+        Stage stage;
+        stage.show(QString(row.qml).replace("%1", title));
+        QStringList helps;
+        for (auto* const help : stage.items("Help"))
+            helps << help->property("text").toString();
+        helps.removeAll(QString());
+        EXPECT_EQ(helps.join("; "), row.help) << row.qml.toStdString();
+    }
+}
+
 TEST(Rows, standTextOfTwiceTheSize) {
     for (const auto* qml :
          {"UsageRow { width: 420; row: ({title: 'Editor', subtitle: '1h focused', duration: '1h 2m', fraction: 0.5}) }",

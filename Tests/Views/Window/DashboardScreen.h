@@ -27,10 +27,7 @@ struct DashboardOptions {
 
 struct DashboardScreen : WindowStage, Screen {
     explicit DashboardScreen(DashboardOptions options = {})
-        : WindowStage(std::move(options.history), options.mode), model(parts) {
-        script.status.isAccessibilityGranted = true;
-        options.prepare(*this);
-        agent.start(); // sees what was prepared
+        : WindowStage(std::move(options.history), options.mode), model(prepared(options)) {
         model.open(options.page);
         settle();
         show("DashboardWindow.qml", {{"model", QVariant::fromValue(&model)}});
@@ -64,6 +61,15 @@ struct DashboardScreen : WindowStage, Screen {
         return all;
     }
 
+private:
+    const WindowParts& prepared(const DashboardOptions& options) {
+        script.status.isAccessibilityGranted = true;
+        options.prepare(*this);
+        agent.start(); // sees what was prepared
+        return parts;
+    }
+
+public:
     DashboardModel model;
 };
 

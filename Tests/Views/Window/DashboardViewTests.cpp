@@ -44,6 +44,11 @@ TEST(DashboardView, listsThePagesThatThereAre) {
     EXPECT_FALSE(screen.shows("Resource Log"));
 }
 
+TEST(DashboardView, hasThePagesThatArePromised) {
+    for (const auto section : allDashboardSections)
+        EXPECT_EQ(pageEntry(section) != nullptr, hasPage(section)) << rawValue(section);
+}
+
 TEST(DashboardView, aClickOnAPageShowsItAndRemembersIt) {
     DashboardScreen screen;
     for (const auto* const name : {"timeline", "apps", "websites", "youtube", "projects", "overview"}) {
@@ -138,6 +143,18 @@ TEST(DashboardView, pausesByTheEntriesOfItsMenu) {
               (std::vector<std::string>{"pause for 1800", "pause for 3600", "pause for 23400", "pause"}));
 }
 
+TEST(DashboardView, itsMenuStandsStillWhileTimePasses) {
+    DashboardScreen screen;
+    int changes = 0;
+    QObject::connect(&screen.model, &DashboardModel::pauseControlChanged, [&] { ++changes; });
+    screen.time.advance(Seconds(120));
+    screen.tell([](AgentStatus& status) { status.state = TrackingState::idle; });
+    EXPECT_EQ(changes, 0) << "until tomorrow is closer now, and the state another";
+    EXPECT_TRUE(screen.shows("Idle"));
+    screen.tell([](AgentStatus& status) { status.state = TrackingState::paused; });
+    EXPECT_EQ(changes, 1);
+}
+
 TEST(DashboardView, resumesWhileItIsPaused) {
     DashboardScreen screen;
     screen.tell([&](AgentStatus& status) {
@@ -170,6 +187,24 @@ TEST(DashboardView, withoutAnAgentItShowsWhatIsStoredAndOffersToStartOne) {
     EXPECT_TRUE(screen.shows("Tracking"));
 }
 
+TEST(DashboardView, theAgentsDeathAndReturnLeavePageSelectionAndFilter) {
+    DashboardScreen screen({.page = "apps"});
+    screen.click("Editor");
+    screen.enter("Filter");
+    screen.type("notes");
+    const auto before = screen.words();
+    EXPECT_TRUE(screen.shows("notes.md"));
+    EXPECT_FALSE(screen.shows("main.cpp"));
+    screen.agentDies();
+    screen.settle();
+    EXPECT_TRUE(screen.shows(notRunning));
+    EXPECT_TRUE(screen.shows("notes.md"));
+    EXPECT_FALSE(screen.shows("main.cpp"));
+    screen.agentReturns();
+    screen.settle();
+    EXPECT_EQ(screen.words(), before);
+}
+
 TEST(DashboardView, saysThatTitlesCannotBeReadEvenToWhoDismissedTheBandAboutBrowsers) {
     DashboardScreen screen(
         {.prepare = [](WindowStage& stage) { stage.settings.set(settingKey::dismissedBrowserBanner, true); }});
@@ -182,6 +217,132 @@ TEST(DashboardView, saysThatTitlesCannotBeReadEvenToWhoDismissedTheBandAboutBrow
     };
     screen.click("Grant Access");
     EXPECT_TRUE(screen.shows("Do this about Privacy_Accessibility."));
+    EXPECT_FALSE(screen.shows("Grant Access")) << "nothing more comes of it";
+}
+
+/// Browsers as a test wants them, behind the access that the band is about.
+struct ScriptedBrowsers {
+    explicit ScriptedBrowsers(WindowStage& stage)
+        : permissions({"org.chromium.Chromium"}, "en_GB", host()), access(stage.main, stage.agentQueue, permissions) {
+        stage.parts.browserAccess = &access;
+    }
+
+    Permissions::Host host() {
+        Permissions::Host host;
+        host.applicationName = [](const auto&) { return std::optional<std::string>("Chromium"); };
+        host.readiness = [this](const auto&) { return std::optional(readiness); };
+        host.askForConsent = [this](const auto&) { asked.emplace_back("consent"); };
+        host.openPrivacyPane = [this](const auto& anchor) { asked.push_back(anchor); };
+        host.stepLeft = [this](const auto&) { return step; };
+        host.openStep = [this](const auto&) { asked.emplace_back("step"); };
+        return host;
+    }
+
+    BrowserReadiness readiness{.isRunning = true};
+    std::optional<BrowserStep> step = BrowserStep{"Do this in Chromium.", "Show Folder"};
+    std::vector<std::string> asked;
+    Permissions permissions;
+    BrowserAccess access;
+};
+
+struct BrowserBand : testing::Test {
+    std::unique_ptr<ScriptedBrowsers> browsers;
+    DashboardScreen screen{
+        {.prepare = [this](WindowStage& stage) { browsers = std::make_unique<ScriptedBrowsers>(stage); }}};
+
+    void press(const char* button) {
+        screen.click(button);
+        screen.settle();
+    }
+
+    /// The browser is otherwise, as the agent tells.
+    void become(BrowserReadiness readiness) {
+        browsers->readiness = readiness;
+        browsers->access.refresh();
+        screen.settle();
+    }
+};
+
+constexpr auto bandTitle = "Track Chromium tabs";
+constexpr auto bandText =
+    "Allow Kestrio to read the active tab's title and address, so websites and YouTube videos are recorded.";
+
+TEST_F(BrowserBand, offersToAllowAndThenSaysWhatIsLeft) {
+    EXPECT_TRUE(screen.shows(bandTitle));
+    EXPECT_TRUE(screen.shows(bandText));
+    press("Allow");
+    EXPECT_EQ(browsers->asked, std::vector<std::string>{"consent"});
+    EXPECT_TRUE(screen.shows(bandTitle));
+    EXPECT_TRUE(screen.shows("Do this in Chromium."));
+    EXPECT_FALSE(screen.shows(bandText));
+    EXPECT_FALSE(screen.shows("Allow"));
+    press("Show Folder");
+    EXPECT_EQ(browsers->asked, (std::vector<std::string>{"consent", "step"}));
+    become({.isRunning = true, .isBridgeConnected = true});
+    EXPECT_FALSE(screen.shows(bandTitle));
+}
+
+TEST_F(BrowserBand, isThereWhileTheBrowserCannotBeRead) {
+    become({.isRunning = true, .isAccessibilityReadable = true});
+    EXPECT_FALSE(screen.shows(bandTitle));
+    become({.isRunning = true});
+    EXPECT_TRUE(screen.shows(bandTitle));
+}
+
+TEST_F(BrowserBand, takesItsPlaceBelowTheRangeWheneverItComes) {
+    const auto place = [this] {
+        auto* const band = screen.named(bandTitle, QAccessible::AlertMessage);
+        return band ? band->mapRectToScene(QRectF(0, 0, band->width(), band->height())) : QRectF();
+    };
+    const auto first = place();
+    auto* const range = screen.withText("Week");
+    ASSERT_NE(range, nullptr);
+    EXPECT_GT(first.top(), range->mapToScene(QPointF(0, range->height())).y());
+    become({.isRunning = true, .isBridgeConnected = true});
+    EXPECT_EQ(place(), QRectF());
+    become({.isRunning = true});
+    EXPECT_EQ(place(), first);
+}
+
+TEST_F(BrowserBand, leadsToTheSettingsWhereTheAnswerWasNo) {
+    browsers->step.reset();
+    become({.isRunning = true, .isRefused = true});
+    EXPECT_FALSE(screen.shows("Allow"));
+    press("Open Settings");
+    EXPECT_EQ(browsers->asked, std::vector<std::string>{"Privacy_Automation"});
+    EXPECT_TRUE(screen.shows(bandText));
+}
+
+TEST_F(BrowserBand, staysAwayOnceItWasDismissed) {
+    screen.click(screen.named("Dismiss", QAccessible::PushButton));
+    EXPECT_FALSE(screen.shows(bandTitle));
+    EXPECT_TRUE(screen.settings.boolean(settingKey::dismissedBrowserBanner));
+    become({.isRunning = true, .isRefused = true});
+    EXPECT_FALSE(screen.shows(bandTitle));
+    screen.tell([](AgentStatus& status) { status.isAccessibilityGranted = false; });
+    EXPECT_TRUE(screen.shows("Allow Accessibility access to see window titles"));
+    screen.settings.set(settingKey::dismissedBrowserBanner, false);
+    screen.tell([](AgentStatus& status) { status.isAccessibilityGranted = true; });
+    EXPECT_TRUE(screen.shows(bandTitle)) << "as it was changed elsewhere";
+}
+
+TEST_F(BrowserBand, isLookedAtAnewWhenTheWindowComesBackOnScreen) {
+    screen.model.setOnScreen(false);
+    browsers->readiness.isBridgeConnected = true;
+    screen.settle();
+    EXPECT_TRUE(screen.shows(bandTitle));
+    screen.model.setOnScreen(true);
+    screen.settle();
+    EXPECT_FALSE(screen.shows(bandTitle));
+}
+
+TEST_F(BrowserBand, saysNothingWhileNoAgentRuns) {
+    EXPECT_TRUE(screen.shows(bandTitle));
+    const DashboardScreen other({.prepare = [&](WindowStage& stage) {
+        stage.isAgentThere = false;
+        stage.parts.browserAccess = &browsers->access;
+    }});
+    EXPECT_FALSE(other.shows(bandTitle));
 }
 
 TEST(DashboardView, aChangeOfStoredSessionsElsewhereLoadsAnew) {

@@ -2,7 +2,7 @@
 #include "Kestrio/Views/Window/Panels/Panels.h"
 #include "Kestrio/Views/Window/Panels/SystemPanelModel.h"
 #include "Kestrio/Views/Window/Panels/TodayPanelModel.h"
-#include "Tests/Views/Window/Screen.h"
+#include "Tests/Views/Window/KeyboardWalk.h"
 #include "Tests/Views/Window/WindowStage.h"
 
 namespace kestrio {
@@ -84,7 +84,7 @@ struct TodayScreen : PanelScreen<TodayPanelModel> {
 };
 
 struct SystemScreen : PanelScreen<SystemPanelModel> {
-    SystemScreen() : PanelScreen("SystemPanel") {}
+    explicit SystemScreen(Agent presence = Agent::there) : PanelScreen("SystemPanel", recording(), presence) {}
     void read(const MonitorReading& news) {
         script.readings.emit(news);
         settle();
@@ -102,6 +102,57 @@ TEST(TodayPanelView, tellsOfTheDayAndOfThisMoment) {
     EXPECT_TRUE(screen.model->isReady());
 }
 
+TEST(TodayPanelView, theAgentsDeathIsSaidWhileItIsOpen) {
+    TodayScreen screen;
+    screen.agentDies();
+    screen.settle();
+    EXPECT_TRUE(screen.shows("Not running"));
+    EXPECT_FALSE(screen.shows("Song of the sea"));
+    EXPECT_TRUE(screen.shows("38m"));
+    screen.agentReturns();
+    screen.settle();
+    EXPECT_TRUE(screen.shows("Song of the sea"));
+    EXPECT_FALSE(screen.shows("Not running"));
+}
+
+TEST(TodayPanelView, aHistoryThatCannotBeReadIsSaid) {
+    constexpr auto gone =
+        "Your history cannot be read. The file /home/me/activity.sqlite is gone. Once it is back, your "
+        "history shows again.";
+    TodayScreen screen;
+    screen.parts.host.historyFile = "/home/me/activity.sqlite";
+    screen.trouble = DatabaseTrouble::missing;
+    screen.today.reload();
+    screen.settle();
+    EXPECT_TRUE(screen.shows(QString(gone) + " What you see was read before."));
+    EXPECT_TRUE(screen.shows("38m"));
+    screen.time.advance(Seconds(86'400));
+    screen.settle();
+    EXPECT_TRUE(screen.shows(gone)) << "of this day nothing was read";
+    EXPECT_TRUE(screen.shows("–"));
+    EXPECT_FALSE(screen.shows("0% productive"));
+    screen.trouble.reset();
+    screen.time.advance(ReportStore::retryInterval);
+    screen.settle();
+    EXPECT_FALSE(screen.shows(gone));
+    EXPECT_TRUE(screen.shows("0% productive"));
+}
+
+TEST(TodayPanelView, whatIsTooLongForItsLineIsTheHelpOfThatLine) {
+    const std::string title = "A title that goes on and on about how long it is, and then some more";
+    auto status = recording();
+    status.live->sample.title = title + " in front";
+    status.alongside.front().sample.title = title + " beside it";
+    const TodayScreen screen(status);
+    for (const auto* const where : {" in front", " beside it"}) {
+        const auto saying = screen.items(
+            [&](QQuickItem& item) { return item.property("text").toString().toStdString() == title + where; });
+        ASSERT_EQ(saying.size(), 2U) << where;
+        EXPECT_TRUE(saying[0]->property("truncated").toBool()) << where;
+        EXPECT_EQ(saying[1]->parentItem(), saying[0]) << "its help";
+    }
+}
+
 TEST(TodayPanelView, followsTheAgent) {
     TodayScreen screen;
     auto later = recording();
@@ -117,6 +168,30 @@ TEST(TodayPanelView, followsTheAgent) {
     screen.settle();
     EXPECT_TRUE(screen.shows("Red: no keyboard or mouse for 7m, so you count as away and nothing is being recorded. "
                              "Touch the keyboard or mouse and it turns green again."));
+}
+
+TEST(TodayPanelView, theDayIsKeptUpToDateWhileItShows) {
+    TodayScreen screen;
+    const auto active = [&] { return screen.model->panel().value(QStringLiteral("activeTime")).toString(); };
+    const auto after = [&](const auto& what) {
+        what();
+        screen.settle();
+        return active();
+    };
+    const auto aMinute = [&] { screen.time.advance(TodayPanelModel::refreshInterval * 6 / 5); };
+    EXPECT_EQ(active(), "38m");
+    screen.sessions.erase(screen.sessions.begin());
+    EXPECT_EQ(after(aMinute), "28m");
+    screen.sessions.clear();
+    EXPECT_EQ(after([&] { screen.script.dataChanged.emit(); }), "0s") << "deleted";
+    screen.sessions = exampleWorkday();
+    EXPECT_EQ(after([&] {
+                  screen.classification.categorizer().setAppCategory(ActivityCategory::social, "org.example.Editor");
+              }),
+              "38m");
+    screen.model->setShown(false);
+    screen.sessions.clear();
+    EXPECT_EQ(after(aMinute), "38m") << "nobody looks";
 }
 
 TEST(TodayPanelView, pausesAndResumes) {
@@ -239,6 +314,20 @@ TEST(SystemPanelView, waitsForTheFirstReading) {
     EXPECT_FALSE(screen.shows("Reading this computer…"));
 }
 
+TEST(SystemPanelView, withoutAnAgentSaysSoUntilThereIsOne) {
+    constexpr auto notRunning = "Kestrio is not running, so nothing is being read.";
+    SystemScreen screen(WindowStage::Agent::away);
+    EXPECT_TRUE(screen.model->isReady());
+    EXPECT_TRUE(screen.shows(notRunning));
+    screen.isAgentThere = true;
+    screen.time.advance(AgentLink::retryInterval);
+    screen.settle();
+    EXPECT_TRUE(screen.shows("Reading this computer…"));
+    screen.read(reading());
+    EXPECT_FALSE(screen.shows(notRunning));
+    EXPECT_TRUE(screen.shows("42%"));
+}
+
 TEST(SystemPanelView, tellsHowTheMachineIs) {
     SystemScreen screen;
     screen.read(reading());
@@ -264,6 +353,17 @@ TEST(SystemPanelView, tellsHowTheMachineIs) {
                                    "System Monitor",
                                    "Performance"})
         EXPECT_TRUE(screen.shows(text)) << text;
+}
+
+TEST(SystemPanelView, nothingOfWhatTheOptimizerHoldsIsCut) {
+    SystemScreen screen;
+    auto busy = reading();
+    busy.optimizer = OptimizerCounts{12, 11'200'000'000, 14, true};
+    screen.read(busy);
+    auto* const details = screen.withText("12 frozen (11.2 GB) · 14 on efficiency cores");
+    ASSERT_NE(details, nullptr);
+    EXPECT_FALSE(details->property("truncated").toBool());
+    EXPECT_GE(details->height(), details->implicitHeight());
 }
 
 TEST(SystemPanelView, ranksAsItsPickerSays) {
@@ -384,6 +484,43 @@ TEST(Panels, appearAllTheSameWhenNothingComes) {
     PanelsScreen screen;
     screen.panels.show({PanelKind::system, std::nullopt});
     EXPECT_TRUE(QTest::qWaitFor([&] { return screen.panels.window()->isVisible(); }));
+}
+
+TEST(TodayPanelView, isUsedByKeyboardAlone) {
+    TodayScreen screen;
+    KeyboardWalk walk(screen);
+    const auto stops = walk.stops(Qt::Key_Tab, [&] {
+        EXPECT_TRUE(walk.isRinged()) << walk.stop();
+        EXPECT_TRUE(walk.isInSight()) << walk.stop();
+        EXPECT_TRUE(walk.isLargeEnough()) << walk.stop();
+    });
+    EXPECT_EQ(stops,
+              (KeyboardWalk::Stops{"button: Dashboard", "button: Pause tracking", "button: Settings", "button: Quit"}));
+    walk.go("button: Pause tracking");
+    screen.press(Qt::Key_Space);
+    screen.settle();
+    EXPECT_EQ(screen.script.done, std::vector<std::string>{"pause"});
+    screen.press(Qt::Key_Escape);
+    EXPECT_FALSE(screen.window().isVisible());
+}
+
+TEST(SystemPanelView, isUsedByKeyboardAlone) {
+    SystemScreen screen;
+    screen.read(reading());
+    KeyboardWalk walk(screen);
+    const auto stops = walk.stops(Qt::Key_Tab, [&] {
+        EXPECT_TRUE(walk.isRinged()) << walk.stop();
+        EXPECT_TRUE(walk.isInSight()) << walk.stop();
+        EXPECT_TRUE(walk.isLargeEnough()) << walk.stop();
+    });
+    EXPECT_EQ(stops,
+              (KeyboardWalk::Stops{"choice: Memory", "button: Resume All", "button: System Monitor",
+                                   "button: Performance", "button: Settings — you can hide this tray icon there"}));
+    walk.go("choice: Memory");
+    screen.press(Qt::Key_Right);
+    EXPECT_EQ(walk.stop(), "choice: Power");
+    screen.press(Qt::Key_Escape);
+    EXPECT_FALSE(screen.window().isVisible());
 }
 
 } // namespace

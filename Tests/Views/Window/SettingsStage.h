@@ -24,7 +24,7 @@ public:
     DataSettings::Stored stored() override { return facts; }
     std::vector<NamedTotal> appTotals() override { return apps; }
     std::vector<NamedTotal> domainTotals() override { return domains; }
-    std::vector<ActivitySession> sessions(DateInterval /*interval*/) override { return history; }
+    FoundSessions sessions(DateInterval /*interval*/) override { return history; }
 };
 
 /// The time of each application or site, by what `named` makes of a session; the most first.
@@ -53,6 +53,7 @@ struct SettingsStage : WindowStage {
             {.id = "org.example.Chat", .name = "Chat"},
             {.id = "org.example.Terminal", .name = "Terminal", .protection = tindra::Protection::essential},
             {.id = "org.example.Mail", .name = "Mail"}};
+        parts.host.historyFile = "/home/robin/.local/share/Kestrio/activity.sqlite";
         parts.loginItem = &loginItem;
         parts.archive = &archiveLink;
         parts.host.systemInfo = [] { return std::string("Kestrio 1.2.3\nmacOS version 13"); };

@@ -123,7 +123,7 @@ TEST(GeneralSettingsView, everyControlWritesItsKey) {
     EXPECT_EQ(screen.settings.get<std::string>("systemMenuStyle"), "percent");
     screen.choose("Count me as idle after", "10 minutes");
     EXPECT_EQ(screen.settings.integer("idleMinutes"), 10);
-    screen.click(screen.named("Dark", QAccessible::Button));
+    screen.click("Dark");
     EXPECT_EQ(screen.settings.get<std::string>("appearanceMode"), "dark");
     screen.turn("Launch at login");
     EXPECT_TRUE(screen.loginItem.isEnabled());
@@ -221,7 +221,7 @@ TEST(OptimizationSettingsView, everyControlReachesTheOptimizerOrItsKey) {
     SettingsScreen screen("optimization");
     screen.turn("Optimize my computer");
     EXPECT_TRUE(choices(screen).isEnabled);
-    screen.click(screen.named("Focus", QAccessible::Button));
+    screen.click("Focus");
     screen.choose("Freeze after", "30 minutes unused");
     screen.choose("Freeze after (Focus)", "1 minute unused");
     screen.choose("Wake to check every", "5 minutes");
@@ -318,7 +318,7 @@ TEST(OptimizationSettingsView, theLogIsShownAndDeletedOnceThePersonAgrees) {
     file.write(QByteArray(1000, 'x'));
     file.close();
     SettingsScreen screen("general");
-    screen.parts.host.dataFolder = folder.path().toStdString();
+    screen.parts.host.historyFile = folder.filePath("activity.sqlite").toStdString();
     screen.model.select("optimization");
     screen.settle();
     EXPECT_TRUE(screen.shows("1 kB") || screen.shows("1 KB"));

@@ -45,6 +45,27 @@ TEST(TimelineView, listsTheBlocksOfADayTheNewestFirst) {
     EXPECT_TRUE(screen.shows("When you were active"));
 }
 
+TEST(TimelineView, itsTimesAreWholeInEveryLocale) {
+    struct LocalTimeline : WindowStage, Screen {
+        explicit LocalTimeline(const char* locale) : WindowStage(exampleWorkday()) {
+            calendar = Calendar(locale, "Europe/Berlin");
+            model = std::make_unique<TimelineModel>(parts);
+            model->setShown(true);
+            for (int row = model->rows()->rowCount(); row-- > 0;)
+                model->rows()->toggle(row);
+            show("Pages/Timeline.qml", {{"page", QVariant::fromValue(model.get())}});
+        }
+        ~LocalTimeline() { close(); }
+        std::unique_ptr<TimelineModel> model;
+    };
+    for (const auto* const locale : {"en_GB", "en_US", "de_DE", "ja_JP", "ar_EG", "ko_KR", "el_GR"}) {
+        const LocalTimeline screen(locale);
+        const auto cut = screen.items([](QQuickItem& item) { return item.property("truncated").toBool(); });
+        for (const auto* const text : cut)
+            ADD_FAILURE() << locale << ": " << text->property("text").toString().toStdString();
+    }
+}
+
 TEST(TimelineView, theModelKeepsItsPromises) {
     TimelineScreen screen{exampleMonth(40), RangeMode::week};
     const QAbstractItemModelTester tester(screen.model.rows(), QAbstractItemModelTester::FailureReportingMode::Fatal);

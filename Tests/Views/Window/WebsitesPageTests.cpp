@@ -62,6 +62,34 @@ TEST(WebsitesView, changesTheCategoryOfTheSite) {
               SettingDictionary());
 }
 
+TEST(WebsitesView, theCategoryMenuLeadsThereAndBack) {
+    WebsitesScreen screen;
+    screen.click("b.org");
+    EXPECT_EQ(screen.withText("Reset to Default"), nullptr);
+    screen.click("Other");
+    screen.click("Social Media");
+    screen.settle();
+    EXPECT_EQ(screen.settings.get<SettingDictionary>("domainCategoryOverrides"),
+              (SettingDictionary{{"b.org", "social"}}));
+    screen.click("Social Media"); // which the fresh report shows
+    screen.click("Reset to Default");
+    screen.settle();
+    EXPECT_EQ(screen.settings.get<SettingDictionary>("domainCategoryOverrides").value_or(SettingDictionary()),
+              SettingDictionary());
+    EXPECT_TRUE(screen.shows("Other"));
+    screen.click("Other");
+    EXPECT_FALSE(screen.shows("Reset to Default"));
+}
+
+TEST(WebsitesView, aChoiceMadeElsewhereShowsToo) {
+    WebsitesScreen screen;
+    screen.click("b.org");
+    screen.settings.set("domainCategoryOverrides", SettingDictionary{{"b.org", "learning"}});
+    screen.settle();
+    EXPECT_TRUE(screen.shows("Learning & AI"));
+    EXPECT_EQ(screen.model.selection(), "b.org");
+}
+
 TEST(WebsitesView, thousandsOfSitesMakeNoMoreRowsThanShow) {
     ReportBench bench;
     for (int i = 0; i < 5000; ++i)

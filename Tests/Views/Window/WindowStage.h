@@ -5,8 +5,8 @@
 #include "Kestrio/Base/VirtualQueue.h"
 #include "Kestrio/Platform/Testing/MemoryKeyValueStore.h"
 #include "Kestrio/Views/Window/WindowParts.h"
+#include "Tests/Link/ScriptedAgent.h"
 #include "Tests/Reports/ReportBench.h"
-#include "Tests/Views/Window/ScriptedAgent.h"
 
 namespace kestrio {
 
@@ -29,7 +29,7 @@ struct WindowStage {
         return {.clock = time,
                 .queue = main,
                 .loadingQueue = loading,
-                .sessions = [this](DateInterval) { return sessions; },
+                .sessions = [this](DateInterval) { return trouble ? FoundSessions(*trouble) : sessions; },
                 .classification =
                     [this] {
                         return Classification{classification.categorizer().snapshot(),
@@ -40,6 +40,17 @@ struct WindowStage {
     /// The present history, as a fresh report.
     void load() {
         dashboard.reload();
+        settle();
+    }
+
+    void agentDies() {
+        isAgentThere = false;
+        agentQueue.async(tellGone);
+        settle();
+    }
+    void agentReturns() {
+        isAgentThere = true;
+        time.advance(AgentLink::retryInterval);
         settle();
     }
 
@@ -55,7 +66,9 @@ struct WindowStage {
     ClassificationSettings classification{settings};
     AgentScript script;
     bool isAgentThere;
-    AgentLink agent{main, agentQueue, [this](auto) -> std::optional<AgentConnection> {
+    std::function<void()> tellGone; // that the agent which was there is not any more
+    AgentLink agent{main, agentQueue, [this](auto gone) -> std::optional<AgentConnection> {
+                        tellGone = std::move(gone);
                         if (!isAgentThere)
                             return std::nullopt;
                         AgentConnection connection;
@@ -64,6 +77,7 @@ struct WindowStage {
                         return connection;
                     }};
     std::vector<ActivitySession> sessions;
+    std::optional<DatabaseTrouble> trouble; // why they cannot be read
     ReportStore dashboard;
     ReportStore today;
     WindowParts parts{.clock = time,

@@ -19,9 +19,6 @@ Item {
     }
 
     ScrollPane {
-        id: pane
-
-        activeFocusOnTab: true
         anchors.fill: parent
         visible: !empty.visible
 
@@ -41,6 +38,9 @@ Item {
 
                 accessory: [
                     FilterField {
+                        Layout.fillWidth: true
+                        Layout.maximumWidth: implicitWidth
+                        Layout.minimumWidth: Theme.scaled(110)
                         text: view.page.filter
 
                         onTextChanged: view.page.filter = text
@@ -93,12 +93,6 @@ Item {
                 value: view.page.searches ?? ({})
                 visible: view.page.searches !== undefined
             }
-        }
-
-        FocusRing {
-            anchors.margins: 2
-            parent: pane
-            shown: pane.activeFocus
         }
     }
 }

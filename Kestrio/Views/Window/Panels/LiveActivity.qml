@@ -92,14 +92,21 @@ ColumnLayout {
             }
 
             Line {
+                id: words
+
                 Accessible.ignored: true
                 Layout.fillWidth: true
                 color: Theme.textSecondary
                 font: Theme.small
                 text: line.row.title !== "" ? line.row.title : line.row.appName
+
+                Help {
+                    text: words.truncated ? words.text : ""
+                }
             }
 
             AlongsideBadge {
+                Accessible.ignored: true
                 value: line.row.badge ?? ({})
                 visible: line.row.badge !== undefined
             }

@@ -53,6 +53,7 @@ Panels::~Panels() {
 void Panels::show(const PanelRequest& request) {
     const bool isOpen = window_ && kind_ == request.kind;
     const bool isSameClick = wasClosedByThisClick(request.kind);
+    const QEventLoopLocker untilTheOtherIsOpen;
     close();
     if (!isOpen && !isSameClick)
         open(request);

@@ -9,9 +9,14 @@ SystemPanelModel::SystemPanelModel(const PanelParts& parts) : PanelModel(parts) 
     refresh();
 }
 
+MonitorSource SystemPanelModel::source() const {
+    const bool isAbsent = parts().window.agent.presence().value() == AgentLink::Presence::absent;
+    return isAbsent ? MonitorSource::missing : MonitorSource::running;
+}
+
 bool SystemPanelModel::isReady() const {
     const bool hasReading = reading_ && reading_->state.snapshot;
-    return hasReading || parts().window.agent.presence().value() == AgentLink::Presence::absent;
+    return hasReading || source() == MonitorSource::missing;
 }
 
 void SystemPanelModel::setShown(bool isShown) {
@@ -19,7 +24,10 @@ void SystemPanelModel::setShown(bool isShown) {
     if (!isShown)
         return;
     auto& agent = parts().window.agent;
-    tokens_.push_back(agent.presence().observe([this](auto) { Q_EMIT changed(); }));
+    tokens_.push_back(agent.presence().observe([this](auto) {
+        reading_.reset(); // of another agent
+        refresh();
+    }));
     // Readings arrive on the link's own queue.
     const auto take = [weak = std::weak_ptr(self_), &main = parts().window.queue](const MonitorReading& reading) {
         main.async([weak, reading] {
@@ -44,7 +52,7 @@ void SystemPanelModel::accept(const MonitorReading& reading) {
 void SystemPanelModel::refresh() {
     const auto app =
         parts().window.host.openActivityMonitor ? ActivityMonitorApp::installed : ActivityMonitorApp::missing;
-    setPanel(toVariant(systemMonitorView(reading_, mode_, app, parts().window.calendar)));
+    setPanel(toVariant(systemMonitorView(reading_, source(), mode_, app, parts().window.calendar)));
 }
 
 void SystemPanelModel::rankBy(const QString& mode) {

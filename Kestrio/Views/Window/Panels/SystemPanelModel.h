@@ -26,6 +26,7 @@ public:
     Q_INVOKABLE void perform(const QString& action);
 
 private:
+    MonitorSource source() const;
     void accept(const MonitorReading& reading);
     void refresh();
 

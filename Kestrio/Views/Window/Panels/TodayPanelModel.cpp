@@ -27,17 +27,28 @@ void TodayPanelModel::setShown(bool isShown) {
     tokens_.clear();
     if (!isShown)
         return;
+    followDay();
     const auto look = [this](const auto&) { refresh(); };
-    tokens_.push_back(today.report().observe(look));
+    tokens_.push_back(parts().window.agent.status().observe(look));
+    tokens_.push_back(parts().window.agent.presence().observe(look));
+    tokens_.push_back(parts().window.settings.observe(look));
+    tokens_.push_back(today.trouble().observe(look));
+    today.reload();
+    refresh();
+}
+
+void TodayPanelModel::followDay() {
+    auto& window = parts().window;
+    auto& today = window.today;
+    tokens_.push_back(today.report().observe([this](const auto&) { refresh(); }));
     tokens_.push_back(today.isLoading().observe([this](bool isLoading) {
         wasRead_ = wasRead_ || !isLoading;
         Q_EMIT changed();
     }));
-    tokens_.push_back(parts().window.agent.status().observe(look));
-    tokens_.push_back(parts().window.agent.presence().observe(look));
-    tokens_.push_back(parts().window.settings.observe(look));
-    today.reload();
-    refresh();
+    const auto reload = [&today] { today.reload(); };
+    tokens_.push_back(window.queue.every({.interval = refreshInterval, .tolerance = refreshInterval / 5}, reload));
+    tokens_.push_back(window.agent.observeData(reload));
+    tokens_.push_back(window.classification.categorizer().observe(reload));
 }
 
 void TodayPanelModel::refresh() {
@@ -48,6 +59,11 @@ void TodayPanelModel::refresh() {
                      .idleLimit = idleLimit(window.settings),
                      .thumbnails =
                          window.settings.boolean(settingKey::showYouTubeThumbnails) ? Thumbnails::on : Thumbnails::off};
+    if (const auto& trouble = window.today.trouble().value()) {
+        const bool isEmpty = window.today.report().value().sessions.empty();
+        state.historyNotice = historyNotice(*trouble, window.host.historyFile.string(),
+                                            isEmpty ? HistoryShown::nothing : HistoryShown::earlier);
+    }
     if (status) {
         state.state = status->state;
         state.pausedUntil = status->pausedUntil;

@@ -11,6 +11,9 @@ class TodayPanelModel final : public kestrio::PanelModel {
     QML_UNCREATABLE("Made with its panel.")
 
 public:
+    /// How often the day is loaded again while the panel shows.
+    static constexpr Seconds refreshInterval{60.0};
+
     explicit TodayPanelModel(const PanelParts& parts);
 
     /// Once the agent was looked for and the day was read.
@@ -26,6 +29,8 @@ public:
     Q_INVOKABLE void quit();
 
 private:
+    /// Keeps the report of the day up to date.
+    void followDay();
     void refresh();
 
     bool wasRead_ = false; // the day, since the panel was shown

@@ -78,7 +78,7 @@ void DataSettingsModel::set(const std::string& row, const SettingValue& value) {
 void DataSettingsModel::press(const QString& row, int button) {
     const auto id = row.toStdString();
     if (id == DataSettings::location)
-        parts().host.showInFiles(parts().host.dataFolder / Database::fileName);
+        parts().host.showInFiles(parts().host.historyFile);
     else if (id == DataSettings::exportFile)
         Q_EMIT exportWanted();
     else if (id == DataSettings::importFiles)
@@ -108,7 +108,11 @@ void DataSettingsModel::exportTo(const QUrl& file) {
          rules = Classification{classification.categorizer().snapshot(), classification.projectRules().rules()}](
             ActivityArchive& archive) {
             const auto span = interval(range, now, archive.stored().since, calendar);
-            return writeSessions(exportedSessions(archive.sessions(span), span, calendar, rules), calendar, path);
+            auto found = archive.sessions(span);
+            auto* const sessions = std::get_if<std::vector<ActivitySession>>(&found);
+            return sessions
+                       ? writeSessions(exportedSessions(std::move(*sessions), span, calendar, rules), calendar, path)
+                       : ExportOutcome("The history can't be read");
         },
         [this, path](const ExportOutcome& outcome) {
             const auto name = QFileInfo(path).fileName().toStdString();

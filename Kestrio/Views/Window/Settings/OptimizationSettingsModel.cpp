@@ -49,7 +49,7 @@ bool OptimizationSettingsModel::isReachable() const {
 SettingsFormModel::Sections OptimizationSettingsModel::currentSections() const {
     using namespace OptimizationSettings;
     const auto known = apps();
-    const auto bytes = databaseFileSize(parts().host.dataFolder / resourceLogName);
+    const auto bytes = databaseFileSize(logFile());
     Sections all{.above = {mainSwitch(choices_), behaviour(choices_.tuning), eachApp(known, choices_.rules)},
                  .below = {OptimizationSettings::neverTouch(known, choices_.rules), alerts(parts().settings),
                            log(parts().settings, bytes > 0 ? std::optional<std::uint64_t>(bytes) : std::nullopt,
@@ -166,12 +166,16 @@ void OptimizationSettingsModel::lookAtAll() {
 void OptimizationSettingsModel::press(const QString& row, int button) {
     const auto id = row.toStdString();
     if (id == OptimizationSettings::logFile && button == OptimizationSettings::showLogButton)
-        return parts().host.showInFiles(parts().host.dataFolder / OptimizationSettings::resourceLogName);
+        return parts().host.showInFiles(logFile());
     if (id == OptimizationSettings::logFile)
         return ask(OptimizationSettings::deleteLogQuestion(), [this] { deleteLog(); });
     auto rules = choices_.rules;
     if (rules.neverTouch.erase(id) > 0)
         setRules(std::move(rules));
+}
+
+std::filesystem::path OptimizationSettingsModel::logFile() const {
+    return parts().host.historyFile.parent_path() / OptimizationSettings::resourceLogName;
 }
 
 void OptimizationSettingsModel::deleteLog() {

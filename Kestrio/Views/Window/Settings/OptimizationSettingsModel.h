@@ -73,6 +73,7 @@ private:
     void readApps();
     void readNames();
     void lookAtAll();
+    std::filesystem::path logFile() const;
     void deleteLog();
 
     OptimizerChoices choices_;

@@ -11,12 +11,14 @@ struct AgentScript {
     AgentStatus status;
     std::vector<std::string> done; // what it was asked to do, in words
     Background::Failure failure;   // of every action
+    std::optional<std::vector<BrowserReading>> browsers = std::vector<BrowserReading>();
+    Signal<> browserChanges;
     Signal<AgentStatus> changed;
+    Signal<> dataChanged;
     Signal<MonitorReading> readings;
     OptimizerLink* optimizer = nullptr;
     std::vector<std::string> importedFiles; // by name
     ImportOutcome importOutcome = ImportStopped{};
-    Signal<> dataChanged;
 
     void tell(AgentStatus news) {
         status = std::move(news);
@@ -51,7 +53,10 @@ public:
     Subscription observeData(std::function<void()> receiver) override {
         return script_.dataChanged.subscribe(std::move(receiver));
     }
-    std::optional<std::vector<BrowserReading>> browsers() override { return std::vector<BrowserReading>(); }
+    std::optional<std::vector<BrowserReading>> browsers() override { return script_.browsers; }
+    Subscription observeBrowsers(std::function<void()> receiver) override {
+        return script_.browserChanges.subscribe(std::move(receiver));
+    }
     std::optional<AgentCost> ownCost() override { return AgentCost(); }
     Subscription observe(std::function<void(const AgentStatus&)> receiver) override {
         return script_.changed.subscribe(std::move(receiver));
