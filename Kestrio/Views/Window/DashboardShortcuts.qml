@@ -90,6 +90,12 @@ Item {
     }
 
     Shortcut {
+        sequence: "Ctrl+,"
+
+        onActivated: shortcuts.model.openSettings()
+    }
+
+    Shortcut {
         sequence: "Ctrl+W"
 
         onActivated: shortcuts.closeRequested()
