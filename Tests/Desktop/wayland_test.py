@@ -96,7 +96,8 @@ class Wayland(DesktopTest):
         self.assertEqual(window.wait(timeout=DEADLINE), 0)
         self.assertEqual(window.stderr.read(), "")
 
-    def escape(self):
+    def escape(self, title):
+        eventually(lambda: self.window(title)["focused"], f"{title} has the keyboard")
         subprocess.run(["wtype", "-k", "Escape"], env=self.compositor, check=True, timeout=DEADLINE)
 
     def test_the_dashboard_has_its_name_and_application_and_draws(self):
@@ -131,7 +132,7 @@ class Wayland(DesktopTest):
                 shown = self.window(title)
                 self.assertEqual((shown["type"], shown["app_id"]), ("floating_con", "kestrio"))
                 self.assertEqual(shown["geometry"]["width"], 348)
-                self.escape()
+                self.escape(title)
                 self.ended_well(window)
 
     def test_a_panel_goes_when_another_window_is_brought_forward(self):
@@ -153,7 +154,7 @@ class Wayland(DesktopTest):
         shown = self.window("Today")
         self.assertEqual(shown["geometry"]["width"], 348)
         eventually(lambda: self.colours() > 50, "the panel is drawn")
-        self.escape()
+        self.escape("Today")
         self.ended_well(window)
 
 
