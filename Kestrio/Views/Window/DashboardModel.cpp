@@ -78,15 +78,9 @@ DashboardModel::DashboardModel(const WindowParts& parts) : parts_(parts), showsN
             lookAtAgent();
     }));
     if (parts.browserAccess) {
-<<<<<<< HEAD
         const auto accessChanged = [this](const auto&) { lookAtPermissions(); };
         tokens_.push_back(parts.browserAccess->permissions().observe(accessChanged));
         tokens_.push_back(parts.browserAccess->stepsLeft().observe(accessChanged));
-=======
-        const auto lookAtAccess = [this](const auto&) { lookAtPermissions(); };
-        tokens_.push_back(parts.browserAccess->permissions().observe(lookAtAccess));
-        tokens_.push_back(parts.browserAccess->stepsLeft().observe(lookAtAccess));
->>>>>>> wt-keys
     }
 }
 
