@@ -5,8 +5,8 @@ import dbus
 from kestrio_desktop import eventually
 
 ROLES = {
-    "alert": 2, "dialog": 16, "heading": 83, "label": 29, "list": 31, "list item": 32, "menu item": 35, "panel": 39,
-    "push button": 43, "radio button": 44,
+    "alert": 2, "check box": 7, "dialog": 16, "heading": 83, "label": 29, "list": 31, "list item": 32, "menu item": 35,
+    "panel": 39, "push button": 43, "radio button": 44,
 }
 FOCUSABLE, FOCUSED, VISIBLE = 11, 12, 30  # among the states
 WINDOW = 1  # among the origins of places
@@ -139,6 +139,10 @@ class Screen:
             return thing and (thing.role_name(), thing.name)
         except dbus.DBusException:
             return None
+
+    def focused_path(self):
+        thing = self.focus()
+        return thing and str(thing.path)
 
     def focused_description(self):
         thing = self.focus()
