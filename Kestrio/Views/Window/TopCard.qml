@@ -33,9 +33,9 @@ Card {
         visible: text !== ""
     }
 
-    ColumnLayout {
+    // Not a layout: one of Qt 6.4 may ask a row for its size that is gone already.
+    Column {
         Layout.fillWidth: true
-        spacing: 0
 
         Repeater {
             model: RowsModel {
