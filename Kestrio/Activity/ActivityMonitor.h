@@ -86,9 +86,9 @@ public:
         std::vector<LiveActivity> alongside; // all watching before all listening, the oldest first
         TrackingState state = TrackingState::tracking;
         std::optional<Date> pausedUntil;
-        std::size_t unsaved = 0; // closed sessions that wait for the store to take them
-        bool windowTitlesGranted = false;
-        std::uint64_t pausesTaken = 0; // how many calls of `pause` this already reckons with
+        std::size_t unsaved = 0;         // closed sessions that wait for the store to take them
+        bool windowTitlesGranted = true; // nobody misses them before the first look
+        std::uint64_t pausesTaken = 0;   // how many calls of `pause` this already reckons with
 
         friend bool operator==(const Published&, const Published&) = default;
     };
@@ -107,6 +107,10 @@ public:
 
     /// Pauses until a date, which closes the session at once; an absent one resumes. Does not wait.
     void pause(std::optional<Date> until);
+
+    /// Closes every session, runs the work, which may delete all that is stored, and begins anew. What the store could
+    /// not take so far is forgotten. Does not wait.
+    void beginAnew(std::function<void()> work);
 
     /// The stored sessions that reach into the interval, joined with the open ones up to their last tick. Open ones
     /// without a row have negative identifiers and follow the stored ones, out of the order of starts. Waits; must not

@@ -14,7 +14,7 @@
 namespace kestrio {
 
 /// The sizes in which bars want icons, in pixels; the small ones are drawn for their pixels, not scaled.
-inline constexpr std::array traySizes{22, 24, 32, 48, 64};
+inline constexpr std::array traySizes{16, 22, 24, 32, 48, 64};
 
 /// In one size; the label's figure is no more than two digits and "%", or "100%".
 TrayPixmap trayPixmap(const MenuBarLabel& label, int side);

@@ -52,6 +52,12 @@ struct ChartNote {
     static constexpr auto symbol = "info.circle";
 };
 
+/// A row that shows what it consists of, or does not, for those who do not see it.
+struct Disclosure {
+    static constexpr auto opened = "expanded";
+    static constexpr auto closed = "collapsed";
+};
+
 /// One figure. Cards stand in a grid of cells at least so many points wide.
 struct StatCard {
     static constexpr double leastWidth = 148;

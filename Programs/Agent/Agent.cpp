@@ -4,12 +4,10 @@
 #include "Kestrio/Base/Log.h"
 #include "Kestrio/Base/Mistake.h"
 #include "Kestrio/Classification/TextTools.h"
-#include "Kestrio/Link/BackgroundClient.h"
 #include "Kestrio/Link/BackgroundService.h"
 #include "Kestrio/Link/LocalBackground.h"
 #include "Kestrio/Pages/StateWords.h"
 #include "Kestrio/Platform/Linux/AutostartLoginItem.h"
-#include "Kestrio/Platform/Linux/BusAddress.h"
 #include "Kestrio/Platform/Linux/BusConnection.h"
 #include "Kestrio/Platform/Linux/FileKeyValueStore.h"
 #include "Kestrio/Platform/Linux/SingleInstance.h"
@@ -115,6 +113,8 @@ public:
                 .openWindow = [this](const WindowRequest& request) { return windows_->show(request); },
                 .importFiles = [this](auto files,
                                       auto receiver) { return importFiles(std::move(files), std::move(receiver)); },
+                .deleteActivity = [this](auto before, auto deleted) { deleteActivity(before, std::move(deleted)); },
+                .deleteResourceLog = [this] { resources_->deleteLog(); },
                 .browsers = [this] { return browserReadings(); },
                 .observeBrowsers = [this](auto receiver) { return browserChanges_.subscribe(std::move(receiver)); },
                 .observeMonitor = [this](auto receiver) { return systemMonitor_->observe(std::move(receiver)); },
@@ -183,15 +183,16 @@ private:
         const auto process = std::get<SingleInstance::Taken>(answer).processIdentifier;
         say("Kestrio is already running" + (process ? " (process " + std::to_string(*process) + ")." : "."));
         if (!options_.isLoginItem && !options_.onChange)
-            showRunningAgent();
+            showDashboard();
         return 0;
     }
 
-    static void showRunningAgent() {
-        const auto said = BusConnection::address(BusConnection::Bus::session);
-        const auto address = said ? answeringBus(*said, BusConnection::callDeadline) : std::nullopt;
-        const auto running = address ? BackgroundClient::connect(*address) : nullptr;
-        if (const auto failure = running ? running->openDashboard(std::nullopt) : std::nullopt)
+    /// Not by the copy that runs: the screen to show it on and the desktop's leave to take the front are this one's.
+    void showDashboard() {
+        const auto bus = BusConnection::open(main_, BusConnection::Bus::session);
+        WindowLauncher windows({main_, bus.get(), ownProgram().parent_path() / "kestrio-window", processEnvironment});
+        const auto token = processEnvironment("XDG_ACTIVATION_TOKEN").value_or("");
+        if (const auto failure = windows.show(DashboardRequest(), token))
             say(*failure);
     }
 
@@ -346,6 +347,20 @@ private:
             malloc_trim(0); // a large file took much for a moment
         };
         return import_->start(std::move(files), std::move(receiver));
+    }
+
+    void deleteActivity(std::optional<Date> before, std::function<void()> deleted) {
+        const auto erase = [this, before, deleted = std::move(deleted)] {
+            if (before)
+                database_->deleteSessions(*before);
+            else
+                database_->deleteAll();
+            main_.async(deleted);
+        };
+        if (before)
+            monitorQueue_.async(erase);
+        else
+            monitor_->beginAnew(erase);
     }
 
     /// The path without promise of time: what is open is saved first.

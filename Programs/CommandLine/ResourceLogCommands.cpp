@@ -20,7 +20,6 @@
 #include <limits>
 #include <map>
 #include <nlohmann/json.hpp>
-#include <ranges>
 
 namespace kestrio {
 namespace {
@@ -308,11 +307,13 @@ int why(const std::optional<std::string>& at) {
     return withLog(places, [&](ResourceStore& store) {
         auto log = logAround(*moment, store);
         log.otherNames = namesAround(*moment, places);
+        const auto seen = slowness(log);
         std::vector<std::string> names;
         std::ranges::transform(log.apps, std::back_inserter(names), &AppMinute::name);
-        std::ranges::copy(log.otherNames | std::views::values, std::back_inserter(names));
+        if (seen.front)
+            names.push_back(*seen.front);
         std::string told;
-        for (const auto& sentence : sentences(slowness(log), calendar))
+        for (const auto& sentence : sentences(seen, calendar))
             told += hostWords(sentence, names) + "\n";
         print(text::withoutInvisibleMarks(told));
         return done;

@@ -4,8 +4,12 @@ import dbus
 
 from kestrio_desktop import eventually
 
-ROLES = {"dialog": 16, "heading": 83, "label": 29, "list item": 32, "push button": 43, "radio button": 44}
-VISIBLE = 30  # among the states
+ROLES = {
+    "alert": 2, "check box": 7, "dialog": 16, "heading": 83, "label": 29, "list": 31, "list item": 32, "menu item": 35,
+    "panel": 39, "push button": 43, "radio button": 44,
+}
+FOCUSABLE, FOCUSED, VISIBLE = 11, 12, 30  # among the states
+WINDOW = 1  # among the origins of places
 NOTHING = "/org/a11y/atspi/null"
 
 
@@ -26,10 +30,25 @@ class Thing:
     def role(self):
         return int(self.object.GetRole(dbus_interface="org.a11y.atspi.Accessible"))
 
-    def is_visible(self):
-        """Whether it is meant to be seen, be it scrolled out of sight; hidden things are named as well."""
+    def role_name(self):
+        return str(self.object.GetRoleName(dbus_interface="org.a11y.atspi.Accessible"))
+
+    def has(self, state):
         low, _ = self.object.GetState(dbus_interface="org.a11y.atspi.Accessible")
-        return bool(low & 1 << VISIBLE)
+        return bool(low & 1 << state)
+
+    def is_visible(self):
+        """Whether it is in sight; hidden things are named as well."""
+        return self.has(VISIBLE)
+
+    def is_focusable(self):
+        return self.has(FOCUSABLE)
+
+    def actions(self):
+        try:
+            return [str(name) for name, _, _ in self.object.GetActions(dbus_interface="org.a11y.atspi.Action")]
+        except dbus.DBusException:
+            return []  # it has none of that kind
 
     def children(self):
         found = self.object.GetChildren(dbus_interface="org.a11y.atspi.Accessible")
@@ -42,6 +61,11 @@ class Thing:
                 yield from child.all()
             except dbus.DBusException:
                 continue  # it went meanwhile
+
+    def place(self):
+        """Left and upper edge in the window, width and height."""
+        sides = self.object.GetExtents(WINDOW, dbus_interface="org.a11y.atspi.Component", signature="u")
+        return [int(side) for side in sides]
 
     def press(self):
         actions = self.object.GetActions(dbus_interface="org.a11y.atspi.Action")
@@ -79,6 +103,50 @@ class Screen:
             except dbus.DBusException:
                 continue
         return None
+
+    def visible(self):
+        """Everything that shows, each with what it stands in."""
+        for thing in self.everything():
+            if thing.role_name() == "frame":
+                yield from self.visible_in(thing)
+
+    def visible_in(self, parent):
+        for thing in parent.children():
+            try:
+                if thing.is_visible():
+                    yield thing, parent
+                yield from self.visible_in(thing)
+            except dbus.DBusException:
+                continue  # it went meanwhile
+
+    def rows_of(self, name):
+        """The names of the rows in sight of a list."""
+        found = self.find(name, "list")
+        return [row.name for row in found.children() if row.is_visible()] if found else []
+
+    def focus(self):
+        """What has the keyboard, the innermost. None when nothing has it."""
+        innermost = None
+        for thing, _ in self.visible():
+            if thing.has(FOCUSED):
+                innermost = thing
+        return innermost
+
+    def focused(self):
+        """Its role and name, None when nothing has the keyboard."""
+        try:
+            thing = self.focus()
+            return thing and (thing.role_name(), thing.name)
+        except dbus.DBusException:
+            return None
+
+    def focused_path(self):
+        thing = self.focus()
+        return thing and str(thing.path)
+
+    def focused_description(self):
+        thing = self.focus()
+        return thing and str(thing.ask("Description"))
 
     def shown(self, name, role=None):
         return eventually(lambda: self.find(name, role), f"{name} shows")

@@ -7,6 +7,8 @@ import shutil
 import subprocess
 import unittest
 
+import dbus
+
 from accessible import Screen
 from kestrio_desktop import BIN, DesktopTest, eventually, main
 from stage import BROWSERS, Site
@@ -76,6 +78,7 @@ class BrowserAccess:
             "XDG_CONFIG_HOME": self.browser.environment["XDG_CONFIG_HOME"],
             "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
             "LC_ALL": "C.UTF-8",
+            "PATH": f"{self.home.path / 'stand-ins'}:{self.home.environment['PATH']}",
         }
         window = subprocess.Popen([BIN / "kestrio-window"], env=environment, stderr=subprocess.PIPE, text=True)
         self.started.append(window)
@@ -90,6 +93,11 @@ class BrowserAccess:
         """What the band says below its title."""
         return str(self.screen.shown(self.title).ask("Description"))
 
+    def stands_below_the_range(self):
+        left, top, width, _ = self.screen.shown(self.title, "alert").place()
+        range_left, range_top, range_width, range_height = self.screen.shown("Month").place()
+        return top > range_top + range_height and left < range_left and left + width > range_left + range_width
+
     def goes(self):
         eventually(lambda: self.screen.find(self.title) is None, "the band goes", RETRY)
 
@@ -97,7 +105,7 @@ class BrowserAccess:
         agent = self.start_agent()
         browser = self.start_browser()
         window = self.start_window()
-        self.screen.shown(self.title)
+        eventually(self.stands_below_the_range, "the band has its place")
         self.screen.press("Allow", "push button")
         eventually(self.manifest.exists, "the manifest is there")
         self.assertEqual(json.loads(self.manifest.read_text())["path"], str(BIN / "kestrio-tabs"))
@@ -146,6 +154,44 @@ class BrowserAccess:
         self.assertFalse(self.found()["connected"])
         self.ended_well(window)
 
+    def test_what_is_left_to_the_person_is_said_and_led_to(self):
+        self.browser.sources = ()
+        self.forget_extension()
+        opener = self.home.path / "stand-ins" / "xdg-open"
+        opener.parent.mkdir()
+        opener.write_text(f'#!/bin/sh\necho "$@" > "{self.opened}"\n')
+        opener.chmod(0o700)
+        self.start_agent()
+        self.start_browser()
+        window = self.start_window()
+        self.screen.press("Allow", "push button")
+        self.screen.shown(self.STEP_BUTTON, "push button")
+        self.assertTrue(self.said().startswith(f"{self.NAME} may now tell of its tabs, and one step is left to you. Open "))
+        self.assertIn(str(BIN.parent / "extension"), self.said())
+        self.screen.press(self.STEP_BUTTON, "push button")
+        eventually(self.is_led_there, "the place for it opens")
+        self.ended_well(window)
+
+    def forget_extension(self):
+        pass
+
+    @property
+    def opened(self):
+        return self.home.path / "opened"
+
+    def test_without_a_window_system_the_running_browser_is_known_by_its_process(self):
+        self.home.environment.pop("DISPLAY")
+        self.start_agent()
+        bus = dbus.bus.BusConnection(dbus.bus.BusConnection.TYPE_SESSION)
+        self.addCleanup(bus.close)
+        agent = bus.get_object("dev.haldorvinter.Kestrio", "/dev/haldorvinter/Kestrio", introspect=False)
+
+        def told():
+            return [str(each[0]) for each in agent.Browsers(dbus_interface="dev.haldorvinter.Kestrio")]
+
+        self.start_browser()
+        eventually(lambda: self.browser.ID in told(), "it runs")
+
     def test_where_the_manifest_cannot_be_written_the_band_says_so_and_goes_on_by_itself(self):
         shutil.rmtree(self.manifest.parent, ignore_errors=True)
         self.manifest.parent.parent.mkdir(parents=True, exist_ok=True)
@@ -164,11 +210,22 @@ class BrowserAccess:
 class AccessToChromium(BrowserAccess, DesktopTest):
     BROWSER, NAME, WINDOW_CLASS = "chromium", "Chromium", "Chromium"
     FOLDER = "config/chromium/NativeMessagingHosts"
+    STEP_BUTTON = "Show Folder"
+
+    def is_led_there(self):
+        return self.opened.exists() and self.opened.read_text() == f"{BIN.parent / 'extension'}\n"
 
 
 class AccessToFirefox(BrowserAccess, DesktopTest):
     BROWSER, NAME, WINDOW_CLASS = "firefox", "Firefox", "firefox-esr"
     FOLDER = "config/mozilla/native-messaging-hosts"
+    STEP_BUTTON = "Open Settings"
+
+    def forget_extension(self):
+        shutil.rmtree(self.browser.profile / "extensions")
+
+    def is_led_there(self):
+        return self.xdotool("search", "--onlyvisible", "--name", "Debugging")
 
 
 if __name__ == "__main__":

@@ -65,6 +65,16 @@ class Panels(PanelTest):
         self.xdotool("key", "Escape")
         self.ended_well(window)
 
+    def test_who_glances_at_a_panel_still_uses_what_was_in_front(self):
+        window = self.start_panel("today")
+        eventually(lambda: self.window_named("Today"), "the panel is in front")
+        self.screen.shown("XTerm", "label")
+        time.sleep(2 * TICK)
+        self.assertEqual(self.home.status()["live"]["sample"]["title"], "chapter one")
+        self.xdotool("key", "Escape")
+        self.ended_well(window)
+        self.assertNotIn("Today", {row["title"] for row in self.home.rows()})
+
     def test_the_panel_of_the_system_says_how_the_machine_is(self):
         window = self.start_panel("system")
         self.screen.shown("System", "heading")

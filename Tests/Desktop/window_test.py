@@ -64,6 +64,27 @@ class Window(DesktopTest):
         self.assertLessEqual(int(geometry["WIDTH"]), screen[0])
         self.assertLess(int(geometry["HEIGHT"]), screen[1])
 
+    def test_the_first_run_of_all_brings_the_dashboard_to_the_front(self):
+        self.home.control("settings", "set", "hasOnboarded", "false")
+        self.start_agent()
+        eventually(lambda: self.window_named("Kestrio"), "the dashboard is in front")
+
+    def test_however_it_is_asked_for_a_dashboard_comes_back_from_the_taskbar(self):
+        self.start_agent()
+        self.start_window()
+        ways = {
+            "the command line": [BIN / "kestrioctl", "open"],
+            "a start by hand": [BIN / "kestrio"],
+            "the desktop entry of the windows": [BIN / "kestrio-window"],
+        }
+        for way, command in ways.items():
+            dashboard = eventually(lambda: self.window_named("Kestrio"), "the dashboard is in front")
+            self.xdotool("windowminimize", dashboard)
+            eventually(lambda: not self.window_named("Kestrio"), "it is put away")
+            self.bring(self.open_window(f"before {way}"))
+            subprocess.run(command, env=self.home.environment, capture_output=True, timeout=30, check=True)
+            self.assertEqual(eventually(lambda: self.window_named("Kestrio"), f"{way} brings it back"), dashboard)
+
     def test_a_second_window_hands_its_request_over_and_ends(self):
         self.bring(self.open_window("chapter one"))
         self.start_agent()
@@ -92,6 +113,17 @@ class Window(DesktopTest):
         rows = [row for row in self.home.rows() if row["title"] == "chapter one"]
         self.assertTrue(rows)
         self.assertGreater(rows[-1]["end"] - rows[-1]["start"], 3 * TICK)
+
+    def test_the_band_that_tells_of_a_missing_agent_stands_below_the_head_of_the_page(self):
+        self.start_window()
+        band = self.screen.shown("Kestrio is not running")
+        head = self.screen.shown("Today", "heading")
+
+        def is_below():
+            _, top, _, height = head.place()
+            return band.place()[1] >= top + height
+
+        eventually(is_below, "the band stands below the head")
 
     def test_without_an_agent_the_window_starts_one(self):
         window = self.start_window()

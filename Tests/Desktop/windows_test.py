@@ -70,7 +70,17 @@ class OpeningWindows(DesktopTest):
             agent.stderr.read(), f"kestrio: the windows of Kestrio are not installed: there is no {self.window}\n"
         )
 
-    def test_a_second_start_asks_the_running_agent_to_open_it(self):
+    def test_a_second_start_passes_on_the_desktops_leave_to_take_the_front(self):
+        self.window.write_text(f'#!/bin/sh\necho "$@ $XDG_ACTIVATION_TOKEN" >> {self.starts}\n')
+        agent = self.run_agent("--login")
+        subprocess.run(
+            [self.programs / "kestrio"], env=self.home.environment | {"XDG_ACTIVATION_TOKEN": "leave"},
+            capture_output=True, timeout=DEADLINE, check=True,
+        )
+        eventually(lambda: self.opened() == ["dashboard leave"], "the dashboard opens")
+        self.stop(agent)
+
+    def test_a_second_start_opens_it(self):
         agent = self.run_agent("--login")
         subprocess.run(
             [self.programs / "kestrio"], env=self.home.environment, capture_output=True, timeout=DEADLINE, check=True

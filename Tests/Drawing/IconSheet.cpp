@@ -102,13 +102,15 @@ int main(int argc, char** argv) {
         sheet.band(top, 430, top == 0 ? lightBar : darkBar);
         int left = 16;
         for (const auto& icon : icons) {
-            sheet.put(icon[0], left, top + 10, 1); // 22, as it is
-            sheet.put(icon[1], left + 30, top + 10, 1);
-            sheet.put(icon[2], left + 60, top + 8, 1);
-            sheet.put(icon[0], left, top + 50, zoom);
-            sheet.put(icon[1], left, top + 150, zoom - 1);
-            sheet.put(icon[2], left, top + 236, 2);
-            sheet.put(icon[4], left, top + 320, 1);
+            sheet.put(icon[1], left, top + 10, 1); // 22, as it is
+            sheet.put(icon[2], left + 30, top + 10, 1);
+            sheet.put(icon[3], left + 60, top + 8, 1);
+            sheet.put(icon[1], left, top + 50, zoom);
+            sheet.put(icon[2], left, top + 150, zoom - 1);
+            sheet.put(icon[3], left, top + 236, 2);
+            sheet.put(icon[5], left, top + 320, 1);
+            sheet.put(icon[0], left + 70, top + 320, 1); // 16, as it is, and enlarged
+            sheet.put(icon[0], left + 68, top + 344, 2);
             left += cell;
         }
     }

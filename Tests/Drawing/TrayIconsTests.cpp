@@ -68,7 +68,7 @@ TEST(TrayIcon, comesInEverySize) {
         sides.push_back(pixmap.side);
         EXPECT_EQ(pixmap.pixels.size(), static_cast<std::size_t>(pixmap.side * pixmap.side));
     }
-    EXPECT_EQ(sides, (std::vector<int>{22, 24, 32, 48, 64}));
+    EXPECT_EQ(sides, (std::vector<int>{16, 22, 24, 32, 48, 64}));
 }
 
 TEST(TrayIcon, bringsAGroundOfItsOwnWithRoundCorners) {

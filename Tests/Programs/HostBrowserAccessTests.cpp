@@ -1,7 +1,7 @@
 #include "Kestrio/Base/VirtualQueue.h"
 #include "Programs/Window/HostBrowserAccess.h"
+#include "Tests/Link/ScriptedAgent.h"
 #include "Tests/Support/TemporaryFolder.h"
-#include "Tests/Views/Window/ScriptedAgent.h"
 
 #include <gtest/gtest.h>
 

@@ -107,16 +107,19 @@ void StatusNotifierItem::show(const TrayItem& item) {
     const auto before = std::exchange(item_, item);
     if (!menu_)
         return;
-    const bool hasNewMenu = menu_->set(item_.menu);
-    if (!isShown_)
-        return;
+    menu_->set(item_.menu);
+    if (isShown_)
+        tellChanges(before);
+}
+
+void StatusNotifierItem::tellChanges(const TrayItem& before) {
     if (item_.icon != before.icon || item_.accessibleText != before.accessibleText)
         tell("NewIcon");
     if (item_.title != before.title)
         tell("NewTitle");
     if (item_.tip != before.tip)
         tell("NewToolTip");
-    if (hasNewMenu)
+    if (item_.menu != before.menu)
         bus_->perform([this](sdbus::IConnection&) { menu_->tell(); });
 }
 
@@ -153,7 +156,11 @@ void StatusNotifierItem::announce() {
             .onInterface(watcherName)
             .withTimeout(patience)
             .withArguments(name_)
-            .uponReplyInvoke([this](const sdbus::Error* error) { isShown_ = error == nullptr; });
+            .uponReplyInvoke([this, before = item_](const sdbus::Error* error) {
+                isShown_ = error == nullptr;
+                if (isShown_)
+                    tellChanges(before); // bars may have read it before the watcher answered
+            });
     });
 }
 

@@ -46,6 +46,7 @@ private:
     void announce();
     void watcherChanged(sdbus::Message& message);
     void click(TrayClick::Button button, int x, int y);
+    void tellChanges(const TrayItem& before);
     void tell(const char* signal);
     void later(TrayEvent event);
     std::string takeToken();

@@ -72,15 +72,14 @@ TrayMenu::TrayMenu(sdbus::IConnection& connection, std::vector<TrayMenuEntry> en
 
 TrayMenu::~TrayMenu() = default;
 
-bool TrayMenu::set(std::vector<TrayMenuEntry> entries) {
+void TrayMenu::set(std::vector<TrayMenuEntry> entries) {
     if (revision_ > 0 && entries == entries_)
-        return false;
+        return;
     entries_ = std::move(entries);
     ++revision_;
     nodes_.clear();
     nodes_.emplace(root, Node());
     number(entries_, root, "");
-    return true;
 }
 
 void TrayMenu::tell() {

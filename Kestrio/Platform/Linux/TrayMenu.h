@@ -35,8 +35,8 @@ public:
     TrayMenu(sdbus::IConnection& connection, std::vector<TrayMenuEntry> entries, Receiver receiver);
     ~TrayMenu();
 
-    /// True when that changed anything; the bars are then to be told.
-    bool set(std::vector<TrayMenuEntry> entries);
+    /// Where that changes anything, the bars are then to be told.
+    void set(std::vector<TrayMenuEntry> entries);
 
     /// Tells the bars that the menu changed. Throws what the bus library throws.
     void tell();

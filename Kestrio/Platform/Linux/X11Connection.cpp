@@ -50,6 +50,7 @@ constexpr std::array atomNames{
     AtomName{&X11Atoms::netWmWindowOpacity, "_NET_WM_WINDOW_OPACITY"},
     AtomName{&X11Atoms::netWmWindowTypeDesktop, "_NET_WM_WINDOW_TYPE_DESKTOP"},
     AtomName{&X11Atoms::netWmWindowTypeDock, "_NET_WM_WINDOW_TYPE_DOCK"},
+    AtomName{&X11Atoms::kdeNetWmWindowTypeOverride, "_KDE_NET_WM_WINDOW_TYPE_OVERRIDE"},
     AtomName{&X11Atoms::saverSuspend, "SaverSuspend"}, // the name of a type of resource
 };
 

@@ -23,7 +23,7 @@ struct X11Atoms {
     xcb_atom_t netWmName, netWmPid, netWmState, netWmStateSkipTaskbar, netWmWindowType, netWmWindowTypeDialog;
     xcb_atom_t netWmWindowTypeNormal, utf8String, compoundText, wmState;
     xcb_atom_t netCurrentDesktop, netWmDesktop, netWmStateHidden, netWmWindowOpacity;
-    xcb_atom_t netWmWindowTypeDesktop, netWmWindowTypeDock, saverSuspend;
+    xcb_atom_t netWmWindowTypeDesktop, netWmWindowTypeDock, kdeNetWmWindowTypeOverride, saverSuspend;
 };
 
 /// A server that answered: what was asked of it once and for all.

@@ -46,6 +46,14 @@ inline bool contains(std::span<const std::uint32_t> words, std::uint32_t word) {
     return std::find(words.begin(), words.end(), word) != words.end();
 }
 
+/// Whether a window of these types is a normal one or a dialog, as one without a type is. The first type counts, those
+/// behind it are for managers that do not know it; KDE's mark of a window without a frame is none.
+inline bool isNormalOrDialog(std::span<const std::uint32_t> types, const X11Atoms& atoms) {
+    const auto first =
+        std::ranges::find_if(types, [&](std::uint32_t type) { return type != atoms.kdeNetWmWindowTypeOverride; });
+    return first == types.end() || *first == atoms.netWmWindowTypeNormal || *first == atoms.netWmWindowTypeDialog;
+}
+
 /// Asks for the process at the other end of the socket of the client that made `resource`.
 inline xcb_res_query_client_ids_cookie_t askForClientProcess(xcb_connection_t* xcb, std::uint32_t resource) {
     const xcb_res_client_id_spec_t spec{resource, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};

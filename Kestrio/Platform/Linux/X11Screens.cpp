@@ -54,19 +54,13 @@ public:
                                        static_cast<double>(geometry->width), static_cast<double>(geometry->height)},
                                       wordsOf(shadow));
         window.alpha = firstWord(opacity).value_or(allDesktops) / opaque;
-        window.layer = isNormal(types, atoms) ? 0 : 1;
+        window.layer = isNormalOrDialog(types, atoms) ? 0 : 1;
         return window;
     }
 
 private:
     static bool isOnDesktop(std::optional<std::uint32_t> desktop, std::optional<std::uint32_t> current) {
         return !desktop || !current || *desktop == allDesktops || desktop == current;
-    }
-
-    /// A window without a type is a normal one, or a dialog.
-    static bool isNormal(std::span<const std::uint32_t> types, const X11Atoms& atoms) {
-        return types.empty() || contains(types, atoms.netWmWindowTypeNormal) ||
-               contains(types, atoms.netWmWindowTypeDialog);
     }
 
     /// Windows that draw their own frames have the shadow around them inside: left, right, top, bottom.

@@ -67,7 +67,9 @@ public:
         window.id = window_;
         window.process = processOf(process, machine, client.get());
         readClass(window, bytesOf(names));
-        window.isRegular = isRegular(operation.server().atoms, wordsOf(type), wordsOf(state));
+        const auto& atoms = operation.server().atoms;
+        window.isRegular =
+            isNormalOrDialog(wordsOf(type), atoms) && !contains(wordsOf(state), atoms.netWmStateSkipTaskbar);
         return window;
     }
 
@@ -89,15 +91,6 @@ private:
         window.instanceName = text::fromUntrustedBytes(bytes.substr(0, end));
         const auto second = bytes.substr(std::min(end + 1, bytes.size()));
         window.className = text::fromUntrustedBytes(second.substr(0, second.find('\0')));
-    }
-
-    /// A window without a type is a normal one, or a dialog. Of several types the first that we know would count; the
-    /// others only refine it, so that any mention of these two is enough.
-    static bool isRegular(const X11Atoms& atoms, std::span<const std::uint32_t> types,
-                          std::span<const std::uint32_t> states) {
-        return (types.empty() || contains(types, atoms.netWmWindowTypeNormal) ||
-                contains(types, atoms.netWmWindowTypeDialog)) &&
-               !contains(states, atoms.netWmStateSkipTaskbar);
     }
 
     xcb_window_t window_;

@@ -18,55 +18,48 @@ ColumnLayout {
         bar: breakdown.value.bar
     }
 
-    GridLayout {
+    // Not a layout: a nested one may still arrange rows that a shorter list no longer has.
+    Column {
+        id: rows
+
         Layout.fillWidth: true
-        columnSpacing: Theme.m
-        columns: 3
-        rowSpacing: Theme.s
+        spacing: Theme.s
 
         Repeater {
-            model: breakdown.value.rows
-
-            CategoryKey {
-                required property int index
-                required property var modelData
-
-                Layout.column: 0
-                Layout.fillWidth: true
-                Layout.row: index
-                font: Theme.body
-                textColor: Theme.text
-                value: modelData.category
+            model: RowsModel {
+                rows: breakdown.value.rows
             }
-        }
 
-        Repeater {
-            model: breakdown.value.rows
+            RowLayout {
+                id: line
 
-            Line {
-                required property int index
-                required property var modelData
+                required property var row
 
-                Layout.alignment: Qt.AlignRight
-                Layout.column: 1
-                Layout.row: index
-                color: Theme.textSecondary
-                text: modelData.share
-            }
-        }
+                Accessible.name: [row.category.label, row.share, row.duration].join(", ")
+                Accessible.role: Accessible.ListItem
+                spacing: Theme.m
+                width: rows.width
 
-        Repeater {
-            model: breakdown.value.rows
+                CategoryKey {
+                    Layout.fillWidth: true
+                    font: Theme.body
+                    textColor: Theme.text
+                    value: line.row.category
+                }
 
-            Line {
-                required property int index
-                required property var modelData
+                Line {
+                    Accessible.ignored: true
+                    color: Theme.textSecondary
+                    text: line.row.share
+                }
 
-                Layout.alignment: Qt.AlignRight
-                Layout.column: 2
-                Layout.row: index
-                font: Theme.bodyStrong
-                text: modelData.duration
+                Line {
+                    Accessible.ignored: true
+                    Layout.minimumWidth: Theme.scaled(60)
+                    font: Theme.bodyStrong
+                    horizontalAlignment: Text.AlignRight
+                    text: line.row.duration
+                }
             }
         }
     }

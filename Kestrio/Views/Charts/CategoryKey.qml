@@ -23,6 +23,7 @@ RowLayout {
     Line {
         id: label
 
+        Accessible.ignored: true
         Layout.fillWidth: true
         color: Theme.textSecondary
         font: Theme.caption

@@ -27,6 +27,7 @@ Rectangle {
         spacing: Theme.xs
 
         Line {
+            Accessible.ignored: true
             color: Theme.textSecondary
             font: Theme.caption
             text: tooltip.head
@@ -50,6 +51,7 @@ Rectangle {
                 }
 
                 Line {
+                    Accessible.ignored: true
                     Layout.alignment: Qt.AlignRight
                     font: Theme.small
                     text: row.modelData.duration
@@ -58,6 +60,7 @@ Rectangle {
         }
 
         Line {
+            Accessible.ignored: true
             font: Theme.bodyStrong
             text: tooltip.sum
         }

@@ -13,6 +13,9 @@ Item {
     required property var value // a dayStripsValue
     readonly property real labelWidth: Theme.scaled(moment.strips.isDense ? 60 : 128)
 
+    // The keyboard has come to the strips.
+    signal focused(Item chart)
+
     implicitHeight: legend.y + legend.implicitHeight
     visible: moment.strips.dayCount > 0
 
@@ -86,7 +89,9 @@ Item {
             event.accepted = moment.press(event.key);
         }
         onActiveFocusChanged: {
-            if (!activeFocus)
+            if (activeFocus)
+                view.focused(rows);
+            else
                 moment.clear();
         }
 

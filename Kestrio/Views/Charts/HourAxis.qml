@@ -27,6 +27,7 @@ Item {
         model: axis.marks
 
         Line {
+            Accessible.ignored: true
             required property int index
             required property var modelData
 

@@ -29,6 +29,7 @@ Rectangle {
         }
 
         Line {
+            Accessible.ignored: true
             Layout.fillWidth: true
             color: Theme.textSecondary
             maximumLineCount: readout.isNarrow ? 2 : 1
@@ -57,11 +58,13 @@ Rectangle {
             }
 
             Line {
+                Accessible.ignored: true
                 font: Theme.bodyStrong
                 text: readout.pointer.appName
             }
 
             Line {
+                Accessible.ignored: true
                 Layout.fillWidth: true
                 Layout.minimumWidth: Theme.scaled(40)
                 color: Theme.textSecondary
@@ -80,6 +83,7 @@ Rectangle {
             }
 
             Line {
+                Accessible.ignored: true
                 color: Theme.textSecondary
                 font: Theme.small
                 text: readout.pointer.times

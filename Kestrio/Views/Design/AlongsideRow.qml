@@ -38,6 +38,7 @@ DividedRow {
                 spacing: Theme.xs + 2
 
                 AlongsideBadge {
+                    Accessible.ignored: true
                     value: alongside.row.badge ?? ({})
                     visible: alongside.row.badge !== undefined
                 }
@@ -78,6 +79,6 @@ DividedRow {
     }
 
     Help {
-        text: [title, detail].filter(line => line.truncated).map(line => line.text).join("\n")
+        lines: [title.whole, detail.whole]
     }
 }

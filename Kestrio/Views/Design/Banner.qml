@@ -56,6 +56,7 @@ Rectangle {
             spacing: Theme.xs
 
             Paragraph {
+                Accessible.ignored: true
                 Layout.fillWidth: true
                 color: Theme.text
                 font: Theme.headline
@@ -64,6 +65,7 @@ Rectangle {
             }
 
             Paragraph {
+                Accessible.ignored: true
                 Layout.fillWidth: true
                 text: banner.value?.text ?? ""
                 visible: text !== ""

@@ -26,6 +26,6 @@ Rectangle {
 
     FocusRing {
         radius: ground.radius + 2
-        shown: ground.control.visualFocus
+        shown: ground.control.activeFocus
     }
 }

@@ -10,13 +10,18 @@ T.AbstractButton {
     id: control
 
     required property var value
+    // The entries as they were when the menu opened: a report that is made anew does not take them away from its reader.
+    property var offered: []
+    readonly property bool isOpen: (menuLoader.item as T.Menu)?.opened ?? false
 
     signal selected(var category)
 
     function open() {
+        offered = value?.entries ?? [];
         menuLoader.active = true;
-        const menu = menuLoader.item as T.Menu;
+        const menu = menuLoader.item as PopupMenu;
         menu.popup(control, mirrored ? 0 : width - menu.width, height + Theme.xs);
+        menu.goToCurrent();
     }
 
     Accessible.description: Words.changeCategory
@@ -62,7 +67,7 @@ T.AbstractButton {
     onClicked: open()
 
     Help {
-        text: Words.changeCategory
+        text: control.isOpen ? "" : Words.changeCategory
     }
 
     Loader {
@@ -70,9 +75,9 @@ T.AbstractButton {
 
         active: false
         sourceComponent: PopupMenu {
-            entries: control.value?.entries ?? []
+            entries: control.offered
 
-            onChosen: index => control.selected(control.value.entries[index].category)
+            onChosen: index => control.selected(control.offered[index].category)
         }
     }
 }

@@ -11,6 +11,7 @@ T.TextField {
 
     Accessible.name: prompt
     Accessible.role: Accessible.EditableText
+    Accessible.searchEdit: true
     color: Theme.text
     font: Theme.body
     horizontalAlignment: TextInput.AlignLeft
@@ -46,6 +47,7 @@ T.TextField {
     }
 
     Line {
+        Accessible.ignored: true
         anchors.left: parent.left
         anchors.leftMargin: field.symbolRoom
         anchors.right: parent.right
@@ -66,6 +68,10 @@ T.TextField {
         symbol: Words.clearFilterSymbol
         symbolSize: Theme.scaled(14)
         visible: field.text !== ""
+
+        HoverHandler {
+            cursorShape: Qt.ArrowCursor
+        }
 
         onClicked: {
             field.clear();

@@ -1,6 +1,7 @@
 import QtQuick
+import Kestrio.Design
 
-// Shows around its parent where the keyboard is.
+// Shows around its parent where the keyboard is, to those who use it.
 Rectangle {
     required property bool shown
 
@@ -10,5 +11,5 @@ Rectangle {
     border.width: 2
     color: "transparent"
     radius: Theme.radiusSmall + 2
-    visible: shown
+    visible: shown && LastInput.wasKey
 }

@@ -11,16 +11,17 @@ T.Button {
     focusPolicy: Qt.TabFocus
     font: Theme.caption
     hoverEnabled: true
-    implicitHeight: Theme.scaled(20)
+    implicitHeight: Theme.scaled(24)
     implicitWidth: implicitContentWidth + 2 * Theme.xs
 
     background: Item {
         FocusRing {
             anchors.margins: 0
-            shown: button.visualFocus
+            shown: button.activeFocus
         }
     }
     contentItem: Line {
+        Accessible.ignored: true
         color: button.hovered ? Theme.text : Theme.textTertiary
         font: button.font
         horizontalAlignment: Text.AlignHCenter
@@ -28,4 +29,5 @@ T.Button {
     }
 
     Keys.onReturnPressed: button.clicked()
+    Keys.onEnterPressed: button.clicked()
 }

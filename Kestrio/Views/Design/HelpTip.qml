@@ -1,17 +1,21 @@
 import QtQuick
+import QtQuick.Layouts
 import QtQuick.Templates as T
 
-// The bubble of a help text, below its parent.
+// The bubble of a help text, below its parent, with the keys that do the same.
 T.ToolTip {
     id: tip
 
+    property string keys: ""
     readonly property real widest: Theme.scaled(300)
+    readonly property real keysWidth: keys === "" ? 0 : keysMeasure.implicitWidth + Theme.s
 
-    closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutsideParent
+    // Escape is for what the tip is about: a panel, a sheet.
+    closePolicy: T.Popup.CloseOnPressOutsideParent
     delay: 500
     horizontalPadding: Theme.s
     implicitHeight: contentHeight + topPadding + bottomPadding
-    implicitWidth: Math.min(widest, measure.implicitWidth + 1) + leftPadding + rightPadding
+    implicitWidth: Math.min(widest, measure.implicitWidth + 1 + keysWidth) + leftPadding + rightPadding
     margins: Theme.xs
     verticalPadding: Theme.xs + 1
     x: Math.round((parent.width - width) / 2)
@@ -21,10 +25,24 @@ T.ToolTip {
         color: Theme.tooltip
         radius: Theme.radiusSmall
     }
-    contentItem: Paragraph {
-        color: Theme.tooltipText
-        font: Theme.small
-        text: tip.text
+    contentItem: RowLayout {
+        spacing: Theme.s
+
+        Paragraph {
+            Accessible.ignored: true
+            Layout.fillWidth: true
+            color: Theme.tooltipText
+            font: Theme.small
+            text: tip.text
+        }
+
+        Line {
+            Accessible.ignored: true
+            color: Theme.faded(Theme.tooltipText, 0.75)
+            font: Theme.small
+            text: tip.keys
+            visible: text !== ""
+        }
     }
     enter: Transition {
         NumberAnimation {
@@ -40,6 +58,15 @@ T.ToolTip {
 
         font: Theme.small
         text: tip.text
+        textFormat: Text.PlainText
+        visible: false
+    }
+
+    Text {
+        id: keysMeasure
+
+        font: Theme.small
+        text: tip.keys
         textFormat: Text.PlainText
         visible: false
     }

@@ -7,6 +7,7 @@ T.Button {
 
     property string symbol: ""
     property string help: ""
+    property string keys: "" // that do the same
     property color ink: Theme.textSecondary
     property real size: Theme.controlHeight
     property real symbolSize: Theme.scaled(16)
@@ -46,6 +47,7 @@ T.Button {
     Keys.onEnterPressed: press()
 
     Help {
+        keys: button.keys
         text: button.help !== "" ? button.help : button.text
     }
 }

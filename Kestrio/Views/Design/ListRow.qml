@@ -10,6 +10,7 @@ T.ItemDelegate {
 
     Accessible.name: text
     Accessible.role: Accessible.ListItem
+    Accessible.selectable: true
     Accessible.selected: selected
     Accessible.onPressAction: row.clicked()
     bottomPadding: Theme.s
@@ -27,7 +28,7 @@ T.ItemDelegate {
         FocusRing {
             anchors.margins: 0
             radius: parent.radius
-            shown: row.visualFocus
+            shown: row.activeFocus
         }
     }
     contentItem: Item {

@@ -23,7 +23,9 @@ T.Button {
 
     function open() {
         menuLoader.active = true;
-        (menuLoader.item as T.Menu).popup(button, mirrored ? width - (menuLoader.item as T.Menu).width : 0, height + Theme.xs);
+        const menu = menuLoader.item as PopupMenu;
+        menu.popup(button, mirrored ? width - menu.width : 0, height + Theme.xs);
+        menu.goToCurrent();
     }
 
     Accessible.description: help
@@ -59,6 +61,7 @@ T.Button {
         }
 
         Line {
+            Accessible.ignored: true
             Layout.fillWidth: true
             color: button.ink
             font: button.font

@@ -32,6 +32,10 @@ T.Popup {
     contentItem: ColumnLayout {
         id: column
 
+        // The day that the arrows have come to.
+        Accessible.focusable: true
+        Accessible.name: popup.month.days.find(day => day.isSelected)?.fullName ?? ""
+        Accessible.role: Accessible.Grouping
         focus: true
         spacing: Theme.s
 
@@ -117,4 +121,6 @@ T.Popup {
     }
 
     onAboutToShow: candidate = date
+    // Nothing else gives the keyboard back.
+    onClosed: parent.forceActiveFocus(Qt.PopupFocusReason)
 }

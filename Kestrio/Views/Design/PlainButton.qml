@@ -12,6 +12,7 @@ T.Button {
     property bool prominent: false
     property bool quiet: false
     property string help: ""
+    property string keys: "" // that do the same
     readonly property color ink: prominent ? Theme.accentText : quiet ? Theme.accent : Theme.text
 
     Accessible.description: help
@@ -48,6 +49,7 @@ T.Button {
         }
 
         Line {
+            Accessible.ignored: true
             Layout.fillWidth: true
             color: button.ink
             font: button.font
@@ -60,6 +62,7 @@ T.Button {
     Keys.onEnterPressed: button.clicked()
 
     Help {
+        keys: button.keys
         text: button.help
     }
 }

@@ -2,6 +2,7 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 import QtQuick.Templates as T
+import Kestrio.Design
 
 // A menu of entries as `MenuButton` has them.
 T.Menu {
@@ -11,6 +12,20 @@ T.Menu {
     readonly property bool hasMarks: entries.some(entry => entry.isCurrent !== undefined || entry.symbol !== undefined)
 
     signal chosen(int index)
+
+    // Where the keyboard begins: at the entry that holds, or the first.
+    function goToCurrent() {
+        if (LastInput.wasKey)
+            goTo(Math.max(0, entries.findIndex(entry => entry.isCurrent ?? false)), 1);
+    }
+
+    // The first entry that can be chosen, from this place on in this direction.
+    function goTo(place: int, step: int) {
+        while (place >= 0 && place < count && !itemAt(place).enabled)
+            place += step;
+        if (place >= 0 && place < count)
+            currentIndex = place;
+    }
 
     cascade: false
     closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutside | T.Popup.CloseOnReleaseOutside
@@ -34,6 +49,14 @@ T.Menu {
         implicitHeight: contentHeight
         interactive: contentHeight > height
         model: popupMenu.contentModel
+
+        Keys.onPressed: event => {
+            if (event.key !== Qt.Key_Home && event.key !== Qt.Key_End)
+                return;
+            const isHome = event.key === Qt.Key_Home;
+            popupMenu.goTo(isHome ? 0 : popupMenu.count - 1, isHome ? 1 : -1);
+            event.accepted = true;
+        }
     }
     enter: Transition {
         NumberAnimation {
@@ -51,6 +74,9 @@ T.Menu {
         }
     }
 
+    // Nothing else gives the keyboard back.
+    onClosed: parent.forceActiveFocus(Qt.PopupFocusReason)
+
     Instantiator {
         model: popupMenu.entries
 
@@ -62,7 +88,11 @@ T.Menu {
             hasMarks: popupMenu.hasMarks
             width: popupMenu.availableWidth
 
-            onTriggered: popupMenu.chosen(index)
+            // What is chosen may change the entries, and one that went does not close the menu any more.
+            onTriggered: {
+                popupMenu.close();
+                popupMenu.chosen(index);
+            }
         }
 
         onObjectAdded: (index, object) => popupMenu.insertItem(index, object as T.MenuItem)

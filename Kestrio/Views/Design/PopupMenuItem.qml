@@ -51,6 +51,7 @@ T.MenuItem {
         }
 
         Line {
+            Accessible.ignored: true
             Layout.fillWidth: true
             color: item.ink
             font: item.font

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Templates as T
 
 // One choice of a `SegmentedControl`.
-T.AbstractButton {
+T.RadioButton {
     id: segment
 
     Accessible.checkable: true
@@ -10,8 +10,9 @@ T.AbstractButton {
     Accessible.name: text
     Accessible.role: Accessible.RadioButton
     Accessible.onPressAction: segment.clicked()
-    activeFocusOnTab: true
-    focusPolicy: Qt.TabFocus
+    autoExclusive: false
+    checkable: false // what holds is the control's to say
+    focusPolicy: checked || activeFocus ? Qt.TabFocus : Qt.NoFocus
     font: checked ? Theme.bodyStrong : Theme.body
     hoverEnabled: true
     implicitWidth: Math.max(measure.implicitWidth, Theme.scaled(20)) + 2 * Theme.m
@@ -24,10 +25,11 @@ T.AbstractButton {
 
         FocusRing {
             anchors.margins: -1
-            shown: segment.visualFocus
+            shown: segment.activeFocus
         }
     }
     contentItem: Line {
+        Accessible.ignored: true
         color: segment.checked || segment.hovered ? Theme.text : Theme.textSecondary
         font: segment.font
         horizontalAlignment: Text.AlignHCenter
@@ -35,6 +37,7 @@ T.AbstractButton {
     }
 
     Keys.onReturnPressed: segment.clicked()
+    Keys.onEnterPressed: segment.clicked()
 
     // Its width does not change with its weight.
     Text {

@@ -30,6 +30,7 @@ T.Switch {
     rightPadding: mirrored ? trackWidth + (text === "" ? 0 : Theme.s) : 0
 
     contentItem: Line {
+        Accessible.ignored: true
         font: control.font
         text: control.text
     }
@@ -59,9 +60,10 @@ T.Switch {
 
         FocusRing {
             radius: parent.radius + 2
-            shown: control.visualFocus
+            shown: control.activeFocus
         }
     }
 
     Keys.onReturnPressed: press()
+    Keys.onEnterPressed: press()
 }

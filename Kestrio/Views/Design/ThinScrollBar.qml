@@ -5,6 +5,7 @@ import QtQuick.Templates as T
 T.ScrollBar {
     id: bar
 
+    Accessible.ignored: true
     implicitHeight: orientation === Qt.Vertical ? 100 : 12
     implicitWidth: orientation === Qt.Vertical ? 12 : 100
     minimumSize: 0.06

@@ -56,6 +56,7 @@ DividedRow {
         }
 
         OpenLinkButton {
+            Accessible.description: item.row.title ?? ""
             link: item.row.link ?? ""
         }
 
@@ -81,6 +82,6 @@ DividedRow {
     }
 
     Help {
-        text: [title, subtitle, detail].filter(line => line.truncated).map(line => line.text).join("\n")
+        lines: [title.whole, subtitle.whole, detail.whole]
     }
 }

@@ -69,6 +69,6 @@ DividedRow {
     }
 
     Help {
-        text: [title, subtitle].filter(line => line.truncated).map(line => line.text).join("\n")
+        lines: [title.whole, subtitle.whole]
     }
 }

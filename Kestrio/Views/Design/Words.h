@@ -36,6 +36,8 @@ class Words : public QObject {
     Q_PROPERTY(QString previousMonthSymbol MEMBER previousMonthSymbol CONSTANT)
     Q_PROPERTY(QString nextMonth MEMBER nextMonth CONSTANT)
     Q_PROPERTY(QString nextMonthSymbol MEMBER nextMonthSymbol CONSTANT)
+    Q_PROPERTY(QString opened MEMBER opened CONSTANT)
+    Q_PROPERTY(QString closed MEMBER closed CONSTANT)
     Q_PROPERTY(QString about MEMBER about CONSTANT)
     Q_PROPERTY(QString credit MEMBER credit CONSTANT)
     Q_PROPERTY(QString creditLink MEMBER creditLink CONSTANT)
@@ -60,6 +62,8 @@ private:
     const QString previousMonthSymbol = MonthGrid::previousSymbol;
     const QString nextMonth = MonthGrid::nextTitle;
     const QString nextMonthSymbol = MonthGrid::nextSymbol;
+    const QString opened = Disclosure::opened;
+    const QString closed = Disclosure::closed;
     const QString about = CreditLine::aboutTitle;
     const QString credit = CreditLine::credit;
     const QString creditLink = CreditLine::link;

@@ -219,7 +219,7 @@ QVariant toVariant(const ControlButton& button) {
         .words("help", button.help)
         .add("isEnabled", button.isEnabled);
     if (button.key)
-        fields.add("key", QString(QChar::fromLatin1(*button.key)));
+        fields.add("keys", "Ctrl+" + QString(QChar::fromLatin1(*button.key).toUpper()));
     return fields;
 }
 

@@ -11,6 +11,44 @@ ColumnLayout {
 
     required property DashboardModel model
 
+    // The first place of the page that takes the keyboard. False when it has none.
+    function takeFocus() {
+        return give(stops()[0]);
+    }
+
+    // The page's first field to search in, or the next one for who is in it. False when it has none.
+    function takeSearch() {
+        const fields = stops().filter(stop => stop instanceof FilterField);
+        const field = fields[(fields.findIndex(field => field.activeFocus) + 1) % fields.length];
+        field?.selectAll();
+        return give(field);
+    }
+
+    function give(item) {
+        if (item === undefined)
+            return false;
+        item.forceActiveFocus(Qt.ShortcutFocusReason);
+        return true;
+    }
+
+    // Where the tabulator stops within the page.
+    function stops() {
+        const found = [];
+        let item = page.item?.nextItemInFocusChain() ?? null;
+        while (item !== null && !found.includes(item) && isInPage(item)) {
+            found.push(item);
+            item = item.nextItemInFocusChain();
+        }
+        return found;
+    }
+
+    function isInPage(item) {
+        for (let ancestor = item; ancestor !== null; ancestor = ancestor.parent)
+            if (ancestor === page)
+                return true;
+        return false;
+    }
+
     spacing: 0
 
     PageHeader {
@@ -81,6 +119,8 @@ ColumnLayout {
             });
         }
 
+        Accessible.name: detail.model.sectionLabel
+        Accessible.role: Accessible.Pane
         Layout.fillHeight: true
         Layout.fillWidth: true
         visible: !detail.model.isHistoryAway

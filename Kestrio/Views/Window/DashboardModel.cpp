@@ -21,6 +21,18 @@ const PageEntry& entryOr(DashboardSection wanted) {
     return entry ? *entry : pageTable().front();
 }
 
+/// Its sections with the keys that lead to each: Ctrl and its place in the sidebar, the first being 1.
+QVariantMap withKeys(QVariantMap group, int& place) {
+    auto sections = group["sections"].toList();
+    for (auto& section : sections) {
+        auto fields = section.toMap();
+        fields["keys"] = QStringLiteral("Ctrl+%1").arg(++place);
+        section = fields;
+    }
+    group["sections"] = sections;
+    return group;
+}
+
 } // namespace
 
 DashboardModel::DashboardModel(const WindowParts& parts) : parts_(parts), showsNow_(parts.dashboard.isCurrent()) {
@@ -34,9 +46,9 @@ DashboardModel::DashboardModel(const WindowParts& parts) : parts_(parts), showsN
     };
     tokens_.push_back(parts.dashboard.mode().observe(rangeMoved));
     tokens_.push_back(parts.dashboard.anchor().observe(rangeMoved));
-    const auto look = [this](const auto&) { lookAtHistory(); };
-    tokens_.push_back(parts.dashboard.trouble().observe(look));
-    tokens_.push_back(parts.dashboard.report().observe(look));
+    const auto historyRead = [this](const auto&) { lookAtHistory(); };
+    tokens_.push_back(parts.dashboard.trouble().observe(historyRead));
+    tokens_.push_back(parts.dashboard.report().observe(historyRead));
     tokens_.push_back(parts.queue.every({.interval = wordsInterval, .tolerance = wordsTolerance}, [this] {
         followNow();
         lookAtRange();
@@ -66,9 +78,9 @@ DashboardModel::DashboardModel(const WindowParts& parts) : parts_(parts), showsN
             lookAtAgent();
     }));
     if (parts.browserAccess) {
-        const auto look = [this](const auto&) { lookAtPermissions(); };
-        tokens_.push_back(parts.browserAccess->permissions().observe(look));
-        tokens_.push_back(parts.browserAccess->stepsLeft().observe(look));
+        const auto accessChanged = [this](const auto&) { lookAtPermissions(); };
+        tokens_.push_back(parts.browserAccess->permissions().observe(accessChanged));
+        tokens_.push_back(parts.browserAccess->stepsLeft().observe(accessChanged));
     }
 }
 
@@ -84,7 +96,11 @@ void DashboardModel::open(const std::optional<std::string>& page) {
 }
 
 QVariantList DashboardModel::groups() {
-    return toVariants(listedGroups());
+    auto groups = toVariants(listedGroups());
+    int place = 0;
+    for (auto& group : groups)
+        group = withKeys(group.toMap(), place);
+    return groups;
 }
 
 QString DashboardModel::section() const {

@@ -19,7 +19,7 @@ class DashboardModel : public QObject {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("Made by the program.")
-    /// The sidebar: `title` and `sections` of each group.
+    /// The sidebar: `title` and `sections` of each group, a section with the `keys` that lead to it.
     Q_PROPERTY(QVariantList groups READ groups CONSTANT)
     Q_PROPERTY(QString section READ section NOTIFY pageChanged)
     Q_PROPERTY(QString sectionLabel READ sectionLabel NOTIFY pageChanged)
@@ -95,6 +95,7 @@ public:
     /// Does what a button of the band says, by its `action`.
     Q_INVOKABLE void actOnBanner(const QString& action);
 
+    Q_INVOKABLE void openSettings() { Q_EMIT settingsRequested(); }
     Q_INVOKABLE void openAbout();
 
     Q_INVOKABLE void rememberSize(const QSize& size);

@@ -1,5 +1,6 @@
 pragma ComponentBehavior: Bound
 
+import QtQml
 import QtQuick
 import Kestrio.Window
 
@@ -10,13 +11,15 @@ Item {
     required property DashboardModel model
     readonly property var controls: model.dateControls
 
+
     signal closeRequested
+    signal searchRequested
 
     component ControlShortcut: Shortcut {
         required property var control
 
         enabled: shortcuts.model.isReportPage && control.isEnabled
-        sequence: "Ctrl+" + control.key.toUpperCase()
+        sequence: control.keys
     }
 
     ControlShortcut {
@@ -44,6 +47,37 @@ Item {
     }
 
     Shortcut {
+        enabled: shortcuts.model.isReportPage
+        sequence: "F5"
+
+        onActivated: shortcuts.model.refresh()
+    }
+
+    Shortcut {
+        sequence: "Ctrl+F"
+
+        onActivated: shortcuts.searchRequested()
+    }
+
+    Instantiator {
+        model: shortcuts.model.groups
+
+        delegate: Instantiator {
+            required property var modelData
+
+            model: modelData.sections
+
+            delegate: Shortcut {
+                required property var modelData
+
+                sequence: modelData.keys
+
+                onActivated: shortcuts.model.select(modelData.rawValue)
+            }
+        }
+    }
+
+    Shortcut {
         sequence: "Ctrl+PgUp"
 
         onActivated: shortcuts.model.selectNeighbour(-1)
@@ -53,6 +87,12 @@ Item {
         sequence: "Ctrl+PgDown"
 
         onActivated: shortcuts.model.selectNeighbour(1)
+    }
+
+    Shortcut {
+        sequence: "Ctrl+,"
+
+        onActivated: shortcuts.model.openSettings()
     }
 
     Shortcut {

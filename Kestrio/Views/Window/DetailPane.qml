@@ -13,7 +13,10 @@ ScrollPane {
     default property alias cards: column.data
     property alias accessory: header.accessory
 
-    activeFocusOnTab: true
+    Accessible.focusable: true
+    Accessible.name: detail.header?.title ?? ""
+    Accessible.role: Accessible.Pane
+    activeFocusOnTab: contentHeight > height
 
     ColumnLayout {
         id: column

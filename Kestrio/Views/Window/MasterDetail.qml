@@ -14,7 +14,7 @@ Item {
     required property url pane
     property string listName: ""
     property bool hasListFilter: false
-    readonly property bool isStacked: width < Theme.scaled(400)
+    readonly property bool isStacked: width < Theme.scaled(440)
     property alias emptyAccessory: empty.accessory
     property alias toolbar: toolbarHolder.data
 

@@ -1,5 +1,6 @@
 #include "Kestrio/Views/Window/MasterDetailModel.h"
 
+#include "Kestrio/Base/Text.h"
 #include "Kestrio/Views/Charts/ChartValues.h"
 
 namespace kestrio {
@@ -79,6 +80,18 @@ void MasterDetailModel::select(const QString& key) {
 void MasterDetailModel::selectPlace(int place) {
     if (place >= 0 && place < rows_.count())
         select(plain(rows_.rows()[static_cast<std::size_t>(place)].key));
+}
+
+int MasterDetailModel::placeBeginning(const QString& typed) const {
+    const auto fold = [](std::string_view text) { return text::folded(text, text::Ignoring::caseAndDiacritics); };
+    const auto beginning = fold(typed.toStdString());
+    const int first = std::max(0, typed.size() > 1 ? selectedPlace_ : selectedPlace_ + 1);
+    for (int step = 0; step < rows_.count(); ++step) {
+        const int place = (first + step) % rows_.count();
+        if (fold(rows_.rows()[static_cast<std::size_t>(place)].title).starts_with(beginning))
+            return place;
+    }
+    return -1;
 }
 
 void MasterDetailModel::setFilter(const QString& typed) {

@@ -62,6 +62,10 @@ public:
     /// Selects the row at this place of the list; nothing happens where there is none.
     Q_INVOKABLE void selectPlace(int place);
 
+    /// The place of a row whose title begins with what was typed, without regard to case and accents: the selected one
+    /// or the next one after it, after the last one again the first. A single character always leads on. -1 for none.
+    Q_INVOKABLE int placeBeginning(const QString& typed) const;
+
 Q_SIGNALS:
     void refreshed();
     void listFilterChanged();

@@ -22,10 +22,15 @@ Loader {
         MenuButton {
             compact: control.isCompact
             entries: control.value?.entries ?? []
+            focus: true // where the other one had it
             symbol: control.value?.symbol ?? ""
             text: control.value?.title ?? ""
 
-            onChosen: index => control.model.pause(index)
+            onChosen: index => {
+                // The other one takes its place, and the keyboard.
+                control.forceActiveFocus(Qt.PopupFocusReason);
+                control.model.pause(index);
+            }
         }
     }
 
@@ -34,6 +39,7 @@ Loader {
 
         PlainButton {
             Accessible.name: control.value?.title ?? ""
+            focus: true
             help: control.isCompact ? control.value?.title ?? "" : ""
             prominent: true
             symbol: control.value?.symbol ?? ""

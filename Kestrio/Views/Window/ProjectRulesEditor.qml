@@ -128,6 +128,7 @@ ColumnLayout {
                     }
 
                     IconButton {
+                        Accessible.description: rule.row.keyword
                         help: editor.words.deleteTitle
                         symbol: editor.words.deleteSymbol
 

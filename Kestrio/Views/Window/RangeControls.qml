@@ -23,6 +23,7 @@ Flow {
         Accessible.name: control.title
         enabled: control.isEnabled
         help: control.help ?? control.title
+        keys: control.keys
         symbol: control.symbol
     }
 
@@ -47,6 +48,8 @@ Flow {
         }
 
         PlainButton {
+            help: row.controls.today.title
+            keys: row.controls.today.keys
             text: row.controls.today.title
 
             onClicked: row.model.showToday()

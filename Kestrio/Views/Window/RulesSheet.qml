@@ -2,6 +2,7 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 import QtQuick.Layouts
+import QtQuick.Window
 import QtQuick.Templates as T
 import Kestrio.Design
 import Kestrio.Window
@@ -12,6 +13,7 @@ T.Dialog {
 
     required property ProjectRulesModel rules
     required property string done
+    property Item opener: null // had the keyboard before
 
     anchors.centerIn: T.Overlay.overlay
     closePolicy: T.Popup.CloseOnEscape
@@ -21,6 +23,9 @@ T.Dialog {
     modal: true
     padding: Theme.xl
     width: Math.min(Theme.scaled(620), (parent?.width ?? 0) - 2 * Theme.l)
+
+    onAboutToShow: opener = parent.Window.activeFocusItem
+    onClosed: opener?.forceActiveFocus(Qt.PopupFocusReason)
 
     T.Overlay.modal: Rectangle {
         color: Theme.faded(Theme.shadow, 4)

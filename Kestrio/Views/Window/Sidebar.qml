@@ -12,6 +12,12 @@ Rectangle {
     required property DashboardModel model
     property bool isCompact: false
 
+    // The picked page.
+    function takeFocus() {
+        for (let place = 0; place < parts.count; ++place)
+            (parts.itemAt(place) as SidebarGroup).takeFocus();
+    }
+
     color: Theme.sidebar
 
     ColumnLayout {
@@ -34,6 +40,8 @@ Rectangle {
                 width: parent.width
 
                 Repeater {
+                    id: parts
+
                     model: sidebar.model.groups
 
                     SidebarGroup {

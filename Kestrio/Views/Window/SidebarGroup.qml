@@ -11,6 +11,14 @@ Column {
     required property DashboardModel dashboard
     required property bool isCompact
 
+    function takeFocus() {
+        for (let place = 0; place < rows.count; ++place) {
+            const row = rows.itemAt(place) as SidebarRow;
+            if (row.selected)
+                row.forceActiveFocus(Qt.TabFocusReason);
+        }
+    }
+
     bottomPadding: Theme.m
 
     Line {
@@ -27,6 +35,8 @@ Column {
     }
 
     Repeater {
+        id: rows
+
         model: group.modelData.sections
 
         SidebarRow {

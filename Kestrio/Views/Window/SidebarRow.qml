@@ -10,24 +10,36 @@ ListRow {
     required property var modelData
     required property DashboardModel dashboard
     required property bool isCompact
+    readonly property int everyPage: 100 // more than there are
 
     function pickBeside(step: int) {
         dashboard.selectNeighbour(step);
     }
 
-    activeFocusOnTab: selected || activeFocus
     bottomPadding: Theme.xs + 2
+    focusPolicy: selected || activeFocus ? Qt.TabFocus : Qt.NoFocus
     selected: dashboard.section === modelData.rawValue
     text: modelData.label
     topPadding: Theme.xs + 2
 
     Accessible.onPressAction: clicked()
     Keys.onDownPressed: pickBeside(1)
+    Keys.onPressed: event => {
+        if (event.key !== Qt.Key_Home && event.key !== Qt.Key_End)
+            return;
+        pickBeside(event.key === Qt.Key_Home ? -everyPage : everyPage);
+        event.accepted = true;
+    }
     Keys.onUpPressed: pickBeside(-1)
     onClicked: dashboard.select(modelData.rawValue)
     onSelectedChanged: {
         if (selected && Window.activeFocusItem instanceof SidebarRow)
             forceActiveFocus(Qt.TabFocusReason);
+    }
+
+    Help {
+        keys: row.modelData.keys
+        text: row.text
     }
 
     RowLayout {
@@ -48,9 +60,5 @@ ListRow {
             text: row.text
             visible: !row.isCompact
         }
-    }
-
-    Help {
-        text: row.isCompact ? row.text : ""
     }
 }

@@ -15,7 +15,7 @@ ListRow {
 
     signal toggled
 
-    Accessible.description: [value.times, value.count, value.category.label].join(", ")
+    Accessible.description: [isOpen ? Words.opened : Words.closed, value.times, value.count, value.category.label].join(", ")
     bottomPadding: Theme.xs + 2
     leftInset: Theme.l
     leftPadding: Theme.xl

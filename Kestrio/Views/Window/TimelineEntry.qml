@@ -10,9 +10,17 @@ Item {
     required property real rangeWidth // of the blocks' times, which these rows leave room for
     required property real timeWidth
 
+    Accessible.focusable: true
     Accessible.name: [value.time, value.title, value.duration].join(", ")
     Accessible.role: Accessible.ListItem
     implicitHeight: row.implicitHeight + Theme.s
+
+    FocusRing {
+        anchors.leftMargin: Theme.l
+        anchors.margins: 0
+        anchors.rightMargin: Theme.l
+        shown: entry.activeFocus
+    }
 
     RowLayout {
         id: row

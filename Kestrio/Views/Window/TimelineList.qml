@@ -2,27 +2,41 @@
 // qmllint disable unqualified
 
 import QtQuick
-import QtQuick.Templates as T
 import Kestrio.Charts
 import Kestrio.Design
 import Kestrio.Window
 
-// The rows of the timeline; only those in sight exist. The arrows lead from block to block.
-ListView {
+// The rows of the timeline; only those in sight exist. The keys lead from row to row, past the heads of days.
+KeyboardList {
     id: list
 
     required property TimelineModel page
     property bool isAtTop: true
 
-    activeFocusOnTab: true
-    boundsBehavior: Flickable.StopAtBounds
-    clip: true
-    currentIndex: -1
-    keyNavigationEnabled: true
-    model: page.rows
-    pixelAligned: true
+    // The tabulator leads to the row where the keyboard was last, or the first.
+    function findPlace() {
+        currentIndex = page.rows.stopAt(Math.max(0, currentIndex), 1);
+    }
 
-    T.ScrollBar.vertical: ThinScrollBar {}
+    function reveal(item: Item) {
+        const top = item.mapToItem(contentItem, 0, 0).y - Theme.l;
+        if (top < contentY || top + item.height > contentY + height)
+            contentY = Math.max(originY, top);
+    }
+
+    activeFocusOnTab: false
+    highlightFollowsCurrentItem: false
+    model: page.rows
+
+    Component.onCompleted: findPlace()
+    onAsked: (place, step) => {
+        const ahead = page.rows.stopAt(place, step);
+        const stop = ahead >= 0 ? ahead : page.rows.stopAt(place, -step);
+        if (stop === currentIndex && step < 0)
+            positionViewAtBeginning();
+        currentIndex = stop;
+    }
+    onCountChanged: findPlace()
 
     // The columns of times are as wide as the widest line of these.
     Text {
@@ -51,6 +65,11 @@ ListView {
         required property bool isOpen
         required property int index
 
+        onActiveFocusChanged: {
+            if (activeFocus)
+                list.positionViewAtIndex(index, ListView.Contain);
+        }
+
         sourceComponent: kind === "block" ? block : kind === "entry" ? entry : day
         width: list.width
 
@@ -66,10 +85,16 @@ ListView {
             id: block
 
             TimelineBlock {
+                focus: true
+                focusPolicy: row.ListView.isCurrentItem || activeFocus ? Qt.TabFocus : Qt.NoFocus
                 isOpen: row.isOpen
                 rangeWidth: Math.ceil(ranges.implicitWidth)
                 value: row.value
 
+                onClicked: {
+                    list.currentIndex = row.index;
+                    forceActiveFocus(Qt.MouseFocusReason);
+                }
                 onToggled: list.page.rows.toggle(row.index)
             }
         }
@@ -78,6 +103,8 @@ ListView {
             id: entry
 
             TimelineEntry {
+                activeFocusOnTab: row.ListView.isCurrentItem || activeFocus
+                focus: true
                 rangeWidth: Math.ceil(ranges.implicitWidth)
                 timeWidth: Math.ceil(times.implicitWidth)
                 value: row.value
@@ -116,6 +143,8 @@ ListView {
             width: list.width - 2 * (Theme.xl + Theme.l)
             x: Theme.xl + Theme.l
             y: Theme.l
+
+            onFocused: chart => list.reveal(chart)
         }
 
         Paragraph {

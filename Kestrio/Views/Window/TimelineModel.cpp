@@ -1,5 +1,6 @@
 #include "Kestrio/Views/Window/TimelineModel.h"
 
+#include "Kestrio/Pages/DashboardSection.h"
 #include "Kestrio/Views/Values/Rows.h"
 
 #include <algorithm>
@@ -134,6 +135,13 @@ void TimelineRows::replace(std::vector<Place> places) {
     Q_EMIT dataChanged(index(0), index(rowCount() - 1));
 }
 
+int TimelineRows::stopAt(int row, int step) const {
+    const auto isDay = [this](int place) { return places_[static_cast<std::size_t>(place)].kind == Kind::day; };
+    while (row >= 0 && row < rowCount() && isDay(row))
+        row += step;
+    return row >= 0 && row < rowCount() ? row : -1;
+}
+
 void TimelineRows::toggle(int row) {
     if (!report_ || row < 0 || row >= rowCount() || places_[static_cast<std::size_t>(row)].kind != Kind::block)
         return;
@@ -179,6 +187,7 @@ QVariantMap TimelineModel::samples() const {
 
 QVariantMap TimelineModel::words() {
     return Fields()
+        .words("listName", label(DashboardSection::timeline))
         .words("prompt", TimelineSearch::prompt)
         .words("hideBriefTitle", TimelineSearch::hideBriefTitle)
         .text("hideBriefSymbol", TimelineSearch::hideBriefSymbol)

@@ -37,6 +37,9 @@ public:
     /// Opens or closes the block at this row.
     Q_INVOKABLE void toggle(int row);
 
+    /// This row, or where it is the head of a day the nearest other in the direction of `step`, 1 or -1. -1 for none.
+    Q_INVOKABLE int stopAt(int row, int step) const;
+
 private:
     enum class Kind { day, block, entry };
     struct Place {
@@ -79,7 +82,7 @@ class TimelineModel : public kestrio::ReportPageModel {
     Q_PROPERTY(bool hideBrief READ hideBrief WRITE setHideBrief NOTIFY searchChanged)
     /// `ranges` and `times`: the columns of times are as wide as the widest of these.
     Q_PROPERTY(QVariant samples READ samples CONSTANT)
-    /// `prompt`, `hideBriefTitle`, `hideBriefSymbol`, `hideBriefHelp`.
+    /// `listName`, `prompt`, `hideBriefTitle`, `hideBriefSymbol`, `hideBriefHelp`.
     Q_PROPERTY(QVariant words READ words CONSTANT)
 
 public:

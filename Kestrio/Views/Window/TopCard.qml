@@ -33,7 +33,7 @@ Card {
         visible: text !== ""
     }
 
-    // Not a layout: one of Qt 6.4 may ask a row for its size that is gone already.
+    // Not a layout: a nested one may still arrange rows that a shorter list no longer has.
     Column {
         Layout.fillWidth: true
 

@@ -41,6 +41,7 @@ DividedRow {
                 }
 
                 Badge {
+                    Accessible.ignored: true
                     text: entry.row.badge ?? ""
                     tint: Theme.red
                     visible: text !== ""
@@ -76,6 +77,7 @@ DividedRow {
         }
 
         OpenLinkButton {
+            Accessible.description: entry.row.title ?? ""
             link: entry.row.link ?? ""
         }
 
@@ -88,6 +90,6 @@ DividedRow {
     }
 
     Help {
-        text: [title, detail].filter(line => line.truncated).map(line => line.text).join("\n")
+        lines: [title.whole, detail.whole]
     }
 }

@@ -1,10 +1,20 @@
 #include "Kestrio/Views/Window/WindowApplication.h"
 
 #include <QGuiApplication>
+#include <QLocale>
 #include <QQuickStyle>
 #include <QQuickWindow>
 
 namespace kestrio {
+namespace {
+
+/// Of the language that the person reads. The framework would take it from translations of its own.
+Qt::LayoutDirection readingDirection() {
+    const auto languages = QLocale::system().uiLanguages();
+    return languages.isEmpty() ? Qt::LeftToRight : QLocale(languages.front()).textDirection();
+}
+
+} // namespace
 
 WindowApplication::WindowApplication(int& count, char** arguments) {
     if (qEnvironmentVariableIsEmpty("QSG_RHI_BACKEND") && qEnvironmentVariableIsEmpty("QT_QUICK_BACKEND"))
@@ -13,6 +23,7 @@ WindowApplication::WindowApplication(int& count, char** arguments) {
     QGuiApplication::setApplicationName(QStringLiteral("Kestrio"));
     QGuiApplication::setDesktopFileName(QStringLiteral("kestrio"));
     application_ = std::make_unique<QGuiApplication>(count, arguments);
+    QGuiApplication::setLayoutDirection(readingDirection());
     queue_ = std::make_unique<QtQueue>();
 }
 

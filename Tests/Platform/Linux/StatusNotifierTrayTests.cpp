@@ -252,6 +252,19 @@ TEST_F(StatusNotifierTrayTest, aWatcherThatHangsHoldsNobodyUp) {
     EXPECT_TRUE(isAnnounced(watcher, {service(1)}));
 }
 
+TEST_F(StatusNotifierTrayTest, whatChangesBeforeTheWatcherAnswersIsToldThen) {
+    Watcher watcher(bus.address(), true);
+    show(item());
+    const Bar bar(bus.address(), service(1));
+    auto changed = item();
+    changed.icon.pop_back();
+    changed.menu.pop_back();
+    show(changed);
+    EXPECT_TRUE(bar.heard().empty());
+    watcher.pause(false);
+    EXPECT_TRUE(eventually([&] { return bar.heard() == std::vector<std::string>{"NewIcon", "LayoutUpdated 2 0"}; }));
+}
+
 TEST_F(StatusNotifierTrayTest, eachIconHasANameOfItsOwn) {
     const Watcher watcher(bus.address());
     show(item("kestrio"));

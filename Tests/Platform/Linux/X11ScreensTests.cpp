@@ -187,7 +187,7 @@ TEST_F(X11ScreensTest, onlyNormalWindowsAndDialogsAreInTheNormalLayer) {
     ASSERT_TRUE(comeToBe({{10, 10, 400, 300}}));
     EXPECT_EQ(layout().windows[0].layer, 0) << "without a type";
     for (const auto& row : rows) {
-        client.setWord(window, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM, client.atom(row.type));
+        client.setTypes(window, {row.type, "_NET_WM_WINDOW_TYPE_NORMAL"});
         EXPECT_EQ(layout().windows[0].layer, row.layer) << row.type;
     }
 }

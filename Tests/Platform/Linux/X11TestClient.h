@@ -37,6 +37,14 @@ public:
         xcb_change_property(xcb_, XCB_PROP_MODE_REPLACE, window, atom(name), type, 32, 1, &word);
         flush();
     }
+    void setTypes(xcb_window_t window, const std::vector<std::string_view>& names) const {
+        std::vector<xcb_atom_t> types;
+        for (const auto name : names)
+            types.push_back(atom(name));
+        xcb_change_property(xcb_, XCB_PROP_MODE_REPLACE, window, atom("_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM, 32,
+                            static_cast<std::uint32_t>(types.size()), types.data());
+        flush();
+    }
     void remove(xcb_window_t window, std::string_view name) const {
         xcb_delete_property(xcb_, window, atom(name));
         flush();

@@ -360,42 +360,45 @@ TEST_F(X11, aGlanceAtAPanelOfThisProgramLeavesTheFrontAsItWas) {
     client.setManaged({window, panel});
     client.setActive(window);
     EXPECT_EQ(readers->frontID(), "org.example.alpha");
-    client.setWord(panel, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM, client.atom("_NET_WM_WINDOW_TYPE_UTILITY"));
+    // As the view framework names the types of such a window.
+    client.setTypes(panel,
+                    {"_NET_WM_WINDOW_TYPE_UTILITY", "_KDE_NET_WM_WINDOW_TYPE_OVERRIDE", "_NET_WM_WINDOW_TYPE_NORMAL"});
     client.setActive(panel);
     EXPECT_EQ(readers->frontID(), "org.example.alpha");
-    client.setWord(panel, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM, client.atom("_NET_WM_WINDOW_TYPE_NORMAL"));
+    client.setTypes(panel, {"_NET_WM_WINDOW_TYPE_NORMAL"});
     EXPECT_TRUE(comesTrue([&] { return readers->frontID() != "org.example.alpha"; })) << "the dashboard counts";
 }
 
 TEST_F(X11, onlyRegularWindowsMakeARunningApplication) {
     const X11TestClient client(display.name());
     client.manage();
-    const auto type = [&](xcb_window_t window, std::string_view name) {
-        client.setWord(window, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM, client.atom(name));
-    };
     const struct {
-        const char* type;
+        std::vector<std::string_view> types;
         const char* state;
         bool isRegular;
     } rows[] = {
-        {nullptr, nullptr, true},
-        {"_NET_WM_WINDOW_TYPE_NORMAL", nullptr, true},
-        {"_NET_WM_WINDOW_TYPE_DIALOG", nullptr, true},
-        {"_NET_WM_WINDOW_TYPE_DOCK", nullptr, false},
-        {"_NET_WM_WINDOW_TYPE_DESKTOP", nullptr, false},
-        {"_NET_WM_WINDOW_TYPE_SPLASH", nullptr, false},
-        {nullptr, "_NET_WM_STATE_SKIP_TASKBAR", false},
-        {"_NET_WM_WINDOW_TYPE_NORMAL", "_NET_WM_STATE_HIDDEN", true},
+        {{}, nullptr, true},
+        {{"_NET_WM_WINDOW_TYPE_NORMAL"}, nullptr, true},
+        {{"_NET_WM_WINDOW_TYPE_DIALOG"}, nullptr, true},
+        {{"_NET_WM_WINDOW_TYPE_DOCK"}, nullptr, false},
+        {{"_NET_WM_WINDOW_TYPE_DESKTOP"}, nullptr, false},
+        {{"_NET_WM_WINDOW_TYPE_SPLASH"}, nullptr, false},
+        {{"_NET_WM_WINDOW_TYPE_UTILITY", "_NET_WM_WINDOW_TYPE_NORMAL"}, nullptr, false},
+        {{"_KDE_NET_WM_WINDOW_TYPE_OVERRIDE", "_NET_WM_WINDOW_TYPE_NORMAL"}, nullptr, true},
+        {{"_KDE_NET_WM_WINDOW_TYPE_OVERRIDE", "_NET_WM_WINDOW_TYPE_UTILITY"}, nullptr, false},
+        {{"_KDE_NET_WM_WINDOW_TYPE_OVERRIDE"}, nullptr, true},
+        {{}, "_NET_WM_STATE_SKIP_TASKBAR", false},
+        {{"_NET_WM_WINDOW_TYPE_NORMAL"}, "_NET_WM_STATE_HIDDEN", true},
     };
     for (const auto& row : rows) {
         const auto window = client.create("alpha");
-        if (row.type)
-            type(window, row.type);
+        if (!row.types.empty())
+            client.setTypes(window, row.types);
         if (row.state)
             client.setWord(window, "_NET_WM_STATE", XCB_ATOM_ATOM, client.atom(row.state));
         client.setManaged({window});
         EXPECT_EQ(readers->isRunning("org.example.alpha"), row.isRegular)
-            << (row.type ? row.type : "") << " " << (row.state ? row.state : "");
+            << testing::PrintToString(row.types) << " " << (row.state ? row.state : "");
     }
 }
 

@@ -129,6 +129,12 @@ SegmentedControl {
     onChosen: index => made = index
 })");
     EXPECT_TRUE(stage.items("Segment")[0]->property("checked").toBool());
+    stage.press(Qt::Key_Tab);
+    stage.press(Qt::Key_Right);
+    EXPECT_EQ(stage.value("control.made").toInt(), 1);
+    EXPECT_TRUE(stage.items("Segment")[1]->hasActiveFocus());
+    stage.press(Qt::Key_Left);
+    EXPECT_EQ(stage.value("control.made").toInt(), 0);
     stage.click(stage.withText("Week"));
     EXPECT_EQ(stage.value("control.made").toInt(), 1);
     EXPECT_TRUE(stage.items("Segment")[1]->property("checked").toBool());
@@ -162,6 +168,13 @@ Banner {
     EXPECT_EQ(stage.value("banner.pressed").toInt(), 0);
     stage.click(stage.items("IconButton").value(0));
     EXPECT_EQ(stage.value("banner.pressed").toInt(), 1);
+}
+
+TEST(Help, showsWhereTheKeyboardIsAndNamesTheKeys) {
+    Stage stage;
+    stage.show("IconButton { symbol: 'power'; help: 'Quit Kestrio'; keys: 'Ctrl+Q' }");
+    stage.press(Qt::Key_Tab);
+    EXPECT_TRUE(stage.becomes([&] { return stage.texts() == QStringList{"Quit Kestrio", "Ctrl+Q"}; }));
 }
 
 TEST(Help, showsAfterAWhileWhereThePointerRests) {

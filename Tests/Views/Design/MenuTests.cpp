@@ -62,7 +62,18 @@ TEST_F(CategoryMenuTest, isUsedWithTheKeyboardAlone) {
     stage.press(Qt::Key_Tab);
     stage.press(Qt::Key_Down);
     ASSERT_TRUE(stage.becomes([&] { return stage.items("PopupMenuItem").size() == 3; }));
-    stage.press(Qt::Key_Down);
+    stage.press(Qt::Key_Up); // from the current one
+    stage.press(Qt::Key_Return);
+    EXPECT_EQ(stage.value("page.chosen").toString(), "development");
+}
+
+TEST_F(CategoryMenuTest, homeAndEndLeadToTheFirstAndTheLastEntry) {
+    stage.press(Qt::Key_Tab);
+    stage.press(Qt::Key_Return);
+    ASSERT_TRUE(stage.becomes([&] { return stage.items("PopupMenuItem").size() == 3; }));
+    stage.press(Qt::Key_End);
+    EXPECT_TRUE(stage.items("PopupMenuItem")[2]->property("highlighted").toBool());
+    stage.press(Qt::Key_Home);
     stage.press(Qt::Key_Return);
     EXPECT_EQ(stage.value("page.chosen").toString(), "development");
 }

@@ -187,6 +187,24 @@ TEST(DashboardView, withoutAnAgentItShowsWhatIsStoredAndOffersToStartOne) {
     EXPECT_TRUE(screen.shows("Tracking"));
 }
 
+TEST(DashboardView, theAgentsDeathAndReturnLeavePageSelectionAndFilter) {
+    DashboardScreen screen({.page = "apps"});
+    screen.click("Editor");
+    screen.enter("Filter");
+    screen.type("notes");
+    const auto before = screen.words();
+    EXPECT_TRUE(screen.shows("notes.md"));
+    EXPECT_FALSE(screen.shows("main.cpp"));
+    screen.agentDies();
+    screen.settle();
+    EXPECT_TRUE(screen.shows(notRunning));
+    EXPECT_TRUE(screen.shows("notes.md"));
+    EXPECT_FALSE(screen.shows("main.cpp"));
+    screen.agentReturns();
+    screen.settle();
+    EXPECT_EQ(screen.words(), before);
+}
+
 TEST(DashboardView, saysThatTitlesCannotBeReadEvenToWhoDismissedTheBandAboutBrowsers) {
     DashboardScreen screen(
         {.prepare = [](WindowStage& stage) { stage.settings.set(settingKey::dismissedBrowserBanner, true); }});
@@ -269,6 +287,21 @@ TEST_F(BrowserBand, isThereWhileTheBrowserCannotBeRead) {
     EXPECT_FALSE(screen.shows(bandTitle));
     become({.isRunning = true});
     EXPECT_TRUE(screen.shows(bandTitle));
+}
+
+TEST_F(BrowserBand, takesItsPlaceBelowTheRangeWheneverItComes) {
+    const auto place = [this] {
+        auto* const band = screen.named(bandTitle, QAccessible::AlertMessage);
+        return band ? band->mapRectToScene(QRectF(0, 0, band->width(), band->height())) : QRectF();
+    };
+    const auto first = place();
+    auto* const range = screen.withText("Week");
+    ASSERT_NE(range, nullptr);
+    EXPECT_GT(first.top(), range->mapToScene(QPointF(0, range->height())).y());
+    become({.isRunning = true, .isBridgeConnected = true});
+    EXPECT_EQ(place(), QRectF());
+    become({.isRunning = true});
+    EXPECT_EQ(place(), first);
 }
 
 TEST_F(BrowserBand, leadsToTheSettingsWhereTheAnswerWasNo) {

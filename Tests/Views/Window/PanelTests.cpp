@@ -2,7 +2,7 @@
 #include "Kestrio/Views/Window/Panels/Panels.h"
 #include "Kestrio/Views/Window/Panels/SystemPanelModel.h"
 #include "Kestrio/Views/Window/Panels/TodayPanelModel.h"
-#include "Tests/Views/Window/Screen.h"
+#include "Tests/Views/Window/KeyboardWalk.h"
 #include "Tests/Views/Window/WindowStage.h"
 
 namespace kestrio {
@@ -74,7 +74,7 @@ struct PanelScreen : WindowStage, Screen {
     PanelParts panelParts{
         .window = parts,
         .openDashboard = [this](const auto& page) { opened.push_back("dashboard " + page.value_or("-")); },
-        .openSettings = [this] { opened.push_back("settings"); }};
+        .openSettings = [this](const auto& tab) { opened.push_back("settings " + tab.value_or("-")); }};
     std::unique_ptr<Model> model;
 };
 
@@ -102,6 +102,19 @@ TEST(TodayPanelView, tellsOfTheDayAndOfThisMoment) {
     EXPECT_TRUE(screen.model->isReady());
 }
 
+TEST(TodayPanelView, theAgentsDeathIsSaidWhileItIsOpen) {
+    TodayScreen screen;
+    screen.agentDies();
+    screen.settle();
+    EXPECT_TRUE(screen.shows("Not running"));
+    EXPECT_FALSE(screen.shows("Song of the sea"));
+    EXPECT_TRUE(screen.shows("38m"));
+    screen.agentReturns();
+    screen.settle();
+    EXPECT_TRUE(screen.shows("Song of the sea"));
+    EXPECT_FALSE(screen.shows("Not running"));
+}
+
 TEST(TodayPanelView, aHistoryThatCannotBeReadIsSaid) {
     constexpr auto gone =
         "Your history cannot be read. The file /home/me/activity.sqlite is gone. Once it is back, your "
@@ -123,6 +136,21 @@ TEST(TodayPanelView, aHistoryThatCannotBeReadIsSaid) {
     screen.settle();
     EXPECT_FALSE(screen.shows(gone));
     EXPECT_TRUE(screen.shows("0% productive"));
+}
+
+TEST(TodayPanelView, whatIsTooLongForItsLineIsTheHelpOfThatLine) {
+    const std::string title = "A title that goes on and on about how long it is, and then some more";
+    auto status = recording();
+    status.live->sample.title = title + " in front";
+    status.alongside.front().sample.title = title + " beside it";
+    const TodayScreen screen(status);
+    for (const auto* const where : {" in front", " beside it"}) {
+        const auto saying = screen.items(
+            [&](QQuickItem& item) { return item.property("text").toString().toStdString() == title + where; });
+        ASSERT_EQ(saying.size(), 2U) << where;
+        EXPECT_TRUE(saying[0]->property("truncated").toBool()) << where;
+        EXPECT_EQ(saying[1]->parentItem(), saying[0]) << "its help";
+    }
 }
 
 TEST(TodayPanelView, followsTheAgent) {
@@ -199,7 +227,7 @@ TEST(TodayPanelView, leadsOnByItsButtonsAndByKeys) {
     screen.click(screen.named("Settings", QAccessible::Button));
     screen.press(Qt::Key_D, Qt::ControlModifier);
     screen.press(Qt::Key_Comma, Qt::ControlModifier);
-    EXPECT_EQ(screen.opened, (Done{"dashboard -", "settings", "dashboard -", "settings"}));
+    EXPECT_EQ(screen.opened, (Done{"dashboard -", "settings -", "dashboard -", "settings -"}));
     EXPECT_EQ(screen.closings, 4);
 }
 
@@ -327,6 +355,17 @@ TEST(SystemPanelView, tellsHowTheMachineIs) {
         EXPECT_TRUE(screen.shows(text)) << text;
 }
 
+TEST(SystemPanelView, nothingOfWhatTheOptimizerHoldsIsCut) {
+    SystemScreen screen;
+    auto busy = reading();
+    busy.optimizer = OptimizerCounts{12, 11'200'000'000, 14, true};
+    screen.read(busy);
+    auto* const details = screen.withText("12 frozen (11.2 GB) · 14 on efficiency cores");
+    ASSERT_NE(details, nullptr);
+    EXPECT_FALSE(details->property("truncated").toBool());
+    EXPECT_GE(details->height(), details->implicitHeight());
+}
+
 TEST(SystemPanelView, ranksAsItsPickerSays) {
     SystemScreen screen;
     screen.read(reading());
@@ -353,7 +392,7 @@ TEST(SystemPanelView, leadsOn) {
     screen.click("Performance");
     screen.click(screen.named("Settings — you can hide this tray icon there", QAccessible::Button));
     screen.click("Optimization is off");
-    EXPECT_EQ(screen.opened, (Done{"monitor", "dashboard performance", "settings", "settings"}));
+    EXPECT_EQ(screen.opened, (Done{"monitor", "dashboard performance", "settings -", "settings optimization"}));
     EXPECT_EQ(screen.closings, 4);
 }
 
@@ -445,6 +484,43 @@ TEST(Panels, appearAllTheSameWhenNothingComes) {
     PanelsScreen screen;
     screen.panels.show({PanelKind::system, std::nullopt});
     EXPECT_TRUE(QTest::qWaitFor([&] { return screen.panels.window()->isVisible(); }));
+}
+
+TEST(TodayPanelView, isUsedByKeyboardAlone) {
+    TodayScreen screen;
+    KeyboardWalk walk(screen);
+    const auto stops = walk.stops(Qt::Key_Tab, [&] {
+        EXPECT_TRUE(walk.isRinged()) << walk.stop();
+        EXPECT_TRUE(walk.isInSight()) << walk.stop();
+        EXPECT_TRUE(walk.isLargeEnough()) << walk.stop();
+    });
+    EXPECT_EQ(stops,
+              (KeyboardWalk::Stops{"button: Dashboard", "button: Pause tracking", "button: Settings", "button: Quit"}));
+    walk.go("button: Pause tracking");
+    screen.press(Qt::Key_Space);
+    screen.settle();
+    EXPECT_EQ(screen.script.done, std::vector<std::string>{"pause"});
+    screen.press(Qt::Key_Escape);
+    EXPECT_FALSE(screen.window().isVisible());
+}
+
+TEST(SystemPanelView, isUsedByKeyboardAlone) {
+    SystemScreen screen;
+    screen.read(reading());
+    KeyboardWalk walk(screen);
+    const auto stops = walk.stops(Qt::Key_Tab, [&] {
+        EXPECT_TRUE(walk.isRinged()) << walk.stop();
+        EXPECT_TRUE(walk.isInSight()) << walk.stop();
+        EXPECT_TRUE(walk.isLargeEnough()) << walk.stop();
+    });
+    EXPECT_EQ(stops,
+              (KeyboardWalk::Stops{"choice: Memory", "button: Resume All", "button: System Monitor",
+                                   "button: Performance", "button: Settings — you can hide this tray icon there"}));
+    walk.go("choice: Memory");
+    screen.press(Qt::Key_Right);
+    EXPECT_EQ(walk.stop(), "choice: Power");
+    screen.press(Qt::Key_Escape);
+    EXPECT_FALSE(screen.window().isVisible());
 }
 
 } // namespace

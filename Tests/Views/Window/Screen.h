@@ -82,7 +82,7 @@ public:
     QQuickItem* named(const QString& name, QAccessible::Role role) const {
         const auto found = items([&](QQuickItem& item) {
             auto* const interface = QAccessible::queryAccessibleInterface(&item);
-            return interface && interface->role() == role && accessibleName(item) == name;
+            return interface && interface->role() == role && accessibleName(item) == name && isRead(*interface);
         });
         return found.empty() ? nullptr : found.back();
     }
@@ -91,6 +91,12 @@ public:
     static QString accessibleName(QQuickItem& item) {
         const auto name = QAccessible::queryAccessibleInterface(&item)->text(QAccessible::Name);
         return name.isEmpty() && item.inherits("QQuickAbstractButton") ? item.property("text").toString() : name;
+    }
+
+    /// Whether assistive technology comes to it: what stands in a row with a name of its own is passed over.
+    static bool isRead(QAccessibleInterface& interface) {
+        auto* const parent = interface.parent();
+        return parent && parent->indexOfChild(&interface) >= 0;
     }
 
     void click(QQuickItem* item) {

@@ -1,8 +1,8 @@
 #include "Kestrio/Base/VirtualQueue.h"
 #include "Programs/Window/StoredHistory.h"
 #include "Tests/ExpectedLog.h"
+#include "Tests/Link/ScriptedAgent.h"
 #include "Tests/Support/TemporaryFolder.h"
-#include "Tests/Views/Window/ScriptedAgent.h"
 
 #include <gtest/gtest.h>
 

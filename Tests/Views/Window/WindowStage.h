@@ -5,8 +5,8 @@
 #include "Kestrio/Base/VirtualQueue.h"
 #include "Kestrio/Platform/Testing/MemoryKeyValueStore.h"
 #include "Kestrio/Views/Window/WindowParts.h"
+#include "Tests/Link/ScriptedAgent.h"
 #include "Tests/Reports/ReportBench.h"
-#include "Tests/Views/Window/ScriptedAgent.h"
 
 namespace kestrio {
 
@@ -43,6 +43,17 @@ struct WindowStage {
         settle();
     }
 
+    void agentDies() {
+        isAgentThere = false;
+        agentQueue.async(tellGone);
+        settle();
+    }
+    void agentReturns() {
+        isAgentThere = true;
+        time.advance(AgentLink::retryInterval);
+        settle();
+    }
+
     /// Everything that is under way comes to its end.
     void settle() { time.runPending(); }
 
@@ -55,7 +66,9 @@ struct WindowStage {
     ClassificationSettings classification{settings};
     AgentScript script;
     bool isAgentThere;
-    AgentLink agent{main, agentQueue, [this](auto) -> std::optional<AgentConnection> {
+    std::function<void()> tellGone; // that the agent which was there is not any more
+    AgentLink agent{main, agentQueue, [this](auto gone) -> std::optional<AgentConnection> {
+                        tellGone = std::move(gone);
                         if (!isAgentThere)
                             return std::nullopt;
                         AgentConnection connection;

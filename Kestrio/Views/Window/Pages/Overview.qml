@@ -24,8 +24,6 @@ Item {
         anchors.fill: parent
 
         sourceComponent: ScrollPane {
-            activeFocusOnTab: true
-
             ColumnLayout {
                 spacing: Theme.m
                 width: parent.width

@@ -33,6 +33,7 @@ Item {
         TimelineList {
             Layout.fillHeight: true
             Layout.fillWidth: true
+            name: timeline.page.words.listName
             page: timeline.page
         }
     }

@@ -19,9 +19,6 @@ Item {
     }
 
     ScrollPane {
-        id: pane
-
-        activeFocusOnTab: true
         anchors.fill: parent
         visible: !empty.visible
 
@@ -96,12 +93,6 @@ Item {
                 value: view.page.searches ?? ({})
                 visible: view.page.searches !== undefined
             }
-        }
-
-        FocusRing {
-            anchors.margins: 2
-            parent: pane
-            shown: pane.activeFocus
         }
     }
 }

@@ -35,8 +35,9 @@ RowLayout {
             onClicked: status.settingsWanted()
         }
 
-        Line {
+        Paragraph {
             Layout.fillWidth: true
+            color: Theme.text
             font: Theme.small
             text: status.value.details.join(" · ")
             visible: text !== ""

@@ -18,7 +18,7 @@ void PanelModel::leaveFor(const std::function<void()>& open) {
 }
 
 void PanelModel::openSettings() {
-    leaveFor(parts_.openSettings);
+    leaveFor([this] { parts_.openSettings(std::nullopt); });
 }
 
 void PanelModel::act(std::function<Background::Failure(Background&)> action, std::function<void()> done) {

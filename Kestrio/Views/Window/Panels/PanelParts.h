@@ -14,7 +14,8 @@ struct PanelParts {
     // Other windows of this process.
     /// The dashboard at a page by its raw text, or as it was.
     std::function<void(const std::optional<std::string>& page)> openDashboard = [](const auto&) {};
-    std::function<void()> openSettings = [] {};
+    /// The settings at a tab by its raw text, or as they were.
+    std::function<void(const std::optional<std::string>& tab)> openSettings = [](const auto&) {};
 };
 
 } // namespace kestrio

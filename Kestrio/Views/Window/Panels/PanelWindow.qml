@@ -16,14 +16,21 @@ Window {
     readonly property real cornerRadius: Theme.radius + 2
     readonly property real padding: Theme.l
     property real wantedWidth: Theme.scaled(348)
+    readonly property int fixedHeight: Math.round(room.height > 0 ? Math.min(frame.wantedHeight, room.height) : frame.wantedHeight)
+    readonly property int fixedWidth: Math.round(room.width > 0 ? Math.min(wantedWidth, room.width) : wantedWidth)
     property alias head: headHolder.data
     property alias foot: footHolder.data
     default property alias content: contentHolder.data
 
     color: "transparent"
     flags: Qt.Tool | Qt.FramelessWindowHint | Qt.WindowStaysOnTopHint
-    height: Math.round(room.height > 0 ? Math.min(frame.wantedHeight, room.height) : frame.wantedHeight)
-    width: Math.round(room.width > 0 ? Math.min(wantedWidth, room.width) : wantedWidth)
+    height: fixedHeight
+    // Of one size only, or compositors that tile would stretch it.
+    maximumHeight: fixedHeight
+    maximumWidth: fixedWidth
+    minimumHeight: fixedHeight
+    minimumWidth: fixedWidth
+    width: fixedWidth
 
     LayoutMirroring.childrenInherit: true
     LayoutMirroring.enabled: Application.layoutDirection === Qt.RightToLeft
@@ -41,6 +48,7 @@ Window {
         focus: true
         radius: window.cornerRadius
 
+        Keys.forwardTo: [pane]
         Keys.onEscapePressed: window.close()
 
         ColumnLayout {

@@ -1,6 +1,7 @@
 #include "Kestrio/Views/Window/Panels/SystemPanelModel.h"
 
 #include "Kestrio/Link/OptimizerLink.h"
+#include "Kestrio/Shell/Settings.h"
 #include "Kestrio/Views/Values/Panels.h"
 
 namespace kestrio {
@@ -65,6 +66,10 @@ void SystemPanelModel::resumeAll() {
         auto* const optimizer = agent.optimizer();
         return optimizer ? optimizer->resumeAll() : std::nullopt;
     });
+}
+
+void SystemPanelModel::openOptimization() {
+    leaveFor([this] { parts().openSettings(std::string(rawText(SettingsTab::optimization))); });
 }
 
 void SystemPanelModel::perform(const QString& action) {

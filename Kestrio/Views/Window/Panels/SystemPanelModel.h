@@ -22,6 +22,8 @@ public:
     Q_INVOKABLE void rankBy(const QString& mode);
     /// Lets everything run again that the optimizer holds back.
     Q_INVOKABLE void resumeAll();
+    /// The settings where the optimizer is switched on.
+    Q_INVOKABLE void openOptimization();
     /// Does what the foot's button of this action is for.
     Q_INVOKABLE void perform(const QString& action);
 

@@ -18,6 +18,7 @@ PanelWindow {
     foot: [
         PlainButton {
             help: window.panel.dashboard.help
+            keys: window.panel.dashboard.keys
             prominent: true
             symbol: window.panel.dashboard.symbol
             text: window.panel.dashboard.title
@@ -36,6 +37,7 @@ PanelWindow {
         },
         IconButton {
             help: window.panel.settings.title
+            keys: window.panel.settings.keys
             symbol: window.panel.settings.symbol
 
             onClicked: window.model.openSettings()
@@ -45,6 +47,7 @@ PanelWindow {
             Accessible.name: window.panel.quit.title
             enabled: window.panel.quit.isEnabled
             help: window.panel.quit.help
+            keys: window.panel.quit.keys
             symbol: window.panel.quit.symbol
 
             onClicked: window.model.quit()
@@ -138,20 +141,20 @@ PanelWindow {
     }
 
     Shortcut {
-        sequence: "Ctrl+" + window.panel.dashboard.key
+        sequence: window.panel.dashboard.keys
 
         onActivated: window.model.openDashboard()
     }
 
     Shortcut {
-        sequence: "Ctrl+" + window.panel.settings.key
+        sequence: window.panel.settings.keys
 
         onActivated: window.model.openSettings()
     }
 
     Shortcut {
         enabled: window.panel.quit.isEnabled
-        sequence: "Ctrl+" + window.panel.quit.key
+        sequence: window.panel.quit.keys
 
         onActivated: window.model.quit()
     }
