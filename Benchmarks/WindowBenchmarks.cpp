@@ -167,21 +167,6 @@ void searchTimeline(benchmark::State& state) {
     }
 }
 
-/// A block in the middle of the window opened, and closed again.
-void toggleBlock(benchmark::State& state) {
-    OpenDashboard dashboard("timeline");
-    auto& list = dashboard.list();
-    list.setProperty("contentY", 5000);
-    dashboard.frame();
-    int row = -1;
-    QMetaObject::invokeMethod(&list, "indexAt", Q_RETURN_ARG(int, row), Q_ARG(double, list.width() / 2),
-                              Q_ARG(double, 5000 + list.height() / 2));
-    for ([[maybe_unused]] auto _ : state) {
-        dashboard.page<TimelineModel>().rows()->toggle(row);
-        dashboard.frame();
-    }
-}
-
 /// From one application to the next, down the first few, the browser with most of the month among them.
 template <class Page>
 void select(benchmark::State& state, const QString& page) {
@@ -237,7 +222,6 @@ void registerAll() {
     }
     add("scrollTimeline", scrollTimeline);
     add("searchTimeline", searchTimeline);
-    add("toggleBlock", toggleBlock);
     add("select/apps", [](auto& state) { select<AppsModel>(state, u"apps"_qs); });
     add("select/websites", [](auto& state) { select<WebsitesModel>(state, u"websites"_qs); });
     add("select/projects", [](auto& state) { select<ProjectsModel>(state, u"projects"_qs); });

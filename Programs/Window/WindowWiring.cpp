@@ -149,7 +149,7 @@ ReportStore::Parts WindowWiring::storeParts(Queue& main) {
             [this] {
                 return Classification{classification_.categorizer().snapshot(), classification_.projectRules().rules()};
             },
-        .freed = [] { malloc_trim(0); }, // a month takes tens of megabytes, and a day may be next
+        .freed = [] { malloc_trim(0); }, // what a month took and a day does not need
     };
 }
 
