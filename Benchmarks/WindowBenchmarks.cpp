@@ -167,12 +167,17 @@ void searchTimeline(benchmark::State& state) {
     }
 }
 
-/// A block opened and closed again.
+/// A block in the middle of the window opened, and closed again.
 void toggleBlock(benchmark::State& state) {
     OpenDashboard dashboard("timeline");
-    QMetaObject::invokeMethod(&dashboard.list(), "positionViewAtIndex", Q_ARG(int, 0), Q_ARG(int, 0)); // at its top
+    auto& list = dashboard.list();
+    list.setProperty("contentY", 5000);
+    dashboard.frame();
+    int row = -1;
+    QMetaObject::invokeMethod(&list, "indexAt", Q_RETURN_ARG(int, row), Q_ARG(double, list.width() / 2),
+                              Q_ARG(double, 5000 + list.height() / 2));
     for ([[maybe_unused]] auto _ : state) {
-        dashboard.page<TimelineModel>().rows()->toggle(1);
+        dashboard.page<TimelineModel>().rows()->toggle(row);
         dashboard.frame();
     }
 }

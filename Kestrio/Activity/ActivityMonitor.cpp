@@ -144,6 +144,21 @@ void ActivityMonitor::pause(std::optional<Date> until) {
     });
 }
 
+void ActivityMonitor::beginAnew(std::function<void()> work) {
+    host_.queue.async([weak = std::weak_ptr(self_), work = std::move(work)] {
+        const auto self = weak.lock();
+        if (!self)
+            return;
+        auto& monitor = **self;
+        const auto now = monitor.presentMoment();
+        monitor.closeCurrent(now);
+        monitor.closeAllAlongside(now);
+        monitor.writer_.forget();
+        work();
+        monitor.tick();
+    });
+}
+
 std::vector<ActivitySession> ActivityMonitor::sessions(DateInterval interval) {
     return host_.queue.sync([&] {
         std::int64_t nextID = -1;

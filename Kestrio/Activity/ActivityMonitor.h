@@ -108,6 +108,10 @@ public:
     /// Pauses until a date, which closes the session at once; an absent one resumes. Does not wait.
     void pause(std::optional<Date> until);
 
+    /// Closes every session, runs the work, which may delete all that is stored, and begins anew. What the store could
+    /// not take so far is forgotten. Does not wait.
+    void beginAnew(std::function<void()> work);
+
     /// The stored sessions that reach into the interval, joined with the open ones up to their last tick. Open ones
     /// without a row have negative identifiers and follow the stored ones, out of the order of starts. Waits; must not
     /// be called from the queue.

@@ -32,6 +32,9 @@ public:
     /// stored ones with identifiers from `nextID` downwards, which is moved on.
     std::vector<ActivitySession> sessions(DateInterval range, std::int64_t& nextID);
 
+    /// What waits is not to be written any more.
+    void forget() { waiting_.clear(); }
+
     std::size_t waiting() const { return waiting_.size(); }
 
     /// The writer's last words when the program ends: one line in the log if something is lost with it.

@@ -49,4 +49,8 @@ std::error_code makePrivateFile(const std::filesystem::path& file) {
     return keepOwnersAccessOnly(file, O_RDWR | O_CREAT);
 }
 
+Descriptor openForReading(const std::filesystem::path& file) {
+    return Descriptor(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+}
+
 } // namespace kestrio

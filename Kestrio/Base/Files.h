@@ -2,6 +2,8 @@
 // Each answers with the system's error, or none.
 #pragma once
 
+#include "Kestrio/Base/Descriptor.h"
+
 #include <filesystem>
 #include <system_error>
 
@@ -15,5 +17,9 @@ std::error_code makePrivateFolder(const std::filesystem::path& folder);
 
 /// Makes an empty file where there is none, and takes everybody else's access away. The contents stay as they are.
 std::error_code makePrivateFile(const std::filesystem::path& file);
+
+/// Opens a file of any kind for reading; does not wait for the other end of a pipe. Holds nothing when that fails, and
+/// `errno` says why.
+Descriptor openForReading(const std::filesystem::path& file);
 
 } // namespace kestrio

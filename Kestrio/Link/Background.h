@@ -80,6 +80,13 @@ public:
     /// first.
     virtual Subscription importFiles(std::vector<SessionFile> files, ImportReceiver receiver) = 0;
 
+    /// Deletes the sessions that ended before the date, or with an absent one all of them, the open ones too. Does not
+    /// wait for it; whoever observes the data hears of its end.
+    virtual Failure deleteActivity(std::optional<Date> before) = 0;
+
+    /// Deletes all that the resource log holds. Sessions are not touched.
+    virtual Failure deleteResourceLog() = 0;
+
     /// `receiver` is called whenever stored sessions changed other than by recording, until the token is dropped.
     virtual Subscription observeData(std::function<void()> receiver) = 0;
 

@@ -167,6 +167,14 @@ Subscription BackgroundClient::importFiles(std::vector<SessionFile> files, Impor
     });
 }
 
+Background::Failure BackgroundClient::deleteActivity(std::optional<Date> before) {
+    return before ? call("DeleteActivityBefore", before->seconds()) : call("DeleteAllActivity");
+}
+
+Background::Failure BackgroundClient::deleteResourceLog() {
+    return call("DeleteResourceLog");
+}
+
 Subscription BackgroundClient::observeData(std::function<void()> receiver) {
     *dataReceiver_ = std::move(receiver);
     return Subscription([held = dataReceiver_] { *held = nullptr; });

@@ -31,6 +31,8 @@ public:
     Failure openSettings(std::optional<std::string> tab) override;
     Failure quit() override;
     Subscription importFiles(std::vector<SessionFile> files, ImportReceiver receiver) override;
+    Failure deleteActivity(std::optional<Date> before) override;
+    Failure deleteResourceLog() override;
     Subscription observeData(std::function<void()> receiver) override;
     std::optional<std::vector<BrowserReading>> browsers() override;
     Subscription observeBrowsers(std::function<void()> receiver) override;

@@ -156,6 +156,17 @@ void BackgroundService::registerObject(sdbus::IConnection& connection) {
     object_->registerMethod("StopImport").onInterface(interface).implementedAs([this] {
         stopImport(object_->getCurrentlyProcessedMessage()->getSender());
     });
+    object_->registerMethod("DeleteActivityBefore")
+        .onInterface(interface)
+        .withInputParamNames("date") // seconds since 1970
+        .implementedAs(
+            [this](double date) { require(background_.deleteActivity(Date(date)), busNames::errorInvalid); });
+    object_->registerMethod("DeleteAllActivity").onInterface(interface).implementedAs([this] {
+        require(background_.deleteActivity(std::nullopt));
+    });
+    object_->registerMethod("DeleteResourceLog").onInterface(interface).implementedAs([this] {
+        require(background_.deleteResourceLog());
+    });
     object_->registerProperty("State").onInterface(interface).withGetter(
         [this] { return std::string(rawValue(background_.status()->state)); });
     object_->registerProperty("PausedUntil").onInterface(interface).withGetter([this] {

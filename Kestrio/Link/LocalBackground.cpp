@@ -79,6 +79,22 @@ Subscription LocalBackground::importFiles(std::vector<SessionFile> files, Import
     return services_.importFiles(std::move(files), {std::move(receiver.progress), std::move(ended)});
 }
 
+Background::Failure LocalBackground::deleteActivity(std::optional<Date> before) {
+    if (!services_.deleteActivity)
+        return "There is no database here to delete from.";
+    if (before && !(*before <= model_.clock().now()))
+        return "what is deleted must lie in the past";
+    services_.deleteActivity(before, [this] { activityDataDidChange_.emit(); });
+    return std::nullopt;
+}
+
+Background::Failure LocalBackground::deleteResourceLog() {
+    if (!services_.deleteResourceLog)
+        return "There is no resource log here.";
+    services_.deleteResourceLog();
+    return std::nullopt;
+}
+
 Subscription LocalBackground::observeData(std::function<void()> receiver) {
     return activityDataDidChange_.subscribe(std::move(receiver));
 }

@@ -19,6 +19,7 @@ public:
     };
 
     using ImportFiles = std::function<Subscription(std::vector<SessionFile>, ImportReceiver)>;
+    using DeleteActivity = std::function<void(std::optional<Date> before, std::function<void()> deleted)>;
     using ObserveMonitor = std::function<Subscription(std::function<void(const MonitorReading&)>)>;
 
     /// What the agent lends it, each as the operation of `Background` by the same name says. What is left out answers
@@ -26,6 +27,8 @@ public:
     struct Services {
         std::function<Failure(const WindowRequest&)> openWindow = {};
         ImportFiles importFiles = {};
+        DeleteActivity deleteActivity = {}; // tells its end on the queue
+        std::function<void()> deleteResourceLog = {};
         std::function<std::vector<BrowserReading>()> browsers = {};
         std::function<Subscription(std::function<void()>)> observeBrowsers = {};
         ObserveMonitor observeMonitor = {};
@@ -44,6 +47,8 @@ public:
     Failure openSettings(std::optional<std::string> tab) override;
     Failure quit() override;
     Subscription importFiles(std::vector<SessionFile> files, ImportReceiver receiver) override;
+    Failure deleteActivity(std::optional<Date> before) override;
+    Failure deleteResourceLog() override;
     Subscription observeData(std::function<void()> receiver) override;
     std::optional<std::vector<BrowserReading>> browsers() override;
     Subscription observeBrowsers(std::function<void()> receiver) override;

@@ -113,6 +113,8 @@ public:
                 .openWindow = [this](const WindowRequest& request) { return windows_->show(request); },
                 .importFiles = [this](auto files,
                                       auto receiver) { return importFiles(std::move(files), std::move(receiver)); },
+                .deleteActivity = [this](auto before, auto deleted) { deleteActivity(before, std::move(deleted)); },
+                .deleteResourceLog = [this] { resources_->deleteLog(); },
                 .browsers = [this] { return browserReadings(); },
                 .observeBrowsers = [this](auto receiver) { return browserChanges_.subscribe(std::move(receiver)); },
                 .observeMonitor = [this](auto receiver) { return systemMonitor_->observe(std::move(receiver)); },
@@ -347,6 +349,20 @@ private:
         return import_->start(std::move(files), std::move(receiver));
     }
 
+    void deleteActivity(std::optional<Date> before, std::function<void()> deleted) {
+        const auto erase = [this, before, deleted = std::move(deleted)] {
+            if (before)
+                database_->deleteSessions(*before);
+            else
+                database_->deleteAll();
+            main_.async(deleted);
+        };
+        if (before)
+            monitorQueue_.async(erase);
+        else
+            monitor_->beginAnew(erase);
+    }
+
     /// The path without promise of time: what is open is saved first.
     void endBySignal() {
         stopRecording();
@@ -418,6 +434,8 @@ private:
 
 int runAgent(const AgentOptions& options) {
     umask(077); // whatever is made here is nobody else's business
+    // Its threads hardly ever work at the same time; a heap for each would only keep what another could use.
+    mallopt(M_ARENA_MAX, 1);
     const auto places = locations(processEnvironment);
     if (!places) {
         say("neither KESTRIO_HOME nor HOME is set to a folder; there is no place to keep anything.");

@@ -60,6 +60,12 @@ public:
             store_->add(event.kind, std::move(app), event.detail, event.bytes, event.at);
     }
 
+    /// Deletes all that is logged. Does not wait.
+    void deleteLog() {
+        if (store_)
+            store_->deleteAll();
+    }
+
     AgentCost cost() const { return {.cost = recorder_->ownCost(), .lowered = recorder_->loweredPace()}; }
 
 private:

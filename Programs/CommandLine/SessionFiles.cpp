@@ -1,5 +1,6 @@
 #include "Programs/CommandLine/SessionFiles.h"
 
+#include "Kestrio/Base/Files.h"
 #include "Kestrio/Base/Text.h"
 #include "Kestrio/Platform/Linux/SingleInstance.h"
 #include "Kestrio/Reports/CSVExporter.h"
@@ -28,7 +29,7 @@ constexpr Seconds stopCheckInterval{0.1};
 SessionFile opened(const std::string& name) {
     if (name == "-")
         return {"standard input", Descriptor(fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0))};
-    return {fs::path(name).filename().string(), Descriptor(open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK))};
+    return {fs::path(name).filename().string(), openForReading(name)};
 }
 
 ImportOutcome importThroughAgent(BackgroundClient& agent, std::vector<SessionFile> files, const LongWork& work) {

@@ -1,6 +1,7 @@
 #include "Programs/Window/CommandLine.h"
 
 #include "Kestrio/Pages/DashboardSection.h"
+#include "Kestrio/Pages/Settings/SettingsWindow.h"
 #include "Kestrio/Shell/AppInfo.h"
 
 #include <CLI/CLI.hpp>
@@ -23,6 +24,10 @@ std::optional<ScreenPoint> screenPoint(std::string_view text) {
 
 std::string sectionMistake(const std::string& text) {
     return dashboardSectionError(text).value_or("");
+}
+
+std::string tabMistake(const std::string& text) {
+    return settingsTabError(text).value_or("");
 }
 
 std::string pointMistake(const std::string& text) {
@@ -60,7 +65,9 @@ std::variant<WindowRequest, int> parseWindowArguments(int count, const char* con
         app.add_subcommand(panel, std::string("The panel of ") + panel)
             ->add_option("--at", texts.at, "The pixel beside which it opens, as X,Y")
             ->check(pointMistake);
-    app.add_subcommand("settings", "The settings")->add_option("--tab", texts.tab, "The tab to show first");
+    app.add_subcommand("settings", "The settings")
+        ->add_option("--tab", texts.tab, "The tab to show first")
+        ->check(tabMistake);
     try {
         app.parse(count, arguments);
     } catch (const CLI::Success& success) {

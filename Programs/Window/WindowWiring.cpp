@@ -5,8 +5,11 @@
 #include "Kestrio/Platform/Linux/BusAddress.h"
 #include "Kestrio/Platform/Linux/BusConnection.h"
 #include "Kestrio/Platform/Linux/DetachedProgram.h"
+#include "Kestrio/Platform/Linux/FileManager.h"
+#include "Kestrio/Platform/Linux/LinuxHostFacts.h"
 #include "Kestrio/Platform/Linux/PrivacyRemedies.h"
 #include "Kestrio/Platform/Linux/SystemMonitorPrograms.h"
+#include "Kestrio/Shell/AppInfo.h"
 #include "Kestrio/Shell/Settings.h"
 #include "Programs/Agent/HostClassification.h"
 #include "Programs/Window/DesktopLook.h"
@@ -75,8 +78,11 @@ WindowWiring::WindowWiring(Queue& main, const Locations& locations, const std::o
       browsers_(main, agentQueue_, agent_, clock_,
                 {processEnvironment, ownFolder(), calendar_.locale(), startForPerson}),
       history_(dataFolder(locations) / Database::fileName, agent_),
+      archive_(dataFolder(locations) / Database::fileName, history_),
       dashboard_(storeParts(main), calendar_, RangeMode::day, ReportStore::Follows::itsPerson),
       today_(storeParts(main), calendar_, RangeMode::day, ReportStore::Follows::now),
+      loginItem_(locations.autostartFolder(), ownFolder() / "kestrio"),
+      archiveLink_(main, loadingQueue_, archive_),
       parts_{.clock = clock_,
              .queue = main,
              .calendar = calendar_,
@@ -86,6 +92,8 @@ WindowWiring::WindowWiring(Queue& main, const Locations& locations, const std::o
              .dashboard = dashboard_,
              .today = today_,
              .browserAccess = &browsers_.access(),
+             .loginItem = &loginItem_,
+             .archive = &archiveLink_,
              .host = host(main, locations, busAddress)} {
     std::map<std::string, SettingValue> registered;
     for (const auto& setting : knownSettings())
@@ -122,6 +130,8 @@ WindowHost WindowWiring::host(Queue& main, const Locations& locations, const std
         host.observeDesktop = [this, &main, address = *busAddress](auto receiver) {
             return observeDesktopLook(address, main, agentQueue_, std::move(receiver));
         };
+    host.systemInfo = [] { return AppInfo::diagnostics(hostFacts()); };
+    host.showInFiles = [this, busAddress](const auto& file) { showInFiles(busAddress, file); };
     host.historyFile = dataFolder(locations) / Database::fileName;
     const auto sizeFile = locations.cache / "Kestrio" / "dashboard-size";
     host.storedSize = [sizeFile] { return readStoredSize(sizeFile); };
@@ -141,6 +151,14 @@ ReportStore::Parts WindowWiring::storeParts(Queue& main) {
             },
         .freed = [] { malloc_trim(0); }, // a month takes tens of megabytes, and a day may be next
     };
+}
+
+/// Without a file manager that knows how to show a file, its folder is opened.
+void WindowWiring::showInFiles(const std::optional<std::string>& busAddress, const fs::path& file) {
+    agentQueue_.async([busAddress, file] {
+        if (!busAddress || !showInFileManager(*busAddress, file))
+            startDetached({"xdg-open", file.parent_path().string()});
+    });
 }
 
 /// Quietly: the windows are there already.

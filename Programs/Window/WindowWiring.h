@@ -3,10 +3,12 @@
 #pragma once
 
 #include "Kestrio/Base/LoopQueue.h"
+#include "Kestrio/Platform/Linux/AutostartLoginItem.h"
 #include "Kestrio/Platform/Linux/Locations.h"
 #include "Kestrio/Views/Window/WindowParts.h"
 #include "Programs/Window/HostBrowserAccess.h"
 #include "Programs/Window/SettingsRelay.h"
+#include "Programs/Window/StoredArchive.h"
 #include "Programs/Window/StoredHistory.h"
 #include "Programs/Window/ZoneWatch.h"
 
@@ -23,6 +25,7 @@ public:
 
 private:
     static bool startAgent();
+    void showInFiles(const std::optional<std::string>& busAddress, const std::filesystem::path& file);
     WindowHost host(Queue& main, const Locations& locations, const std::optional<std::string>& busAddress);
     ReportStore::Parts storeParts(Queue& main);
     void followTimeZone();
@@ -36,9 +39,12 @@ private:
     AgentLink agent_;
     HostBrowserAccess browsers_;
     StoredHistory history_;
+    StoredArchive archive_;
     WorkerQueue loadingQueue_{"Kestrio.reports"}; // dropped before what its work uses
     ReportStore dashboard_;
     ReportStore today_;
+    AutostartLoginItem loginItem_;
+    ArchiveLink archiveLink_;
     const WindowParts parts_;
     Subscription zoneLooks_;
 };

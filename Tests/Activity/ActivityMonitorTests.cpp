@@ -907,5 +907,19 @@ TEST_F(Monitor, aJumpStartsTheAlongsideIntervalsOver) {
     EXPECT_EQ(monitor->published().alongside[0].start, origin + Seconds(20 + 2 - 7200));
 }
 
+TEST(ActivityMonitor, beginsAnewOnceEverythingWasDeleted) {
+    MonitorBench bench;
+    bench.show("org.example.editor", "Draft");
+    bench.start();
+    bench.pass(60);
+    EXPECT_FALSE(bench.rows().empty());
+    bench.monitor->beginAnew([&] { bench.database.deleteAll(); });
+    bench.time.runPending();
+    EXPECT_EQ(bench.rows(), Rows{});
+    bench.pass(60);
+    ASSERT_EQ(bench.rows().size(), 1U) << "what is still in front is recorded from then on";
+    EXPECT_EQ(bench.rows().front().substr(0, 8), "Draft 60");
+}
+
 } // namespace
 } // namespace kestrio

@@ -5,8 +5,8 @@ import dbus
 from kestrio_desktop import eventually
 
 ROLES = {
-    "alert": 2, "dialog": 16, "heading": 83, "label": 29, "list": 31, "list item": 32, "menu item": 35, "panel": 39,
-    "push button": 43, "radio button": 44,
+    "alert": 2, "check box": 7, "dialog": 16, "heading": 83, "label": 29, "list": 31, "list item": 32, "menu item": 35,
+    "panel": 39, "push button": 43, "radio button": 44,
 }
 FOCUSABLE, FOCUSED, VISIBLE = 11, 12, 30  # among the states
 WINDOW = 1  # among the origins of places
@@ -66,11 +66,6 @@ class Thing:
         """Left and upper edge in the window, width and height."""
         sides = self.object.GetExtents(WINDOW, dbus_interface="org.a11y.atspi.Component", signature="u")
         return [int(side) for side in sides]
-
-    def right(self):
-        """Where it ends, in points from the window's left edge."""
-        left, _, width, _ = self.place()
-        return left + width
 
     def press(self):
         actions = self.object.GetActions(dbus_interface="org.a11y.atspi.Action")
@@ -144,6 +139,10 @@ class Screen:
             return thing and (thing.role_name(), thing.name)
         except dbus.DBusException:
             return None
+
+    def focused_path(self):
+        thing = self.focus()
+        return thing and str(thing.path)
 
     def focused_description(self):
         thing = self.focus()

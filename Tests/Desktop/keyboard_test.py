@@ -58,9 +58,9 @@ class Keyboard(DesktopTest):
         for _ in range(60):
             if self.is_at(name, role):
                 return
-            before = self.screen.focused()
+            before = self.screen.focused_path()
             self.key(key)
-            eventually(lambda: self.screen.focused() != before, f"the keyboard leaves {before}")
+            eventually(lambda: self.screen.focused_path() != before, f"the keyboard leaves {self.screen.focused()}")
             way.append(self.screen.focused())
         self.fail(f"{name} is not on the way {way}")
 
@@ -110,7 +110,7 @@ class Keyboard(DesktopTest):
         for page in ("Apps", "Websites", "Projects"):
             self.show(page)
             self.tab_to(page, "list")
-            first = self.screen.rows_of(page)[0]
+            first = self.settled_rows(page)[0]
             self.key("Down")
             self.screen.shown(first, "heading")
             self.check_names(page + ", selected")
@@ -138,6 +138,19 @@ class Keyboard(DesktopTest):
         for page in PAGES:
             self.show(page)
             self.assertLess(self.check_names(page), FEW, page)
+
+    def test_a_range_with_fewer_rows_does_not_end_the_window(self):
+        self.live(3, 60)
+        self.start_window()
+        self.tab_to("Day", "radio button")
+        for _ in range(3):
+            for key, title in (("Right", "This Week"), ("Right", "This Month"), ("Left", "This Week"), ("Left", None)):
+                self.key(key)
+                if title:
+                    self.screen.shown(title, "heading")
+                else:
+                    self.arrives("Day", "radio button")
+        self.assertIsNone(self.window.poll())
 
     def test_the_whole_dashboard_by_keyboard(self):
         self.live(3, 60)
@@ -180,9 +193,20 @@ class Keyboard(DesktopTest):
         self.key("ctrl+t", "F5")
         self.screen.shown("Today", "heading")
 
+    def settled_rows(self, name):
+        """The rows of a list once the report that was asked for shows."""
+        seen = []
+
+        def is_settled():
+            seen.append(self.screen.rows_of(name))
+            return len(seen) > 20 and all(rows == seen[-1] for rows in seen[-20:])
+
+        eventually(is_settled, f"{name} stays as it is")
+        return seen[-1]
+
     def search(self):
         self.show("Websites")
-        rows = self.screen.rows_of("Websites")
+        rows = self.settled_rows("Websites")
         self.assertGreater(len(rows), 1)
         self.key("ctrl+f")
         self.arrives("Filter")
@@ -190,7 +214,7 @@ class Keyboard(DesktopTest):
         left = lambda: self.screen.rows_of("Websites")
         eventually(lambda: rows[-1] in left() and len(left()) < len(rows), "what was found is left")
         self.key("Escape")
-        eventually(lambda: self.screen.rows_of("Websites") == rows, "all sites are back")
+        eventually(lambda: sorted(left()) == sorted(rows), "all sites are back")
         self.tab_to("Websites", "list")
         self.key("End")
         self.arrives(rows[-1], "list item")
@@ -202,20 +226,18 @@ class Keyboard(DesktopTest):
     def change_a_category(self):
         self.show("Apps")
         self.tab_to("Apps", "list")
-        first = self.screen.rows_of("Apps")[0]
+        first = self.settled_rows("Apps")[0]
         self.key("Down")
         self.screen.shown(first, "heading")
         self.key("Tab")
         while self.screen.focused_description() != "Change category":
             self.key("Tab")
         self.key("Return")
-        self.screen.shown("Finance", "menu item")
-        before = self.screen.focused()
+        self.screen.shown("Social Media", "menu item")
         self.key("Home", "Return")
-        eventually(lambda: "Development" in str(self.home.control("categories").stdout), "the category is stored")
-        self.screen.gone("Finance", "menu item")
-        self.assertNotEqual(self.screen.focused(), before)
-        eventually(lambda: self.screen.focused_description() == "Change category", "the keyboard is back at the menu")
+        self.screen.gone("Social Media", "menu item")
+        self.arrives("Development")
+        self.assertEqual(self.screen.focused_description(), "Change category")
 
     def add_a_rule(self):
         self.show("Projects")
@@ -227,8 +249,8 @@ class Keyboard(DesktopTest):
         self.key("Tab")
         self.type("Coast")
         self.key("Return")
-        eventually(lambda: "lighthouse" in self.home.control("projects").stdout, "the rule is stored")
         self.screen.shown("lighthouse", "list item")
+        self.assertIn("lighthouse", self.home.control("projects", "list").stdout)
         self.check_names("the sheet with a rule")
         self.key("Escape")
         self.screen.gone("Project Rules", "heading")

@@ -88,11 +88,16 @@ class Wayland(DesktopTest):
         pixels = picture.read_bytes()[-1366 * 768 * 3 :]
         return len({pixels[at : at + 3] for at in range(0, len(pixels), 3)})
 
+    def right_edge(self, name, role):
+        left, _, width, _ = self.screen.shown(name, role).place()
+        return left + width
+
     def ended_well(self, window):
         self.assertEqual(window.wait(timeout=DEADLINE), 0)
         self.assertEqual(window.stderr.read(), "")
 
-    def escape(self):
+    def escape(self, title):
+        eventually(lambda: self.window(title)["focused"], f"{title} has the keyboard")
         subprocess.run(["wtype", "-k", "Escape"], env=self.compositor, check=True, timeout=DEADLINE)
 
     def test_the_dashboard_has_its_name_and_application_and_draws(self):
@@ -109,14 +114,13 @@ class Wayland(DesktopTest):
         self.screen.shown("Overview", "list item")
         self.sway("output", "HEADLESS-1", "resolution", "683x768")
         # What a window insists on having beyond its place is cut off.
-        eventually(lambda: self.screen.shown("Refresh", "push button").right() <= 683, "its end is in sight")
+        eventually(lambda: self.right_edge("Refresh", "push button") <= 683, "its end is in sight")
         self.sway("[app_id=kestrio]", "kill")
         self.ended_well(window)
 
     def test_where_people_read_from_right_to_left_the_dashboard_is_mirrored(self):
         window = self.start_window(LC_ALL="ar_EG.UTF-8")
-        self.screen.shown("Overview", "list item")
-        eventually(lambda: self.screen.shown("Overview", "list item").right() > 1000, "the sidebar is on the right")
+        eventually(lambda: self.right_edge("Overview", "list item") > 1000, "the sidebar is on the right")
         self.sway("[app_id=kestrio]", "kill")
         self.ended_well(window)
 
@@ -128,7 +132,7 @@ class Wayland(DesktopTest):
                 shown = self.window(title)
                 self.assertEqual((shown["type"], shown["app_id"]), ("floating_con", "kestrio"))
                 self.assertEqual(shown["geometry"]["width"], 348)
-                self.escape()
+                self.escape(title)
                 self.ended_well(window)
 
     def test_a_panel_goes_when_another_window_is_brought_forward(self):
@@ -150,7 +154,7 @@ class Wayland(DesktopTest):
         shown = self.window("Today")
         self.assertEqual(shown["geometry"]["width"], 348)
         eventually(lambda: self.colours() > 50, "the panel is drawn")
-        self.escape()
+        self.escape("Today")
         self.ended_well(window)
 
 

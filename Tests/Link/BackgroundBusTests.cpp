@@ -406,5 +406,19 @@ TEST(BackgroundClient, aTokenMayOutliveTheClient) {
     client.reset();
 }
 
+TEST(BackgroundOnTheBus, whatIsDeletedIsAskedFor) {
+    const PrivateBus bus;
+    TestAgent agent(bus.address());
+    const auto client = BackgroundClient::connect(bus.address());
+    ASSERT_TRUE(client);
+    EXPECT_EQ(client->deleteActivity(origin), std::nullopt);
+    EXPECT_EQ(client->deleteActivity(std::nullopt), std::nullopt);
+    EXPECT_EQ(client->deleteActivity(distantFuture), "what is deleted must lie in the past");
+    EXPECT_EQ(client->deleteResourceLog(), std::nullopt);
+    EXPECT_EQ(agent.with([](LinkBench& bench) { return bench.deletions; }),
+              (std::vector<std::optional<Date>>{origin, std::nullopt}));
+    EXPECT_EQ(agent.with([](LinkBench& bench) { return bench.logDeletions; }), 1);
+}
+
 } // namespace
 } // namespace kestrio

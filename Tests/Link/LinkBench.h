@@ -24,6 +24,12 @@ struct LinkBench : MonitorBench {
                     },
                 .importFiles = [this](auto files,
                                       auto receiver) { return importFiles(std::move(files), std::move(receiver)); },
+                .deleteActivity =
+                    [this](auto before, const auto& deleted) {
+                        deletions.push_back(before);
+                        deleted();
+                    },
+                .deleteResourceLog = [this] { ++logDeletions; },
                 .browsers = [this] { return browsers; },
                 .observeBrowsers = [this](auto receiver) { return browserChanges.subscribe(std::move(receiver)); },
                 .observeMonitor = [this](auto receiver) { return observeMonitor(std::move(receiver)); },
@@ -40,6 +46,8 @@ struct LinkBench : MonitorBench {
     std::vector<WindowRequest> windows; // that were asked for
     Background::Failure windowFailure;
     LocalBackground::ImportFiles importFiles;
+    std::vector<std::optional<Date>> deletions;
+    int logDeletions = 0;
     std::vector<BrowserReading> browsers;
     Signal<> browserChanges;
     LocalBackground::ObserveMonitor observeMonitor = [](const auto&) { return Subscription(); };

@@ -179,5 +179,20 @@ TEST(LocalBackground, openSessionsAreFollowedOnlyWhileSomebodyObserves) {
     EXPECT_EQ(bench.model->live().value()->sample.title, "Letter");
 }
 
+TEST(LocalBackground, deletesActivityOfThePastAndTellsWhenItIsDone) {
+    LinkBench bench;
+    int told = 0;
+    const auto token = bench.background->observeData([&] { ++told; });
+    EXPECT_EQ(bench.background->deleteActivity(std::nullopt), std::nullopt);
+    EXPECT_EQ(bench.background->deleteActivity(origin), std::nullopt);
+    EXPECT_EQ(bench.deletions, (std::vector<std::optional<Date>>{std::nullopt, origin}));
+    EXPECT_EQ(told, 2);
+    for (const double seconds : {std::nan(""), 1e300})
+        EXPECT_EQ(bench.background->deleteActivity(Date(seconds)), "what is deleted must lie in the past") << seconds;
+    EXPECT_EQ(bench.deletions.size(), 2U);
+    EXPECT_EQ(bench.background->deleteResourceLog(), std::nullopt);
+    EXPECT_EQ(bench.logDeletions, 1);
+}
+
 } // namespace
 } // namespace kestrio

@@ -16,6 +16,9 @@ struct AgentScript {
     Signal<AgentStatus> changed;
     Signal<> dataChanged;
     Signal<MonitorReading> readings;
+    OptimizerLink* optimizer = nullptr;
+    std::vector<std::string> importedFiles; // by name
+    ImportOutcome importOutcome = ImportStopped{};
 
     void tell(AgentStatus news) {
         status = std::move(news);
@@ -36,7 +39,17 @@ public:
     Failure openDashboard(std::optional<std::string> /*page*/) override { return note("open the dashboard"); }
     Failure openSettings(std::optional<std::string> /*tab*/) override { return note("open the settings"); }
     Failure quit() override { return note("quit"); }
-    Subscription importFiles(std::vector<SessionFile> /*files*/, ImportReceiver /*receiver*/) override { return {}; }
+    Subscription importFiles(std::vector<SessionFile> files, ImportReceiver receiver) override {
+        for (const auto& file : files)
+            script_.importedFiles.push_back(file.name);
+        receiver.ended(script_.importOutcome);
+        return {};
+    }
+    Failure deleteActivity(std::optional<Date> before) override {
+        return note(before ? "delete before " + std::to_string(static_cast<std::int64_t>(before->seconds()))
+                           : "delete all");
+    }
+    Failure deleteResourceLog() override { return note("delete the log"); }
     Subscription observeData(std::function<void()> receiver) override {
         return script_.dataChanged.subscribe(std::move(receiver));
     }
@@ -52,7 +65,7 @@ public:
         return script_.readings.subscribe(std::move(receiver));
     }
 
-    OptimizerLink* optimizer() override { return nullptr; }
+    OptimizerLink* optimizer() override { return script_.optimizer; }
 
 private:
     Failure note(std::string what) {

@@ -1,14 +1,16 @@
 // Pictures of every view over an example history, in light and dark and at two sizes: kestrio-screenshots [FOLDER
 // [NAME]] writes them into the folder, Docs/images unless said otherwise; with a name only the view of that name. Its
 // options show how they look with larger text, on finer screens, with more contrast, from right to left.
+#include "Kestrio/Optimizer/OptimizerJSON.h"
 #include "Kestrio/Pages/Icons.h"
+#include "Kestrio/Pages/Settings/ScheduleEditor.h"
 #include "Kestrio/Shell/Settings.h"
 #include "Kestrio/Views/Window/DashboardModel.h"
 #include "Kestrio/Views/Window/MasterDetailModel.h"
 #include "Kestrio/Views/Window/WindowApplication.h"
 #include "Kestrio/Views/Window/Windows.h"
 #include "Tests/Examples/ExampleHistory.h"
-#include "Tests/Views/Window/WindowStage.h"
+#include "Tests/Views/Window/SettingsStage.h"
 
 #include <CLI/CLI.hpp>
 #include <QColor>
@@ -40,6 +42,22 @@ void pausedUntilSix(WindowStage& stage) {
 
 void withoutHistory(WindowStage& stage) {
     stage.sessions.clear();
+}
+
+void withProjectRules(WindowStage& stage) {
+    stage.classification.projectRules().setRules(
+        {{{{1}}, "harbour", "Harbour"}, {{{2}}, "docs.google.com", "Writing"}, {{{3}}, "lunch", ""}});
+}
+
+void withOptimizerRules(WindowStage& stage) {
+    OptimizerChoices choices{.isEnabled = true};
+    choices.rules = addingSchedule({}, {{1}});
+    choices.rules.schedules[0].tiers["com.tinyspeck.slackmacgap"] = tindra::AppTier::alwaysOn;
+    choices.rules.tiers["com.tinyspeck.slackmacgap"] = tindra::AppTier::checkPeriodically;
+    choices.rules.tiers["com.spotify.client"] = tindra::AppTier::canWait;
+    choices.rules.neverTouch = {"com.microsoft.VSCode"};
+    stage.settings.set(settingKey::optimizerEnabled, true);
+    stage.settings.set(settingKey::optimizerRules, SettingBytes{encoded(choices.rules).value_or("")});
 }
 
 void withoutReadableHistory(WindowStage& stage) {
@@ -146,6 +164,13 @@ const std::vector<View>& views() {
         {"not-running", DashboardRequest{"overview"}, RangeMode::day, withoutAgent},
         {"paused", DashboardRequest{"timeline"}, RangeMode::week, pausedUntilSix},
         {"panel-today", PanelRequest{PanelKind::today}, RangeMode::day, atWork},
+        {"settings-general", SettingsRequest{"general"}},
+        {"settings-categories", SettingsRequest{"categories"}},
+        {"settings-projects", SettingsRequest{"projects"}, RangeMode::day, withProjectRules},
+        {"settings-optimization", SettingsRequest{"optimization"}, RangeMode::day, withOptimizerRules},
+        {"settings-permissions", SettingsRequest{"permissions"}},
+        {"settings-data", SettingsRequest{"data"}},
+        {"settings-about", SettingsRequest{"about"}},
         {"panel-system", PanelRequest{PanelKind::system}},
     };
     return all;
@@ -203,12 +228,13 @@ struct Wish {
 };
 
 bool take(const View& view, AppearanceMode appearance, const Wish& wish, const QDir& folder) {
-    WindowStage stage(history(), view.mode);
+    SettingsStage stage(history(), view.mode);
     const ExampleIcons icons(stage.sessions);
     stage.settings.set(settingKey::appearanceMode, std::string(rawText(appearance)));
     stage.script.status.isAccessibilityGranted = true;
     stage.parts.host.isBrowser = [](const auto& id) { return id == "com.google.Chrome"; };
     stage.parts.host.iconFile = [&icons](const auto& application, int) { return icons.file(application); };
+    stage.archiveHistory();
     stage.parts.host.observeDesktop = [&wish](const auto& receiver) {
         receiver(wish.desktop);
         return Subscription();
@@ -224,6 +250,8 @@ bool take(const View& view, AppearanceMode appearance, const Wish& wish, const Q
     const auto name = QStringLiteral("%1-%2").arg(view.name, rawText(appearance));
     if (windows.panel())
         return write(*windows.panel(), folder.filePath(name + ".png"));
+    if (windows.settings())
+        return write(*windows.settings(), folder.filePath(name + ".png"));
     auto* const window = windows.dashboard();
     if (!window)
         return false;

@@ -18,59 +18,48 @@ ColumnLayout {
         bar: breakdown.value.bar
     }
 
-    GridLayout {
+    // Not a layout: a nested one may still arrange rows that a shorter list no longer has.
+    Column {
+        id: rows
+
         Layout.fillWidth: true
-        columnSpacing: Theme.m
-        columns: 3
-        rowSpacing: Theme.s
+        spacing: Theme.s
 
         Repeater {
-            model: breakdown.value.rows
+            model: RowsModel {
+                rows: breakdown.value.rows
+            }
 
-            CategoryKey {
-                required property int index
-                required property var modelData
+            RowLayout {
+                id: line
 
-                Accessible.name: [modelData.category.label, modelData.share, modelData.duration].join(", ")
+                required property var row
+
+                Accessible.name: [row.category.label, row.share, row.duration].join(", ")
                 Accessible.role: Accessible.ListItem
-                Layout.column: 0
-                Layout.fillWidth: true
-                Layout.row: index
-                font: Theme.body
-                textColor: Theme.text
-                value: modelData.category
-            }
-        }
+                spacing: Theme.m
+                width: rows.width
 
-        Repeater {
-            model: breakdown.value.rows
+                CategoryKey {
+                    Layout.fillWidth: true
+                    font: Theme.body
+                    textColor: Theme.text
+                    value: line.row.category
+                }
 
-            Line {
-                required property int index
-                required property var modelData
+                Line {
+                    Accessible.ignored: true
+                    color: Theme.textSecondary
+                    text: line.row.share
+                }
 
-                Accessible.ignored: true
-                Layout.alignment: Qt.AlignRight
-                Layout.column: 1
-                Layout.row: index
-                color: Theme.textSecondary
-                text: modelData.share
-            }
-        }
-
-        Repeater {
-            model: breakdown.value.rows
-
-            Line {
-                required property int index
-                required property var modelData
-
-                Accessible.ignored: true
-                Layout.alignment: Qt.AlignRight
-                Layout.column: 2
-                Layout.row: index
-                font: Theme.bodyStrong
-                text: modelData.duration
+                Line {
+                    Accessible.ignored: true
+                    Layout.minimumWidth: Theme.scaled(60)
+                    font: Theme.bodyStrong
+                    horizontalAlignment: Text.AlignRight
+                    text: line.row.duration
+                }
             }
         }
     }

@@ -10,10 +10,14 @@ T.AbstractButton {
     id: control
 
     required property var value
+    // The entries as they were when the menu opened: a report that is made anew does not take them away from its reader.
+    property var offered: []
+    readonly property bool isOpen: (menuLoader.item as T.Menu)?.opened ?? false
 
     signal selected(var category)
 
     function open() {
+        offered = value?.entries ?? [];
         menuLoader.active = true;
         const menu = menuLoader.item as PopupMenu;
         menu.popup(control, mirrored ? 0 : width - menu.width, height + Theme.xs);
@@ -63,7 +67,7 @@ T.AbstractButton {
     onClicked: open()
 
     Help {
-        text: Words.changeCategory
+        text: control.isOpen ? "" : Words.changeCategory
     }
 
     Loader {
@@ -71,9 +75,9 @@ T.AbstractButton {
 
         active: false
         sourceComponent: PopupMenu {
-            entries: control.value?.entries ?? []
+            entries: control.offered
 
-            onChosen: index => control.selected(control.value.entries[index].category)
+            onChosen: index => control.selected(control.offered[index].category)
         }
     }
 }

@@ -28,17 +28,22 @@ ColumnLayout {
         initialCount: list.initialCount
     }
 
-    Repeater {
-        id: repeater
+    // Not a layout: a nested one may still arrange rows that a shorter list no longer has.
+    Column {
+        Layout.fillWidth: true
 
-        model: RowsModel {
-            limit: portion.shown
-            rows: list.items
-        }
+        Repeater {
+            id: repeater
 
-        onItemAdded: (index, item) => {
-            if (item.isDivided !== undefined)
-                item.isDivided = index > 0;
+            model: RowsModel {
+                limit: portion.shown
+                rows: list.items
+            }
+
+            onItemAdded: (index, item) => {
+                if (item.isDivided !== undefined)
+                    item.isDivided = index > 0;
+            }
         }
     }
 

@@ -88,7 +88,11 @@ T.Menu {
             hasMarks: popupMenu.hasMarks
             width: popupMenu.availableWidth
 
-            onTriggered: popupMenu.chosen(index)
+            // What is chosen may change the entries, and one that went does not close the menu any more.
+            onTriggered: {
+                popupMenu.close();
+                popupMenu.chosen(index);
+            }
         }
 
         onObjectAdded: (index, object) => popupMenu.insertItem(index, object as T.MenuItem)

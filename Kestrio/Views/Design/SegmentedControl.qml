@@ -45,12 +45,14 @@ T.GroupBox {
                 }
 
                 Segment {
+                    id: segment
+
                     required property var row
                     required property int index
 
-                    checked: row.isCurrent ?? false
+                    checked: segment.row.isCurrent ?? false
                     height: parent.height
-                    text: row.title ?? ""
+                    text: segment.row.title ?? ""
 
                     Keys.onLeftPressed: control.choose(index + (control.mirrored ? 1 : -1))
                     Keys.onRightPressed: control.choose(index + (control.mirrored ? -1 : 1))

@@ -25,8 +25,10 @@ ColumnLayout {
     }
 
     function give(item) {
-        item?.forceActiveFocus(Qt.ShortcutFocusReason);
-        return Boolean(item);
+        if (item === undefined)
+            return false;
+        item.forceActiveFocus(Qt.ShortcutFocusReason);
+        return true;
     }
 
     // Where the tabulator stops within the page.

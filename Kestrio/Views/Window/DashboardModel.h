@@ -95,6 +95,7 @@ public:
     /// Does what a button of the band says, by its `action`.
     Q_INVOKABLE void actOnBanner(const QString& action);
 
+    Q_INVOKABLE void openSettings() { Q_EMIT settingsRequested(); }
     Q_INVOKABLE void openAbout();
 
     Q_INVOKABLE void rememberSize(const QSize& size);

@@ -11,7 +11,6 @@ Item {
     required property DashboardModel model
     readonly property var controls: model.dateControls
 
-    readonly property var sections: [].concat(...Array.from(model.groups, group => Array.from(group.sections)))
 
     signal closeRequested
     signal searchRequested
@@ -61,14 +60,20 @@ Item {
     }
 
     Instantiator {
-        model: shortcuts.sections
+        model: shortcuts.model.groups
 
-        delegate: Shortcut {
+        delegate: Instantiator {
             required property var modelData
 
-            sequence: modelData.keys
+            model: modelData.sections
 
-            onActivated: shortcuts.model.select(modelData.rawValue)
+            delegate: Shortcut {
+                required property var modelData
+
+                sequence: modelData.keys
+
+                onActivated: shortcuts.model.select(modelData.rawValue)
+            }
         }
     }
 
@@ -82,6 +87,12 @@ Item {
         sequence: "Ctrl+PgDown"
 
         onActivated: shortcuts.model.selectNeighbour(1)
+    }
+
+    Shortcut {
+        sequence: "Ctrl+,"
+
+        onActivated: shortcuts.model.openSettings()
     }
 
     Shortcut {

@@ -11,10 +11,9 @@ KeyboardList {
     required property MasterDetailModel page
 
     bottomMargin: Theme.s
-    currentIndex: page.selectedPlace
+    // None: a view follows its current row, which a fresh report may move, away from where somebody reads.
+    currentIndex: -1
     hasTypeAhead: true
-    // A fresh report may move the selected row, away from where somebody reads.
-    highlightFollowsCurrentItem: false
     leftMargin: Theme.s
     model: page.rows
     place: page.selectedPlace
@@ -37,8 +36,16 @@ KeyboardList {
 
         required property var row
 
+        // While it waits to be used again, assistive technology would still come to it.
+        ListView.onPooled: visible = false
         Accessible.description: [row.duration, row.subtitle].filter(text => text).join(", ")
+        ListView.onReused: {
+            visible = true;
+            if (selected && list.activeFocus)
+                forceActiveFocus(Qt.OtherFocusReason);
+        }
         activeFocusOnTab: false
+        focus: selected
         focusPolicy: Qt.NoFocus
         selected: row.key === list.page.selection
         text: row.title

@@ -36,7 +36,7 @@ KeyboardList {
             positionViewAtBeginning();
         currentIndex = stop;
     }
-    onCountChanged: Qt.callLater(findPlace)
+    onCountChanged: findPlace()
 
     // The columns of times are as wide as the widest line of these.
     Text {

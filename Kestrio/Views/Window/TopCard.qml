@@ -33,9 +33,9 @@ Card {
         visible: text !== ""
     }
 
-    ColumnLayout {
+    // Not a layout: a nested one may still arrange rows that a shorter list no longer has.
+    Column {
         Layout.fillWidth: true
-        spacing: 0
 
         Repeater {
             model: RowsModel {

@@ -8,6 +8,7 @@
 #include "Kestrio/Pages/Viewpoint.h"
 #include "Kestrio/Platform/DesktopAppearance.h"
 #include "Kestrio/Platform/KeyValueStore.h"
+#include "Kestrio/Platform/LoginItem.h"
 #include "Kestrio/Reports/ReportStore.h"
 #include "Kestrio/Shell/BrowserAccess.h"
 #include "Kestrio/Shell/ClassificationSettings.h"
@@ -17,6 +18,8 @@
 #include <optional>
 
 namespace kestrio {
+
+class ArchiveLink;
 
 /// In points.
 struct WindowSize {
@@ -44,6 +47,10 @@ struct WindowHost {
     std::function<Subscription(std::function<void(const DesktopAppearance&)>)> observeDesktop = [](const auto&) {
         return Subscription();
     };
+    /// What helpers ask about this program and this machine, a line for each.
+    std::function<std::string()> systemInfo = [] { return std::string(); };
+    /// Shows a file among the others of its folder, in the person's file manager.
+    std::function<void(const std::filesystem::path& file)> showInFiles = [](const auto&) {};
     /// The file with the recorded sessions, for people to look for.
     std::filesystem::path historyFile = {};
     /// The size that the dashboard had when it was last closed; absent when it never was.
@@ -61,6 +68,8 @@ struct WindowParts {
     ReportStore& dashboard; // of the range that the dashboard shows
     ReportStore& today;     // of this day, for the panel
     BrowserAccess* browserAccess = nullptr;
+    LoginItem* loginItem = nullptr;
+    ArchiveLink* archive = nullptr;
     WindowHost host = {};
 
     Viewpoint viewpoint() const { return {clock.now(), calendar}; }

@@ -4,6 +4,7 @@
 #include "Kestrio/Shell/Settings.h"
 #include "Kestrio/Views/Design/Design.h"
 #include "Kestrio/Views/Window/DashboardModel.h"
+#include "Kestrio/Views/Window/Settings/SettingsModel.h"
 
 #include <QQmlComponent>
 #include <QQmlExtensionPlugin>
@@ -21,6 +22,18 @@ namespace {
 
 /// What a window's frame may take of the screen's height, in points.
 constexpr int frameHeight = 40;
+
+void bringForward(QQuickWindow& window) {
+    window.setWindowStates(window.windowStates() & ~Qt::WindowMinimized);
+    window.show();
+    window.raise();
+    window.requestActivate();
+}
+
+/// What stands below the edge of a small screen is out of reach.
+void fitToScreen(QQuickWindow& window) {
+    window.resize(window.size().boundedTo(window.screen()->availableSize() - QSize(0, frameHeight)));
+}
 
 /// Null, with lines in the log, for one that is not as it should be.
 std::unique_ptr<QObject> create(QQmlComponent& component, const QVariantMap& properties) {
@@ -52,6 +65,8 @@ Windows::Windows(const WindowParts& parts)
 Windows::~Windows() {
     panels_.close();
     // Items read their models to the end.
+    delete settings_.release();
+    delete settingsModel_.release();
     delete dashboard_.release();
     delete dashboardModel_.release();
 }
@@ -62,13 +77,13 @@ void Windows::show(const WindowRequest& request, const std::string& activationTo
         qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(activationToken));
     if (const auto* const panel = std::get_if<PanelRequest>(&request))
         return panels_.show(*panel);
-    // The settings have no window yet; where they were asked for there is at least one.
-    const auto* const dashboard = std::get_if<DashboardRequest>(&request);
-    showDashboard(dashboard ? *dashboard : DashboardRequest{});
+    if (const auto* const settings = std::get_if<SettingsRequest>(&request))
+        return showSettings(*settings);
+    showDashboard(std::get<DashboardRequest>(request));
 }
 
 bool Windows::isAnyOpen() const {
-    return dashboard_ || panels_.window();
+    return dashboard_ || settings_ || panels_.window();
 }
 
 void Windows::showDashboard(const DashboardRequest& request) {
@@ -79,10 +94,7 @@ void Windows::showDashboard(const DashboardRequest& request) {
         return;
     if (isNew || request.page)
         dashboardModel_->open(request.page);
-    dashboard_->setWindowStates(dashboard_->windowStates() & ~Qt::WindowMinimized);
-    dashboard_->show();
-    dashboard_->raise();
-    dashboard_->requestActivate();
+    bringForward(*dashboard_);
 }
 
 void Windows::makeDashboard() {
@@ -94,13 +106,40 @@ void Windows::makeDashboard() {
         return;
     (void)made.release();
     dashboard_.reset(window);
-    // What stands below the edge of a small screen is out of reach.
-    window->resize(window->size().boundedTo(window->screen()->availableSize() - QSize(0, frameHeight)));
+    fitToScreen(*window);
+    connect(dashboardModel_.get(), &DashboardModel::settingsRequested, this, [this] { showSettings({}); });
     connect(window, &QQuickWindow::visibleChanged, this, [this](bool isVisible) {
         if (isVisible)
             return;
         dashboard_.reset();
         dashboardModel_.reset();
+    });
+}
+
+void Windows::showSettings(const SettingsRequest& request) {
+    if (!settingsModel_)
+        settingsModel_.reset(new SettingsModel(parts_));
+    settingsModel_->open(request.tab);
+    if (!settings_)
+        makeSettings();
+    if (settings_)
+        bringForward(*settings_);
+}
+
+void Windows::makeSettings() {
+    QQmlComponent component(&engine_, QUrl(QStringLiteral("qrc:/qt/qml/Kestrio/Window/Settings/SettingsWindow.qml")));
+    auto made = create(component, {{"model", QVariant::fromValue(settingsModel_.get())}});
+    auto* const window = qobject_cast<QQuickWindow*>(made.get());
+    if (!window)
+        return;
+    (void)made.release();
+    settings_.reset(window);
+    fitToScreen(*window);
+    connect(window, &QQuickWindow::visibleChanged, this, [this](bool isVisible) {
+        if (isVisible)
+            return;
+        settings_.reset();
+        settingsModel_.reset();
     });
 }
 

@@ -16,6 +16,7 @@ class QQuickWindow;
 namespace kestrio {
 
 class DashboardModel;
+class SettingsModel;
 
 class Windows final : public QObject {
     Q_OBJECT
@@ -32,6 +33,8 @@ public:
 
     /// Null while it is not open.
     QQuickWindow* dashboard() const { return dashboard_.get(); }
+    /// Null while it is not open.
+    QQuickWindow* settings() const { return settings_.get(); }
     /// Null while none is open.
     QQuickWindow* panel() const { return panels_.window(); }
 
@@ -42,6 +45,8 @@ private:
 
     void showDashboard(const DashboardRequest& request);
     void makeDashboard();
+    void showSettings(const SettingsRequest& request);
+    void makeSettings();
 
     const WindowParts& parts_;
     QQmlEngine engine_;
@@ -50,6 +55,8 @@ private:
     Panels panels_{engine_, panelParts_};
     std::unique_ptr<DashboardModel, Later> dashboardModel_;
     std::unique_ptr<QQuickWindow, Later> dashboard_;
+    std::unique_ptr<SettingsModel, Later> settingsModel_;
+    std::unique_ptr<QQuickWindow, Later> settings_;
 };
 
 } // namespace kestrio

@@ -117,6 +117,7 @@ TEST(AppsView, changesTheCategoryAndTakesItBack) {
     screen.settle();
     EXPECT_EQ(screen.settings.get<SettingDictionary>("appCategoryOverrides"),
               (SettingDictionary{{"org.example.Editor", "development"}}));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !screen.shows("Entertainment"); })) << "the menu closes";
     screen.click("Development"); // which the fresh report shows
     screen.click("Reset to Default");
     screen.settle();

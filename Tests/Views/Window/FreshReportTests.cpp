@@ -1,7 +1,9 @@
 // A report is made anew every few seconds: what somebody typed, opened, selected or scrolled to stays as it was.
 #include "Kestrio/Views/Window/AppsModel.h"
+#include "Kestrio/Views/Window/OverviewModel.h"
 #include "Kestrio/Views/Window/TimelineModel.h"
 #include "Kestrio/Views/Window/WebsitesModel.h"
+#include "Kestrio/Views/Window/YouTubeModel.h"
 #include "Tests/Views/Window/DashboardScreen.h"
 #include "Tests/Views/Window/PageScreen.h"
 
@@ -125,6 +127,52 @@ TEST(FreshReport, leavesTheFilterOfAListWhereItWas) {
     screen.relive(exampleWorkday());
     EXPECT_EQ(screen.model.rows()->count(), 1);
     EXPECT_EQ(screen.window().activeFocusItem()->property("text").toString(), "alpha");
+}
+
+TEST(FreshReport, leavesAMenuThatIsOpenAsItIs) {
+    auto history = exampleWorkday();
+    AppsScreen screen("Apps", history);
+    screen.click("Editor");
+    screen.click("Other");
+    screen.press(Qt::Key_Down);
+    screen.press(Qt::Key_Down);
+    const auto highlighted = [&] {
+        const auto found = screen.items([](QQuickItem& item) { return item.property("highlighted").toBool(); });
+        return found.empty() ? nullptr : found.back();
+    };
+    auto* const before = highlighted();
+    ASSERT_NE(before, nullptr);
+    history.back().end = history.back().end + Seconds(30);
+    history[1].end = history[1].end + Seconds(30);
+    screen.relive(history);
+    EXPECT_EQ(highlighted(), before);
+    const auto chosen = before->property("text").toString();
+    screen.press(Qt::Key_Return);
+    screen.settle();
+    EXPECT_EQ(screen.model.detail().toMap()["header"].toMap()["title"], "Editor");
+    EXPECT_TRUE(screen.shows(chosen));
+    EXPECT_EQ(screen.settings.get<SettingDictionary>("appCategoryOverrides").value_or(SettingDictionary()).size(), 1u);
+}
+
+TEST(FreshReport, leavesTheOverviewAndTheVideosWhereTheyWereScrolled) {
+    ScrolledScreen<OverviewModel> overview("Overview", exampleWorkday());
+    ASSERT_EQ(overview.scrollTo(overview.scrolled(false), 300), 300);
+    auto longer = exampleWorkday();
+    longer[0].end = longer[0].end + Seconds(10);
+    overview.relive(longer);
+    EXPECT_EQ(overview.scrolled(false)->property("contentY").toDouble(), 300);
+
+    ReportBench bench;
+    for (int i = 0; i < 40; ++i)
+        bench.add(9 * hour + 100 * i, 99 - i,
+                  {.app = "Browser",
+                   .title = "Video " + std::to_string(i),
+                   .url = "https://www.youtube.com/watch?v=" + std::to_string(10'000'000'000 + i)});
+    ScrolledScreen<YouTubeModel> videos("YouTube", bench.sessions);
+    ASSERT_EQ(videos.scrollTo(videos.scrolled(false), 900), 900);
+    bench.add(16 * hour, 100, {.app = "Browser", .title = "Video 20", .url = bench.sessions[20].url});
+    videos.relive(bench.sessions);
+    EXPECT_EQ(videos.scrolled(false)->property("contentY").toDouble(), 900);
 }
 
 int openBlocks(TimelineModel& model) {

@@ -64,51 +64,60 @@ ColumnLayout {
         }
     }
 
-    Repeater {
-        model: RowsModel {
-            rows: live.value.alongside
-        }
+    // Not a layout: a nested one may still arrange rows that a shorter list no longer has.
+    Column {
+        id: column
 
-        RowLayout {
-            id: line
+        Layout.fillWidth: true
+        spacing: Theme.s
+        visible: live.value.alongside.length > 0
 
-            required property var row
-
-            Accessible.description: row.badge?.title ?? ""
-            Accessible.name: row.title !== "" ? row.title : row.appName
-            Accessible.role: Accessible.StaticText
-            Layout.fillWidth: true
-            spacing: Theme.m
-
-            Item {
-                implicitHeight: Theme.scaled(20)
-                implicitWidth: Theme.scaled(30)
-
-                RowIcon {
-                    anchors.centerIn: parent
-                    icon: line.row.icon
-                    size: Theme.scaled(20)
-                }
+        Repeater {
+            model: RowsModel {
+                rows: live.value.alongside
             }
 
-            Line {
-                id: words
+            RowLayout {
+                id: line
 
-                Accessible.ignored: true
-                Layout.fillWidth: true
-                color: Theme.textSecondary
-                font: Theme.small
-                text: line.row.title !== "" ? line.row.title : line.row.appName
+                required property var row
 
-                Help {
-                    text: words.truncated ? words.text : ""
+                Accessible.description: row.badge?.title ?? ""
+                Accessible.name: row.title !== "" ? row.title : row.appName
+                Accessible.role: Accessible.StaticText
+                spacing: Theme.m
+                width: column.width
+
+                Item {
+                    implicitHeight: Theme.scaled(20)
+                    implicitWidth: Theme.scaled(30)
+
+                    RowIcon {
+                        anchors.centerIn: parent
+                        icon: line.row.icon
+                        size: Theme.scaled(20)
+                    }
                 }
-            }
 
-            AlongsideBadge {
-                Accessible.ignored: true
-                value: line.row.badge ?? ({})
-                visible: line.row.badge !== undefined
+                Line {
+                    id: words
+
+                    Accessible.ignored: true
+                    Layout.fillWidth: true
+                    color: Theme.textSecondary
+                    font: Theme.small
+                    text: line.row.title !== "" ? line.row.title : line.row.appName
+
+                    Help {
+                        text: words.whole
+                    }
+                }
+
+                AlongsideBadge {
+                    Accessible.ignored: true
+                    value: line.row.badge ?? ({})
+                    visible: line.row.badge !== undefined
+                }
             }
         }
     }

@@ -112,18 +112,26 @@ PanelWindow {
         spacing: Theme.xs + 2
         visible: window.hasReading
 
-        Repeater {
-            model: RowsModel {
-                rows: window.panel.insights
-            }
+        // Not a layout: a nested one may still arrange rows that a shorter list no longer has.
+        Column {
+            id: insights
 
-            SymbolLine {
-                required property var row
+            Layout.fillWidth: true
+            spacing: Theme.xs + 2
 
-                Layout.fillWidth: true
-                symbol: row.symbol
-                text: row.text
-                tint: Theme.tone(row.tone)
+            Repeater {
+                model: RowsModel {
+                    rows: window.panel.insights
+                }
+
+                SymbolLine {
+                    required property var row
+
+                    symbol: row.symbol
+                    text: row.text
+                    tint: Theme.tone(row.tone)
+                    width: insights.width
+                }
             }
         }
 

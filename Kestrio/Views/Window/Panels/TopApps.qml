@@ -46,48 +46,57 @@ ColumnLayout {
         }
     }
 
-    Repeater {
-        model: RowsModel {
-            rows: apps.value.rows
-        }
+    // Not a layout: a nested one may still arrange rows that a shorter list no longer has.
+    Column {
+        id: column
 
-        Item {
-            id: app
+        Layout.fillWidth: true
+        spacing: Theme.xs
+        visible: apps.value.rows.length > 0
 
-            required property var row
-
-            Accessible.description: row.tip ?? ""
-            Accessible.name: [row.name, row.figure].join(", ")
-            Accessible.role: Accessible.ListItem
-            Layout.fillWidth: true
-            implicitHeight: Theme.scaled(24)
-
-            RowLayout {
-                anchors.fill: parent
-                spacing: Theme.s + 2
-
-                RowIcon {
-                    icon: app.row.icon
-                    size: Theme.scaled(18)
-                }
-
-                Line {
-                    Accessible.ignored: true
-                    Layout.fillWidth: true
-                    font: Theme.small
-                    text: app.row.name
-                }
-
-                Line {
-                    Accessible.ignored: true
-                    color: Theme.textSecondary
-                    font: Theme.small
-                    text: app.row.figure
-                }
+        Repeater {
+            model: RowsModel {
+                rows: apps.value.rows
             }
 
-            Help {
-                text: app.row.tip ?? ""
+            Item {
+                id: app
+
+                required property var row
+
+                Accessible.description: row.tip ?? ""
+                Accessible.name: [row.name, row.figure].join(", ")
+                Accessible.role: Accessible.ListItem
+                implicitHeight: Theme.scaled(24)
+                width: column.width
+
+                RowLayout {
+                    anchors.fill: parent
+                    spacing: Theme.s + 2
+
+                    RowIcon {
+                        icon: app.row.icon
+                        size: Theme.scaled(18)
+                    }
+
+                    Line {
+                        Accessible.ignored: true
+                        Layout.fillWidth: true
+                        font: Theme.small
+                        text: app.row.name
+                    }
+
+                    Line {
+                        Accessible.ignored: true
+                        color: Theme.textSecondary
+                        font: Theme.small
+                        text: app.row.figure
+                    }
+                }
+
+                Help {
+                    text: app.row.tip ?? ""
+                }
             }
         }
     }

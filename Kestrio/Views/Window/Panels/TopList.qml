@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Layouts
 import Kestrio.Design
@@ -23,13 +25,21 @@ ColumnLayout {
         text: list.title
     }
 
-    Repeater {
-        model: RowsModel {
-            rows: list.rows
-        }
+    // Not a layout: a nested one may still arrange rows that a shorter list no longer has.
+    Column {
+        id: column
 
-        CompactUsageRow {
-            Layout.fillWidth: true
+        Layout.fillWidth: true
+        spacing: 2
+
+        Repeater {
+            model: RowsModel {
+                rows: list.rows
+            }
+
+            CompactUsageRow {
+                width: column.width
+            }
         }
     }
 }

@@ -1,0 +1,7 @@
+import Kestrio.Window
+
+SettingsForm {
+    required property GeneralSettingsModel tab
+
+    form: tab
+}
