@@ -43,8 +43,8 @@ public:
 
 private:
     const std::string address_;
+    WorkerQueue face_{"face"}; // outlives what the worker still has to tell
     WorkerQueue worker_{"worker"};
-    WorkerQueue face_{"face"};
     std::optional<AgentLink> link_;
 };
 
