@@ -250,8 +250,12 @@ bool take(const View& view, AppearanceMode appearance, const Wish& wish, const Q
     const auto name = QStringLiteral("%1-%2").arg(view.name, rawText(appearance));
     if (windows.panel())
         return write(*windows.panel(), folder.filePath(name + ".png"));
-    if (windows.settings())
-        return write(*windows.settings(), folder.filePath(name + ".png"));
+    if (auto* const settings = windows.settings()) {
+        if (wish.size)
+            settings->resize(wish.size->first, wish.size->second);
+        settle(stage);
+        return write(*settings, folder.filePath(name + ".png"));
+    }
     auto* const window = windows.dashboard();
     if (!window)
         return false;
@@ -274,7 +278,7 @@ std::variant<Wish, int> parse(int count, const char* const* arguments) {
     for (const auto& view : views())
         names.emplace_back(view.name);
     app.add_option("name", wish.name, "The only view to show")->check(CLI::IsMember(names));
-    app.add_option("--size", wish.size, "Of the dashboard, in points, instead of two usual ones");
+    app.add_option("--size", wish.size, "Of the dashboard or the settings, in points, instead of the usual ones");
     app.add_option("--scale", wish.scale, "The pixels of a point")->check(CLI::Range(0.5, 4.0));
     app.add_option("--text", wish.desktop.textScale, "How much larger text is")->check(CLI::Range(0.5, 3.0));
     app.add_flag("--high-contrast", wish.desktop.isHighContrast, "With more contrast");
