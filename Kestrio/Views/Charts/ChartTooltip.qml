@@ -33,28 +33,40 @@ Rectangle {
             text: tooltip.head
         }
 
-        Repeater {
-            model: tooltip.rows
+        // Two columns and not rows in layouts: a nested one may still arrange rows that a shorter list no longer has.
+        Row {
+            spacing: Theme.l
 
-            RowLayout {
-                id: row
+            Column {
+                spacing: Theme.xs
 
-                required property var modelData
+                Repeater {
+                    model: tooltip.rows
 
-                spacing: Theme.l
+                    CategoryKey {
+                        required property var modelData
 
-                CategoryKey {
-                    Layout.fillWidth: true
-                    font: Theme.small
-                    textColor: Theme.text
-                    value: row.modelData.category
+                        font: Theme.small
+                        textColor: Theme.text
+                        value: modelData.category
+                    }
                 }
+            }
 
-                Line {
-                    Accessible.ignored: true
-                    Layout.alignment: Qt.AlignRight
-                    font: Theme.small
-                    text: row.modelData.duration
+            Column {
+                spacing: Theme.xs
+
+                Repeater {
+                    model: tooltip.rows
+
+                    Line {
+                        required property var modelData
+
+                        Accessible.ignored: true
+                        anchors.right: parent?.right
+                        font: Theme.small
+                        text: modelData.duration
+                    }
                 }
             }
         }

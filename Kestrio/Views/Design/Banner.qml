@@ -12,6 +12,7 @@ Rectangle {
     required property var value
     default property alias content: extra.data
     readonly property color tint: Theme.named(value?.tint ?? "orange")
+    readonly property int mostButtons: 2
     readonly property bool isNarrow: width < Theme.scaled(420) // its buttons then stand below the text
 
     signal activated(int index)
@@ -72,30 +73,32 @@ Rectangle {
             }
         }
 
+        // As many as any band has, and those that are not there do not show: a layout may be arranged once more before
+        // it learns that one of its children is gone.
         Repeater {
-            model: RowsModel {
-                rows: banner.value?.buttons ?? []
-            }
+            model: banner.mostButtons
 
             Loader {
                 id: button
 
-                required property var row
                 required property int index
-                readonly property bool isDismissal: row.symbol !== undefined && row.action === "dismiss"
+                readonly property var row: banner.value?.buttons?.[index]
+                readonly property bool isDismissal: row?.symbol !== undefined && row?.action === "dismiss"
                 readonly property bool isBelow: banner.isNarrow && !isDismissal
 
                 Layout.alignment: isDismissal && banner.isNarrow ? Qt.AlignTop : Qt.AlignVCenter
                 Layout.column: isBelow ? 1 : 2 + index
                 Layout.row: isBelow ? 1 + index : 0
+                active: row !== undefined
                 sourceComponent: isDismissal ? symbolButton : wordButton
+                visible: active
 
                 Component {
                     id: symbolButton
 
                     IconButton {
-                        help: button.row.title ?? ""
-                        symbol: button.row.symbol ?? ""
+                        help: button.row?.title ?? ""
+                        symbol: button.row?.symbol ?? ""
 
                         onClicked: banner.activated(button.index)
                     }
@@ -105,8 +108,8 @@ Rectangle {
                     id: wordButton
 
                     PlainButton {
-                        symbol: button.row.symbol ?? ""
-                        text: button.row.title ?? ""
+                        symbol: button.row?.symbol ?? ""
+                        text: button.row?.title ?? ""
 
                         onClicked: banner.activated(button.index)
                     }

@@ -14,6 +14,7 @@ RowLayout {
     FilterField {
         Layout.fillWidth: true
         Layout.maximumWidth: Theme.scaled(360)
+        Layout.preferredWidth: Layout.maximumWidth
         prompt: tools.page.words.prompt
         text: tools.page.search
 

@@ -99,9 +99,11 @@ Rectangle {
             }
         }
 
-        ColumnLayout {
+        // Not a layout: a nested one may still arrange rows that a shorter list no longer has.
+        Column {
+            id: chosen
+
             Layout.fillWidth: true
-            spacing: 0
             visible: apps.count > 0
 
             Repeater {
@@ -116,8 +118,8 @@ Rectangle {
 
                     required property var row
 
-                    Layout.fillWidth: true
                     spacing: Theme.xs
+                    width: chosen.width
 
                     SettingRow {
                         Layout.fillWidth: true

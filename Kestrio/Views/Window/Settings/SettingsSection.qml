@@ -34,7 +34,8 @@ ColumnLayout {
         radius: Theme.radius
         visible: rows.count > 0 || extra.children.length > 0
 
-        ColumnLayout {
+        // Not a layout: a nested one may still arrange rows that a shorter list no longer has.
+        Column {
             id: column
 
             anchors.left: parent.left
@@ -42,7 +43,6 @@ ColumnLayout {
             anchors.right: parent.right
             anchors.rightMargin: Theme.l
             anchors.verticalCenter: parent.verticalCenter
-            spacing: 0
 
             Repeater {
                 id: rows
@@ -65,9 +65,9 @@ ColumnLayout {
             ColumnLayout {
                 id: extra
 
-                Layout.fillWidth: true
                 spacing: 0
                 visible: children.length > 0
+                width: column.width
             }
         }
     }

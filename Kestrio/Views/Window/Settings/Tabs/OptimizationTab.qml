@@ -23,13 +23,22 @@ SettingsForm {
             title: view.tab.schedulesHead.title
         }
 
-        Repeater {
-            model: RowsModel {
-                rows: view.tab.schedules
-            }
+        // Not a layout: a nested one may still arrange rows that a shorter list no longer has.
+        Column {
+            id: schedules
 
-            ScheduleEditor {
-                tab: view.tab
+            Layout.fillWidth: true
+            spacing: Theme.s
+
+            Repeater {
+                model: RowsModel {
+                    rows: view.tab.schedules
+                }
+
+                ScheduleEditor {
+                    tab: view.tab
+                    width: schedules.width
+                }
             }
         }
 
