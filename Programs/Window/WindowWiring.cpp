@@ -9,6 +9,7 @@
 #include "Kestrio/Platform/Linux/LinuxHostFacts.h"
 #include "Kestrio/Platform/Linux/PrivacyRemedies.h"
 #include "Kestrio/Platform/Linux/SystemMonitorPrograms.h"
+#include "Kestrio/Platform/Linux/X11Compositor.h"
 #include "Kestrio/Shell/AppInfo.h"
 #include "Kestrio/Shell/Settings.h"
 #include "Programs/Agent/HostClassification.h"
@@ -118,6 +119,7 @@ WindowHost WindowWiring::host(Queue& main, const Locations& locations, const std
     host.startAgent = startAgent;
     host.isBrowser = BrowserInspector::isBrowser;
     host.privacyAdvice = privacyAdvice;
+    host.blendsWindows = [] { return blendsWindows(processEnvironment("DISPLAY").value_or("")); };
     host.openActivityMonitor = activityMonitor(clock_);
     // Made on the thread of the icons, at the first of them.
     host.iconFile = [this, icons = std::make_shared<std::optional<ApplicationIcons>>()](const auto& application,

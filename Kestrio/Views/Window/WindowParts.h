@@ -47,6 +47,8 @@ struct WindowHost {
     std::function<Subscription(std::function<void(const DesktopAppearance&)>)> observeDesktop = [](const auto&) {
         return Subscription();
     };
+    /// Whether windows are blended with what is behind them.
+    std::function<bool()> blendsWindows = [] { return true; };
     /// What helpers ask about this program and this machine, a line for each.
     std::function<std::string()> systemInfo = [] { return std::string(); };
     /// Shows a file among the others of its folder, in the person's file manager.

@@ -469,6 +469,18 @@ TEST(Panels, standBesideTheClickInsideTheScreen) {
     EXPECT_TRUE(work.contains(screen.panels.window()->geometry()));
 }
 
+TEST(Panels, haveSquareCornersWhereNothingIsBlended) {
+    PanelsScreen screen;
+    for (const bool isBlended : {true, false}) {
+        screen.parts.host.blendsWindows = [isBlended] { return isBlended; };
+        ASSERT_TRUE(screen.ask(PanelKind::today));
+        const auto picture = screen.panels.window()->grabWindow();
+        EXPECT_EQ(screen.panels.window()->color().alpha() == 255, !isBlended);
+        EXPECT_EQ(picture.pixelColor(0, 0) == picture.pixelColor(20, 0), !isBlended) << "the border goes around it";
+        ASSERT_FALSE(screen.ask(PanelKind::today));
+    }
+}
+
 TEST(Panels, areReadyWhenTheyAppear) {
     PanelsScreen screen;
     screen.panels.show({PanelKind::system, std::nullopt});

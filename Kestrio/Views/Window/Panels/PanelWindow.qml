@@ -13,7 +13,7 @@ Window {
 
     required property PanelModel panelModel
     required property size room
-    readonly property real cornerRadius: Theme.radius + 2
+    property bool isBlended: true // with what is behind it: what it leaves see-through is black otherwise
     readonly property real padding: Theme.l
     property real wantedWidth: Theme.scaled(348)
     readonly property int fixedHeight: Math.round(room.height > 0 ? Math.min(frame.wantedHeight, room.height) : frame.wantedHeight)
@@ -22,7 +22,7 @@ Window {
     property alias foot: footHolder.data
     default property alias content: contentHolder.data
 
-    color: "transparent"
+    color: isBlended ? "transparent" : Theme.window
     flags: Qt.Tool | Qt.FramelessWindowHint | Qt.WindowStaysOnTopHint
     height: fixedHeight
     // Of one size only, or compositors that tile would stretch it.
@@ -46,7 +46,7 @@ Window {
         border.color: Theme.cardBorder
         color: Theme.window
         focus: true
-        radius: window.cornerRadius
+        radius: window.isBlended ? Theme.radius + 2 : 0
 
         Keys.forwardTo: [pane]
         Keys.onEscapePressed: window.close()

@@ -8,8 +8,6 @@
 #include <QQmlComponent>
 #include <QScreen>
 #include <QTimerEvent>
-#include <algorithm>
-#include <cmath>
 
 namespace kestrio {
 namespace {
@@ -27,19 +25,6 @@ QUrl source(PanelKind kind) {
     case PanelKind::system: return QStringLiteral("qrc:/qt/qml/Kestrio/Window/Panels/SystemPanel.qml");
     }
     return {};
-}
-
-/// The panel's shape, for desktops that do not blend what is behind its corners: without the pixels that the rounding
-/// leaves out whole. Those that it cuts stay, so that it is smooth where they are blended.
-QRegion rounded(const QSize& size, qreal radius) {
-    QRegion shape(QRect(QPoint(0, 0), size));
-    for (int row = 0; row < radius; ++row) {
-        const auto rise = std::max(radius - row - 1, 0.0);
-        const auto cut = static_cast<int>(radius - std::sqrt(radius * radius - rise * rise));
-        for (const int y : {row, size.height() - 1 - row})
-            shape -= QRegion(0, y, cut, 1) + QRegion(size.width() - cut, y, cut, 1);
-    }
-    return shape;
 }
 
 } // namespace
@@ -93,8 +78,10 @@ std::unique_ptr<PanelModel, Panels::Later> Panels::makeModel(PanelKind kind) con
 QQuickWindow* Panels::makeWindow(PanelKind kind) {
     QQmlComponent component(&engine_, source(kind));
     const auto room = place_ ? place_->room() : QSize();
-    auto made = std::unique_ptr<QObject>(component.createWithInitialProperties(
-        {{QStringLiteral("model"), QVariant::fromValue(model_.get())}, {QStringLiteral("room"), room}}));
+    auto made = std::unique_ptr<QObject>(
+        component.createWithInitialProperties({{QStringLiteral("model"), QVariant::fromValue(model_.get())},
+                                               {QStringLiteral("room"), room},
+                                               {QStringLiteral("isBlended"), parts_.window.host.blendsWindows()}}));
     auto* const window = qobject_cast<QQuickWindow*>(made.get());
     if (!window) {
         logLine("Kestrio: a panel could not be made");
@@ -125,11 +112,8 @@ void Panels::appear() {
 }
 
 void Panels::place() {
-    if (!window_)
-        return;
-    if (place_)
+    if (window_ && place_)
         window_->setPosition(place_->position(window_->size()));
-    window_->setMask(rounded(window_->size(), window_->property("cornerRadius").toReal()));
 }
 
 bool Panels::eventFilter(QObject* watched, QEvent* event) {
