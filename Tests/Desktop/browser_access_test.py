@@ -96,7 +96,7 @@ class BrowserAccess:
     def stands_below_the_range(self):
         left, top, width, _ = self.screen.shown(self.title, "alert").place()
         range_left, range_top, range_width, range_height = self.screen.shown("Month").place()
-        return top > range_top + range_height and left < range_left and left + width > range_left + range_width
+        return top >= range_top + range_height - 1 and left < range_left and left + width > range_left + range_width
 
     def goes(self):
         eventually(lambda: self.screen.find(self.title) is None, "the band goes", RETRY)
