@@ -17,9 +17,9 @@ std::shared_ptr<const ActivityReport> shared(ActivityReport report) {
 }
 
 /// The present report where the new one equals it. To compare two long ones takes milliseconds: done while loading.
-std::shared_ptr<const ActivityReport> presentIfEqual(std::shared_ptr<const ActivityReport> made,
+std::shared_ptr<const ActivityReport> presentIfEqual(const std::shared_ptr<const ActivityReport>& made,
                                                      const std::shared_ptr<const ActivityReport>& present) {
-    return *made == *present ? present : std::move(made);
+    return *made == *present ? present : made;
 }
 
 } // namespace
