@@ -20,8 +20,8 @@ bool blendsWindows(const std::string& display) {
         return true;
     const auto name = fmt::format("_NET_WM_CM_S{}", screen); // as EWMH has it
     const auto selection = X11Reply<xcb_intern_atom_reply_t>(xcb_intern_atom_reply(
-        connection.get(),
-        xcb_intern_atom(connection.get(), 1, static_cast<std::uint16_t>(name.size()), name.data()), nullptr));
+        connection.get(), xcb_intern_atom(connection.get(), 1, static_cast<std::uint16_t>(name.size()), name.data()),
+        nullptr));
     if (!selection || selection->atom == XCB_ATOM_NONE)
         return false;
     const auto owner = X11Reply<xcb_get_selection_owner_reply_t>(xcb_get_selection_owner_reply(
