@@ -15,8 +15,8 @@ DataSettings::Stored StoredArchive::stored() {
         stored.bytes = static_cast<std::uint64_t>(database.fileSize());
         stored.sessions = database.sessionCount();
         stored.since = database.earliestStart();
-    } catch (const DatabaseError&) {
-        // Nothing that can be told; the dashboard says why.
+    } catch (const DatabaseError& error) {
+        stored.trouble = error.trouble();
     }
     return stored;
 }

@@ -1,6 +1,7 @@
 #include "Kestrio/Pages/Settings/DataSettings.h"
 
 #include "Kestrio/Base/Formatters.h"
+#include "Kestrio/Pages/HistoryNotice.h"
 
 #include <fmt/format.h>
 
@@ -17,15 +18,29 @@ SettingRow buttonRow(const char* id, std::string title, std::vector<SettingButto
             .control = SettingButtons{.buttons = std::move(buttons), .text = std::move(text)}};
 }
 
+constexpr auto unknown = "–";
+
+SettingsSection unreadableStorage(const Stored& stored, DatabaseTrouble trouble) {
+    const bool isThere = trouble != DatabaseTrouble::missing;
+    return {.title = "Storage",
+            .rows = {buttonRow(location, "Location", {{"Show in Finder", isThere}}, stored.fileName),
+                     fact(size, "Size", unknown), fact(sessionCount, "Recorded sessions", unknown),
+                     fact(since, "Tracking since", unknown)},
+            .note = isThere ? std::optional(historyNotice(trouble, stored.fileName, HistoryShown::nothing).text)
+                            : std::nullopt}; // before anything was recorded there is no file either
+}
+
 SettingsSection storage(const std::optional<Stored>& stored, const Calendar& calendar) {
+    if (stored && stored->trouble)
+        return unreadableStorage(*stored, *stored->trouble);
     const bool isThere = stored && stored->bytes > 0;
-    const auto since = stored && stored->since ? calendar.localized(*stored->since, "yMMMMd") : "–";
+    const auto start = stored && stored->since ? calendar.localized(*stored->since, "yMMMMd") : unknown;
     return {.title = "Storage",
             .rows = {buttonRow(location, "Location", {{"Show in Finder", isThere}}, stored ? stored->fileName : ""),
                      fact(size, "Size", stored ? Fmt::fileSize(stored->bytes, calendar) : ""),
                      fact(sessionCount, "Recorded sessions",
                           stored ? calendar.decimal(static_cast<double>(stored->sessions), 0) : ""),
-                     fact(DataSettings::since, "Tracking since", stored ? since : "")}};
+                     fact(since, "Tracking since", stored ? start : "")}};
 }
 
 SettingPicker rangePicker(ExportRange current) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Kestrio/Base/Calendar.h"
+#include "Kestrio/Base/DatabaseTrouble.h"
 #include "Kestrio/Pages/Settings/SettingRow.h"
 #include "Kestrio/Reports/SessionExport.h"
 
@@ -16,6 +17,7 @@ struct Stored {
     std::uint64_t bytes = 0;
     std::int64_t sessions = 0;
     std::optional<Date> since = {};
+    std::optional<DatabaseTrouble> trouble = {}; // why nothing else is known
     friend bool operator==(const Stored&, const Stored&) = default;
 };
 

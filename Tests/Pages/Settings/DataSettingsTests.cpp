@@ -1,3 +1,4 @@
+#include "Kestrio/Pages/HistoryNotice.h"
 #include "Kestrio/Pages/Settings/CategorySettings.h"
 #include "Kestrio/Pages/Settings/DataSettings.h"
 #include "Kestrio/Pages/Settings/PermissionsSettings.h"
@@ -30,6 +31,26 @@ TEST(DataSettings, withoutAHistoryThereIsNothingToShow) {
     const auto sections = DataSettings::sections({.stored = DataSettings::Stored{"activity.sqlite"}}, calendar);
     EXPECT_FALSE(canPress(*rowOf(sections, DataSettings::location)));
     EXPECT_EQ(said(*rowOf(sections, DataSettings::since)), "–");
+}
+
+TEST(DataSettings, aHistoryThatCannotBeReadDoesNotLookEmpty) {
+    const struct {
+        DatabaseTrouble trouble;
+        bool isThere;
+    } rows[] = {{DatabaseTrouble::missing, false},
+                {DatabaseTrouble::forbidden, true},
+                {DatabaseTrouble::locked, true},
+                {DatabaseTrouble::damaged, true},
+                {DatabaseTrouble::unreadable, true}};
+    for (const auto& [trouble, isThere] : rows) {
+        const auto sections = DataSettings::sections(
+            {.stored = DataSettings::Stored{.fileName = "a.sqlite", .trouble = trouble}}, calendar);
+        for (const auto* const row : {DataSettings::size, DataSettings::sessionCount, DataSettings::since})
+            EXPECT_EQ(said(*rowOf(sections, row)), "–") << row;
+        EXPECT_EQ(canPress(*rowOf(sections, DataSettings::location)), isThere);
+        const auto why = historyNotice(trouble, "a.sqlite", HistoryShown::nothing).text;
+        EXPECT_EQ(sections[0].note, isThere ? std::optional(why) : std::nullopt);
+    }
 }
 
 TEST(DataSettings, exportsAChosenRange) {
